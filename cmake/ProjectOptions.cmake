@@ -1,0 +1,43 @@
+# How every target of the project is compiled. Targets opt in with ascii_util_target(NAME), so that a project that
+# adds this one as a subdirectory keeps its own flags.
+
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+add_library(ascii_util_options INTERFACE)
+target_compile_features(ascii_util_options INTERFACE cxx_std_17)
+target_compile_options(ascii_util_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(ASCII_UTIL_WERROR)
+  target_compile_options(ascii_util_options INTERFACE -Werror)
+endif()
+
+# A unique-binding symbol would pin a library for ever; an unload must really unmap it. Only GCC makes them.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(ascii_util_options INTERFACE -fno-gnu-unique)
+endif()
+
+if(ASCII_UTIL_SANITIZE)
+  target_compile_options(ascii_util_options INTERFACE
+    -fsanitize=${ASCII_UTIL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  target_link_options(ascii_util_options INTERFACE -fsanitize=${ASCII_UTIL_SANITIZE})
+endif()
+if(ASCII_UTIL_COVERAGE)
+  target_compile_options(ascii_util_options INTERFACE --coverage -fprofile-abs-path)
+  target_link_options(ascii_util_options INTERFACE --coverage)
+endif()
+
+# Where sources include from: the repository root for framework/ and src/, include/ for what callers include.
+add_library(ascii_util_headers INTERFACE)
+target_include_directories(ascii_util_headers INTERFACE
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
+
+function(ascii_util_target name)
+  target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:ascii_util_options>)
+  set_target_properties(${name} PROPERTIES
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON
+    POSITION_INDEPENDENT_CODE ON)
+endfunction()

@@ -1,0 +1,56 @@
+#ifndef FRAMEWORK_PROCESS_EXCEPTION_H_
+#define FRAMEWORK_PROCESS_EXCEPTION_H_
+
+#include <cstdint>
+#include <exception>
+#include <sstream>
+
+#include "framework/visibility.h"
+
+namespace NS_BUNDLEMGR1 {
+
+/// The framework's base exception: two numbers and four texts. `what()` is the standard library's.
+///
+/// Copying moves the readable text of all four streams out of the source, which is why the source is not
+/// constant. So throw a temporary or an object of its own, and catch by reference.
+class PLATFORM_API ProcessException : public std::exception {
+ public:
+  ProcessException() = default;
+
+  ProcessException(ProcessException& other) : std::exception(other), code(other.code), detail(other.detail) {
+    Drain(other.stream1, stream1);
+    Drain(other.stream2, stream2);
+    Drain(other.stream3, stream3);
+    Drain(other.stream4, stream4);
+  }
+
+  ProcessException& operator=(const ProcessException&) = delete;
+  ~ProcessException() override = default;
+
+  std::int32_t code = 0;    ///< which failure
+  std::int32_t detail = 0;  ///< a second number that belongs to it
+  std::stringstream stream1;
+  std::stringstream stream2;
+  std::stringstream stream3;
+  std::stringstream stream4;
+
+ private:
+  static void Drain(std::stringstream& from, std::stringstream& to) {
+    to << from.rdbuf();
+    // Inserting from an empty buffer counts as a failure; the new stream must be usable all the same.
+    to.clear();
+  }
+};
+
+/// No interface of the wanted name and type exists. Carries `kInterfaceNotExist` as its code.
+class PLATFORM_API InterfaceNotExistException : public ProcessException {
+ public:
+  ~InterfaceNotExistException() override = default;
+};
+
+/// The code of every `InterfaceNotExistException`.
+inline constexpr std::int32_t kInterfaceNotExist = 0x41180004;
+
+}  // namespace NS_BUNDLEMGR1
+
+#endif  // FRAMEWORK_PROCESS_EXCEPTION_H_

@@ -1,0 +1,94 @@
+#ifndef ASCII_UTIL_ASCII_UTIL_INTERFACE_H_
+#define ASCII_UTIL_ASCII_UTIL_INTERFACE_H_
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "framework/service_interface.h"
+#include "framework/visibility.h"
+
+/// The interface that other bundles fetch by the name "AsciiUtilInterface".
+///
+/// Texts are byte strings; no encoding is assumed. "White space" that is trimmed is exactly blank, tab,
+/// line feed and carriage return. "Out" marks what an operation writes.
+namespace NS_ASCII {
+
+/// A name's list of items, for every name of a text of name=item|item entries. Owned by the caller.
+using ListMap = std::map<std::string, std::vector<std::string>>;
+
+/// String work and the alarm configuration, for the parts of a text alarm agent.
+///
+/// Binary contract: callers are built against the slots, so the operations keep exactly this order
+/// (`GetSvcName` and `IsValid` of the base are slots 3 and 4); new ones may only be appended.
+///
+/// Ownership: the interface belongs to the service object that registered it. A caller borrows it and
+/// drops it before the bundle is unloaded.
+/// Threads: the interface has no state. Every operation may be called from any thread at any time, also
+/// while the configuration is being loaded; maps and lists passed in are the caller's own to protect.
+/// Errors: bad input is answered, never thrown. Only exhausted memory throws, `std::bad_alloc`.
+class PLATFORM_API AsciiUtilInterface : public NS_BUNDLEMGR1::ServiceInterface {
+ public:
+  /// Slot 5. Reads `text`, up to its first NUL, as an integer with `strtol` in `base` (0 or 2 to 36).
+  /// `value` (out, always written) receives the low 32 bits of what could be read, 0 when nothing could.
+  /// True when all of the text was read, so leading white space and a sign are fine, anything behind the
+  /// number is not. An empty text is true with 0, and a number beyond 32 bits is true with its low bits.
+  virtual bool Str2Num(const std::string& text, int& value, int base) = 0;
+
+  /// Slot 6. The present time in UTC as "2026-11-15T09:11:44", the calendar form of ISO 8601, always 19
+  /// characters; a year below 1000 is padded with blanks. Empty when the clock cannot be written so, as
+  /// from the year 10000 on.
+  virtual std::string GetTimeStamp() = 0;
+
+  /// Slot 7. Whether the operator-specific translation applies: true when the integer configuration item
+  /// "IsTransQuelt" is 1 or cannot be read, false for every other value. Asked afresh on every call, and
+  /// every call logs its decision.
+  virtual bool IsTransQueltEnabled() = 0;
+
+  /// Slot 8. The configured integer for columns 1, 2 and 3 and the integer of column 4. Returns 0 and
+  /// writes `value` (out) when the configured text is a base-10 integer, as by `Str2Num`; returns 1 and
+  /// leaves `value` alone when it is not. A key that no line serves is no failure: it answers 0, value 0.
+  virtual std::int64_t GetAlmCfgValue(std::int64_t& value, const std::string& key1, const std::string& key2,
+                                      const std::string& key3, const int& numKey) = 0;
+
+  /// Slot 9. A copy of `text` in upper case, byte by byte as the process's locale has it.
+  virtual std::string ToUpper(const std::string& text) = 0;
+
+  /// Slot 10. Whether `text` holds `sub`. An empty `sub`, and one that starts with NUL, is in no text.
+  virtual bool IsContain(const std::string& sub, const std::string& text) = 0;
+
+  /// Slot 11. Whether `GetKeyValue` of the same arguments starts with a base-10 number above 1; what
+  /// follows the number does not matter. False when the key is missing.
+  virtual bool IsKeyValueAboveOne(const std::string& key, const std::string& text) = 0;
+
+  /// Slot 12. The value of `key` in a text of comma-separated key=value pairs; empty when there is none.
+  /// Pairs are trimmed, blanks next to the "=" count, the first matching pair wins, and the value runs to
+  /// the end of its pair. An empty value that is followed by more pairs is answered with the whole rest of
+  /// the text (",B=2" for A in "A=,B=2"); callers depend on it. Keys are compared up to their first NUL.
+  virtual std::string GetKeyValue(const std::string& key, const std::string& text) = 0;
+
+  /// Slot 13. Fills `map` (out, emptied first) from comma-separated entries name=item|item. Items of the
+  /// entry named "PATH" are separated by "-" instead. Entries and items are trimmed, names only at their
+  /// outer end; the first of several entries of one name stays. An entry without "=" counts as the empty
+  /// name with one empty item. Always 0.
+  virtual std::int64_t ParseListMap(ListMap& map, const std::string& text) = 0;
+
+  /// Slot 14. Copies the list of `name` into `items` (out, replaced) and returns 0; returns 1 and leaves
+  /// `items` alone when the map has no such name or its list is empty.
+  virtual std::int64_t GetMapList(const ListMap& map, const std::string& name,
+                                  std::vector<std::string>& items) = 0;
+
+  /// Slot 15. Appends the pieces of `text` between the occurrences of `separator`, each trimmed, empty
+  /// ones included, to `pieces` (out, not emptied first). Always 0.
+  /// `separator` must not be empty: the call would then never end, appending until memory runs out.
+  virtual std::int64_t SplitStr(const std::string& text, const std::string& separator,
+                                std::vector<std::string>& pieces) = 0;
+
+  /// Slot 16. Logs `message` at level 0 with the calling thread's debug position. Always 0, logged or not.
+  virtual std::int64_t WriteDbgLog(const std::string& message) = 0;
+};
+
+}  // namespace NS_ASCII
+
+#endif  // ASCII_UTIL_ASCII_UTIL_INTERFACE_H_
