@@ -1,0 +1,35 @@
+#include "src/almarena.h"
+
+#include <new>
+
+namespace NS_ASCII {
+
+AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
+  const std::uint64_t units = bytes / kUnitBytes + (bytes % kUnitBytes != 0 ? 1 : 0);
+  std::uint64_t first = next_;
+  unsigned chunk = ChunkOf(static_cast<Ref>(first));
+  // A piece lies in one chunk; what is left of a chunk that is too small for it stays unused.
+  while (first + units > FirstOf(chunk) + UnitsOf(chunk)) {
+    ++chunk;
+    if (chunk == kChunks) {
+      throw std::bad_alloc();
+    }
+    first = FirstOf(chunk);
+  }
+  if (chunks_[chunk] == nullptr) {
+    // Not cleared: pages that are never written to never become resident.
+    chunks_[chunk].reset(new char[UnitsOf(chunk) * kUnitBytes]);
+  }
+  next_ = first + units;
+  return static_cast<Ref>(first);
+}
+
+std::size_t AlarmArena::ReservedBytes() const {
+  std::size_t bytes = 0;
+  for (unsigned chunk = 0; chunk < kChunks; ++chunk) {
+    bytes += chunks_[chunk] == nullptr ? 0 : UnitsOf(chunk) * kUnitBytes;
+  }
+  return bytes;
+}
+
+}  // namespace NS_ASCII

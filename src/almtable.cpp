@@ -1,0 +1,206 @@
+#include "src/almtable.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "src/almhash.h"
+
+namespace NS_ASCII {
+namespace {
+
+constexpr std::size_t kFirstSlots = 64;
+
+std::uint32_t HashOf(const AlarmKey& key) {
+  TextHash hash;
+  hash.Add(key.key1);
+  hash.Add(key.key2);
+  hash.Add(key.key3);
+  hash.Add(key.numKey);
+  return hash.value();
+}
+
+constexpr std::uint64_t SlotWord(std::uint32_t hash, AlarmArena::Ref ref) {
+  return std::uint64_t{hash} << 32 | ref;
+}
+constexpr std::uint32_t HashIn(std::uint64_t word) { return static_cast<std::uint32_t>(word >> 32); }
+constexpr AlarmArena::Ref RefIn(std::uint64_t word) { return static_cast<AlarmArena::Ref>(word); }
+
+/// A text's length as a node keeps it.
+std::uint32_t LengthOf(std::string_view text) {
+  if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
+    throw std::bad_alloc();
+  }
+  return static_cast<std::uint32_t>(text.size());
+}
+
+}  // namespace
+
+bool ComesBefore(const AlarmKey& a, const AlarmKey& b) {
+  return std::tie(a.key1, a.key2, a.key3, a.numKey) > std::tie(b.key1, b.key2, b.key3, b.numKey);
+}
+
+AlarmTable::SlotArray::SlotArray(std::size_t count, std::unique_ptr<SlotArray> previous)
+    : mask(count - 1), slots(new std::atomic<std::uint64_t>[count]()), older(std::move(previous)) {}
+
+AlarmTable::~AlarmTable() { delete array_.load(std::memory_order_relaxed); }
+
+void AlarmTable::Insert(const AlarmKey& key, std::string_view value) {
+  const std::uint32_t hash = HashOf(key);
+  // Relaxed: only this thread ever stores it.
+  SlotArray* array = array_.load(std::memory_order_relaxed);
+  std::size_t slot = 0;
+  if (array != nullptr) {
+    if (const Ref ref = Locate(*array, key, hash, slot); ref != 0) {
+      SetValue(ref, value);
+      return;
+    }
+  }
+  if (array == nullptr || 4 * (size() + 1) > 3 * (array->mask + 1)) {
+    Grow();
+    array = array_.load(std::memory_order_relaxed);
+    Locate(*array, key, hash, slot);
+  }
+  AddNode(*array, slot, key, hash, value);
+}
+
+bool AlarmTable::Find(const AlarmKey& key, std::string& value) const {
+  const SlotArray* const array = array_.load(std::memory_order_acquire);
+  if (array == nullptr) {
+    return false;
+  }
+  std::size_t slot;
+  const Ref ref = Locate(*array, key, HashOf(key), slot);
+  if (ref == 0) {
+    return false;
+  }
+  // Acquire: the text of a value that was replaced a moment ago must be complete.
+  value = values_.Text(NodeAt(ref).value.load(std::memory_order_acquire));
+  return true;
+}
+
+void AlarmTable::ForEach(const std::function<void(const AlarmKey&, std::string_view)>& visit) const {
+  const SlotArray* const array = array_.load(std::memory_order_acquire);
+  if (array == nullptr) {
+    return;
+  }
+  std::vector<Ref> refs;
+  for (std::size_t i = 0; i <= array->mask; ++i) {
+    if (const Ref ref = RefIn(array->slots[i].load(std::memory_order_acquire)); ref != 0) {
+      refs.push_back(ref);
+    }
+  }
+  std::sort(refs.begin(), refs.end(), [this](Ref a, Ref b) { return ComesBefore(KeyOf(a), KeyOf(b)); });
+  for (const Ref ref : refs) {
+    visit(KeyOf(ref), values_.Text(NodeAt(ref).value.load(std::memory_order_acquire)));
+  }
+}
+
+std::size_t AlarmTable::ReservedBytes() const {
+  std::size_t bytes = nodes_.ReservedBytes() + values_.ReservedBytes();
+  for (const SlotArray* array = array_.load(std::memory_order_acquire); array != nullptr;
+       array = array->older.get()) {
+    bytes += (array->mask + 1) * sizeof array->slots[0];
+  }
+  return bytes;
+}
+
+const AlarmTable::Node& AlarmTable::NodeAt(Ref ref) const {
+  return *std::launder(reinterpret_cast<const Node*>(nodes_.At(ref)));
+}
+
+bool AlarmTable::HasKey(Ref ref, const AlarmKey& key) const {
+  const Node& node = NodeAt(ref);
+  const char* text = reinterpret_cast<const char*>(&node + 1);
+  const std::string_view parts[] = {key.key1, key.key2, key.key3, key.numKey};
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (node.lengths[i] != parts[i].size()) {
+      return false;
+    }
+  }
+  for (const std::string_view part : parts) {
+    if (std::string_view(text, part.size()) != part) {
+      return false;
+    }
+    text += part.size();
+  }
+  return true;
+}
+
+AlarmKey AlarmTable::KeyOf(Ref ref) const {
+  const Node& node = NodeAt(ref);
+  const char* text = reinterpret_cast<const char*>(&node + 1);
+  const auto next = [&text](std::uint32_t length) {
+    const std::string_view part(text, length);
+    text += length;
+    return part;
+  };
+  // Braces evaluate from left to right.
+  return AlarmKey{next(node.lengths[0]), next(node.lengths[1]), next(node.lengths[2]), next(node.lengths[3])};
+}
+
+AlarmTable::Ref AlarmTable::Locate(const SlotArray& array, const AlarmKey& key, std::uint32_t hash,
+                                   std::size_t& slot) const {
+  for (slot = hash & array.mask;; slot = (slot + 1) & array.mask) {
+    // Acquire: pairs with the release in AddNode, so that the node is complete.
+    const std::uint64_t word = array.slots[slot].load(std::memory_order_acquire);
+    if (word == 0) {
+      return 0;
+    }
+    if (HashIn(word) == hash && HasKey(RefIn(word), key)) {
+      return RefIn(word);
+    }
+  }
+}
+
+void AlarmTable::SetValue(Ref ref, std::string_view value) {
+  // The value number is the one part of a published node that may change.
+  auto& current = const_cast<std::atomic<Ref>&>(NodeAt(ref).value);
+  if (values_.Text(current.load(std::memory_order_relaxed)) != value) {
+    // Release: the text is complete before its number is seen.
+    current.exchange(values_.Intern(value), std::memory_order_release);
+  }
+}
+
+void AlarmTable::AddNode(SlotArray& array, std::size_t slot, const AlarmKey& key, std::uint32_t hash,
+                         std::string_view value) {
+  const std::uint32_t lengths[] = {LengthOf(key.key1), LengthOf(key.key2), LengthOf(key.key3),
+                                   LengthOf(key.numKey)};
+  const Ref valueRef = values_.Intern(value);
+  const std::size_t textBytes = std::size_t{lengths[0]} + lengths[1] + lengths[2] + lengths[3];
+  const Ref ref = nodes_.Allocate(sizeof(Node) + textBytes);
+  char* const piece = nodes_.At(ref);
+  Node* const node = new (piece) Node{{valueRef}, {lengths[0], lengths[1], lengths[2], lengths[3]}};
+  char* text = reinterpret_cast<char*>(node + 1);
+  for (const std::string_view part : {key.key1, key.key2, key.key3, key.numKey}) {
+    text += part.copy(text, part.size());
+  }
+  // Release: everything above is visible to whoever sees the slot filled.
+  array.slots[slot].store(SlotWord(hash, ref), std::memory_order_release);
+  size_.store(size() + 1, std::memory_order_relaxed);
+}
+
+void AlarmTable::Grow() {
+  SlotArray* const old = array_.load(std::memory_order_relaxed);
+  const std::size_t count = old == nullptr ? kFirstSlots : 2 * (old->mask + 1);
+  auto larger = std::make_unique<SlotArray>(count, nullptr);
+  for (std::size_t i = 0; old != nullptr && i <= old->mask; ++i) {
+    // Relaxed throughout: nobody else sees the new array before it is published.
+    const std::uint64_t word = old->slots[i].load(std::memory_order_relaxed);
+    if (word == 0) {
+      continue;
+    }
+    std::size_t slot = HashIn(word) & larger->mask;
+    while (larger->slots[slot].load(std::memory_order_relaxed) != 0) {
+      slot = (slot + 1) & larger->mask;
+    }
+    larger->slots[slot].store(word, std::memory_order_relaxed);
+  }
+  larger->older.reset(old);
+  array_.store(larger.release(), std::memory_order_release);
+}
+
+}  // namespace NS_ASCII

@@ -1,0 +1,113 @@
+#ifndef SRC_ALMTABLE_H_
+#define SRC_ALMTABLE_H_
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "src/almarena.h"
+#include "src/almtextpool.h"
+
+namespace NS_ASCII {
+
+/// The four fields that make two alarm records the same entry, in the order in which records are compared.
+/// It looks at texts that somebody else keeps.
+struct AlarmKey {
+  std::string_view key1;
+  std::string_view key2;
+  std::string_view key3;
+  std::string_view numKey;
+};
+
+/// Whether `a` stands before `b` in the table's order: by key1, key2, key3, numKey, bytes compared as
+/// unsigned, the *greater* one first.
+bool ComesBefore(const AlarmKey& a, const AlarmKey& b);
+
+/// The alarm configuration: an insert-only hash table that is read while it is being written to.
+///
+/// Invariants
+///  1. A node is written completely before a slot that names it is published, with release; readers load
+///  slots
+///     with acquire. After that only its value number changes.
+///  2. A node never moves and is never freed before the table.
+///  3. Growth fills a larger slot array beside the old one and publishes it with one store. Old arrays stay
+///  until
+///     the table goes, so a reader that holds one finishes on it; it sees the entries as of that moment.
+///  4. A new value for an entry is a new number in its node, published by one atomic exchange. The number
+///  names
+///     an immutable text of the value pool, where equal texts are stored once: loading the same values again,
+///     in whatever turn, takes no memory.
+///  5. There is always a free slot, so every probe ends.
+///
+/// Threads: one writer at a time calls `Insert`; any number of readers call `Find` and `size` at the same
+/// time. They take no lock and never wait. For each key a reader sees no value, an older one or the newest,
+/// never part of one; what was inserted before the reader began is seen. `ForEach` is for when a view as of
+/// some moment is good enough.
+class AlarmTable {
+ public:
+  AlarmTable() = default;
+  ~AlarmTable();
+  AlarmTable(const AlarmTable&) = delete;
+  AlarmTable& operator=(const AlarmTable&) = delete;
+
+  /// Adds the entry, or gives an entry with an equal key the new value. Copies the texts. Throws
+  /// `std::bad_alloc` when memory runs out; the table then answers as before.
+  void Insert(const AlarmKey& key, std::string_view value);
+
+  /// Copies the entry's value to `value` and returns true; returns false and leaves `value` alone when there
+  /// is no such entry.
+  bool Find(const AlarmKey& key, std::string& value) const;
+
+  [[nodiscard]] std::size_t size() const { return size_.load(std::memory_order_relaxed); }
+
+  /// Visits every entry in the table's order. The texts stay valid as long as the table.
+  void ForEach(const std::function<void(const AlarmKey&, std::string_view value)>& visit) const;
+
+  /// Bytes asked of the system so far, for reports.
+  [[nodiscard]] std::size_t ReservedBytes() const;
+
+ private:
+  using Ref = AlarmArena::Ref;
+
+  /// The head of an entry's piece in the arena; the four key texts follow it, without gaps.
+  struct Node {
+    std::atomic<Ref> value;
+    std::uint32_t lengths[4];
+  };
+
+  /// A slot holds the key's hash in its upper half and the node's number in its lower one; 0 when it is free.
+  struct SlotArray {
+    SlotArray(std::size_t count, std::unique_ptr<SlotArray> previous);
+    std::size_t mask;
+    std::unique_ptr<std::atomic<std::uint64_t>[]> slots;
+    std::unique_ptr<SlotArray> older;
+  };
+
+  [[nodiscard]] const Node& NodeAt(Ref ref) const;
+  [[nodiscard]] bool HasKey(Ref ref, const AlarmKey& key) const;
+  [[nodiscard]] AlarmKey KeyOf(Ref ref) const;
+
+  /// The number of the key's node, 0 if there is none; `slot` (out) is where it is or belongs.
+  Ref Locate(const SlotArray& array, const AlarmKey& key, std::uint32_t hash, std::size_t& slot) const;
+
+  void SetValue(Ref ref, std::string_view value);
+  void AddNode(SlotArray& array, std::size_t slot, const AlarmKey& key, std::uint32_t hash,
+               std::string_view value);
+  void Grow();
+
+  // The writer's alone.
+  AlarmArena nodes_;
+  AlarmTextPool values_;
+
+  // Read by everybody. Owned: the array in force, which owns the older ones.
+  std::atomic<SlotArray*> array_{nullptr};
+  std::atomic<std::size_t> size_{0};
+};
+
+}  // namespace NS_ASCII
+
+#endif  // SRC_ALMTABLE_H_

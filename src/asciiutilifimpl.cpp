@@ -1,0 +1,217 @@
+#include "src/asciiutilifimpl.h"
+
+#include <array>
+#include <cctype>
+#include <cstdlib>
+#include <ctime>
+#include <string_view>
+
+#include "framework/config_items.h"
+#include "framework/platform_util.h"
+#include "src/almconfig.h"
+#include "src/logmgr.h"
+#include "src/logmsg.h"
+#include "src/strfunctions.h"
+
+namespace NS_ASCII {
+namespace {
+
+constexpr const char* kTag = "asciiutilifimpl";
+
+constexpr char kPairSeparator = ',';
+constexpr char kValueSeparator = '=';
+
+/// The characters before the first NUL.
+std::string_view UpToNul(std::string_view text) { return text.substr(0, text.find('\0')); }
+
+bool StartsWithText(std::string_view text) { return !text.empty() && text.front() != '\0'; }
+
+/// Looks for `key` in the pair that `piece` is, once trimmed; the value goes to `value`.
+bool TakeValue(std::string_view key, std::string_view piece, std::string_view& value) {
+  const std::string_view pair = TrimView(piece);
+  const std::size_t at = pair.find(kValueSeparator);
+  if (at == std::string_view::npos || UpToNul(pair.substr(0, at)) != key) {
+    return false;
+  }
+  value = pair.substr(at + 1);
+  return true;
+}
+
+/// The value of `key` in a text of pairs. The search stops at the first pair that has the key. Then, unless
+/// it found a value, what stands from its last position to the end of the text counts as one more pair: the
+/// last one when the key was not found before, the rest of the text from the matching pair on when its value
+/// was empty.
+std::string_view FindValue(const std::string& keyText, std::string_view text) {
+  const std::string_view key = UpToNul(keyText);
+  std::string_view value;
+  if (key.empty()) {
+    return value;
+  }
+  std::size_t pos = 0;
+  for (;;) {
+    const std::size_t comma = text.find(kPairSeparator, pos);
+    if (comma == std::string_view::npos || TakeValue(key, text.substr(pos, comma - pos), value)) {
+      break;
+    }
+    pos = comma + 1;
+  }
+  if (!StartsWithText(value)) {
+    TakeValue(key, text.substr(pos), value);
+  }
+  return value;
+}
+
+}  // namespace
+
+AsciiUtilInterfaceImpl::~AsciiUtilInterfaceImpl() = default;
+
+std::string AsciiUtilInterfaceImpl::GetSvcName() { return "AsciiUtilService"; }
+
+std::int64_t AsciiUtilInterfaceImpl::IsValid() { return 1; }
+
+bool AsciiUtilInterfaceImpl::Str2Num(const std::string& text, int& value, int base) {
+  const char* const start = text.c_str();
+  char* end = const_cast<char*>(start);  // strtol does not set it for a base that it rejects.
+  value = static_cast<int>(std::strtol(start, &end, base));
+  return *end == '\0';
+}
+
+std::string AsciiUtilInterfaceImpl::GetTimeStamp() {
+  const std::time_t now = std::time(nullptr);
+  std::tm utc;
+  if (gmtime_r(&now, &utc) == nullptr) {
+    return {};
+  }
+  // The sum may exceed an int; cut back to one it is a year of more than four digits all the same.
+  const int year = static_cast<int>(std::int64_t{utc.tm_year} + 1900);
+  std::array<char, 20> stamp;
+  if (sprintf_s(stamp.data(), stamp.size(), "%4d-%02d-%02d%s%02d:%02d:%02d", year, utc.tm_mon + 1,
+                utc.tm_mday, "T", utc.tm_hour, utc.tm_min, utc.tm_sec) < 0) {
+    LogMessage(kTag, 86, 1, "sprintf_s failed.");
+    return {};
+  }
+  return stamp.data();
+}
+
+bool AsciiUtilInterfaceImpl::IsTransQueltEnabled() {
+  int item = 1;
+  if (!NS_BUNDLEMGR1::CorbaConfigItems::Instance()->GetIntItemInfo("IsTransQuelt", item)) {
+    LogMessage(kTag, 49, 0, "read conf item IsTransQuelt failed.");
+    item = 1;
+  }
+  if (item != 1) {
+    LogMessage(kTag, 53, 1, "acces QueltTools ");
+    return false;
+  }
+  LogMessage(kTag, 57, 1, "Trans QueltTools ");
+  return true;
+}
+
+std::int64_t AsciiUtilInterfaceImpl::GetAlmCfgValue(std::int64_t& value, const std::string& key1,
+                                                    const std::string& key2, const std::string& key3,
+                                                    const int& numKey) {
+  const std::string number = NSTE_util::Trim(NSTE_util::Num2Str(numKey));
+  std::string configured;
+  // A key that no line serves is no failure here: its text stays empty, and that reads as 0.
+  static_cast<void>(Alarm_Config_Param::Instance()->GetValue(AlarmKey{key1, key2, key3, number}, configured));
+  int converted = 0;
+  if (!Str2Num(configured, converted, 10)) {
+    return 1;
+  }
+  value = converted;
+  return 0;
+}
+
+std::string AsciiUtilInterfaceImpl::ToUpper(const std::string& text) {
+  std::string upper = text;
+  for (char& c : upper) {
+    const int code = static_cast<signed char>(c);  // The C library's tables reach down to -128.
+    if (std::islower(code) != 0) {
+      c = static_cast<char>(std::toupper(code));
+    }
+  }
+  return upper;
+}
+
+bool AsciiUtilInterfaceImpl::IsContain(const std::string& sub, const std::string& text) {
+  return StartsWithText(sub) && text.find(sub) != std::string::npos;
+}
+
+bool AsciiUtilInterfaceImpl::IsKeyValueAboveOne(const std::string& key, const std::string& text) {
+  const std::string_view value = FindValue(key, text);
+  if (!StartsWithText(value)) {
+    return false;
+  }
+  int number = 0;
+  // Whatever number the value starts with counts, so it does not matter whether all of it was read.
+  static_cast<void>(Str2Num(std::string(value), number, 10));
+  return number > 1;
+}
+
+std::string AsciiUtilInterfaceImpl::GetKeyValue(const std::string& key, const std::string& text) {
+  return std::string(FindValue(key, text));
+}
+
+std::int64_t AsciiUtilInterfaceImpl::ParseListMap(ListMap& map, const std::string& text) {
+  map.clear();
+  std::vector<std::string> entries;
+  SplitStr(text, ",", entries);
+  for (const std::string& entry : entries) {
+    std::string name;
+    std::vector<std::string> items;
+    ParseListEntry(entry, name, items);
+    map.emplace(std::move(name), std::move(items));  // Does nothing when the name is there already.
+  }
+  return 0;
+}
+
+std::int64_t AsciiUtilInterfaceImpl::GetMapList(const ListMap& map, const std::string& name,
+                                                std::vector<std::string>& items) {
+  const auto entry = map.find(name);
+  if (entry == map.end() || entry->second.empty()) {
+    return 1;
+  }
+  items = entry->second;
+  return 0;
+}
+
+std::int64_t AsciiUtilInterfaceImpl::SplitStr(const std::string& text, const std::string& separator,
+                                              std::vector<std::string>& pieces) {
+  const std::string_view whole = text;
+  std::size_t pos = 0;
+  for (std::size_t end = whole.find(separator); end != std::string_view::npos;
+       end = whole.find(separator, pos)) {
+    pieces.emplace_back(TrimView(whole.substr(pos, end - pos)));
+    pos = end + separator.size();
+  }
+  pieces.emplace_back(TrimView(whole.substr(pos)));
+  return 0;
+}
+
+std::int64_t AsciiUtilInterfaceImpl::WriteDbgLog(const std::string& message) {
+  if (LogMgr* const manager = LogMgr::Instance(); manager != nullptr) {
+    manager->LogPos(message);
+  }
+  return 0;
+}
+
+bool AsciiUtilInterfaceImpl::SplitFirst(const std::string& source, std::string& head, std::string& tail,
+                                        const std::string& delimiters) {
+  const std::size_t at = source.find_first_of(delimiters);
+  if (at == std::string::npos) {
+    return false;
+  }
+  head = source.substr(0, at);
+  tail = source.substr(at + delimiters.size());
+  return true;
+}
+
+void AsciiUtilInterfaceImpl::ParseListEntry(const std::string& entry, std::string& name,
+                                            std::vector<std::string>& items) {
+  std::string value;
+  SplitFirst(entry, name, value, "=");
+  // The items of a path are separated by "-", and "|" is then a character like any other.
+  SplitStr(value, UpToNul(name) == "PATH" ? "-" : "|", items);
+}
+
+}  // namespace NS_ASCII

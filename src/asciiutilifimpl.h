@@ -1,0 +1,63 @@
+#ifndef SRC_ASCIIUTILIFIMPL_H_
+#define SRC_ASCIIUTILIFIMPL_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "ascii_util/ascii_util_interface.h"
+
+namespace NS_ASCII {
+
+/// The one implementation of the interface. What each operation does is said at `AsciiUtilInterface`.
+///
+/// Invariants: no data members, no state between calls. Operations that use another operation of the
+/// interface
+/// (`GetAlmCfgValue`, `IsKeyValueAboveOne`: `Str2Num`; `ParseListMap` and its entries: `SplitStr`) call it
+/// through the virtual table, so that a derived object is obeyed.
+///
+/// Platform functions (`strtol`, `islower`, `toupper`, `time`, `gmtime_r`, `sprintf_s`, `NSTE_util`, the
+/// configuration items) are called each time, nothing of theirs is kept.
+class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
+ public:
+  ~AsciiUtilInterfaceImpl() override;
+
+  /// Always "AsciiUtilService".
+  std::string GetSvcName() override;
+
+  /// Always 1.
+  std::int64_t IsValid() override;
+
+  bool Str2Num(const std::string& text, int& value, int base) override;
+  std::string GetTimeStamp() override;
+  bool IsTransQueltEnabled() override;
+  std::int64_t GetAlmCfgValue(std::int64_t& value, const std::string& key1, const std::string& key2,
+                              const std::string& key3, const int& numKey) override;
+  std::string ToUpper(const std::string& text) override;
+  bool IsContain(const std::string& sub, const std::string& text) override;
+  bool IsKeyValueAboveOne(const std::string& key, const std::string& text) override;
+  std::string GetKeyValue(const std::string& key, const std::string& text) override;
+  std::int64_t ParseListMap(ListMap& map, const std::string& text) override;
+  std::int64_t GetMapList(const ListMap& map, const std::string& name,
+                          std::vector<std::string>& items) override;
+  std::int64_t SplitStr(const std::string& text, const std::string& separator,
+                        std::vector<std::string>& pieces) override;
+  std::int64_t WriteDbgLog(const std::string& message) override;
+
+ private:
+  /// Splits `source` at the first of its characters that is in `delimiters`: what stands before goes to
+  /// `head` (out), what stands `delimiters.size()` characters further on to `tail` (out), and the result is
+  /// true. Without such a character both are left alone and the result is false. Throws `std::out_of_range`,
+  /// `head` written, when the tail would start beyond the end; that takes a set of several characters, and
+  /// every caller passes one.
+  static bool SplitFirst(const std::string& source, std::string& head, std::string& tail,
+                         const std::string& delimiters);
+
+  /// Parses one entry name=item|item, or PATH=item-item: `name` (out, left alone without a "="), `items`
+  /// (out, appended to).
+  void ParseListEntry(const std::string& entry, std::string& name, std::vector<std::string>& items);
+};
+
+}  // namespace NS_ASCII
+
+#endif  // SRC_ASCIIUTILIFIMPL_H_

@@ -1,0 +1,49 @@
+#ifndef SRC_ASCIIUTILSVC_H_
+#define SRC_ASCIIUTILSVC_H_
+
+#include <ace/Global_Macros.h>
+#include <ace/Service_Object.h>
+
+#include "framework/service_object_base.h"
+
+namespace NS_ASCII {
+
+/// The bundle's service object: publishes the interface at construction, loads the alarm configuration at
+/// `init`.
+///
+/// Life: factory (interface registered as "AsciiUtilInterface"), `init`, `fini`, exterminator. The interface
+/// can be called from the first of these on. Withdrawing and destroying it is the base's business.
+///
+/// Invariants: no data members. `fini` is declared before `init`, which fixes their slots.
+///
+/// Threads: the framework calls the factory, the life cycle and the exterminator one at a time; no lock is
+/// taken. Each `init` loads the file again, while other threads may be using the interface.
+class ii_ascii_util : public NS_BUNDLEMGR1::ServiceObjectBase {
+ public:
+  ii_ascii_util();
+  ~ii_ascii_util() override;
+
+  /// Does nothing, on purpose.
+  void SvcHook() override;
+
+  /// Makes a new interface, keeps it in place of the one before (which is not freed) and returns it; does not
+  /// register it.
+  NS_BUNDLEMGR1::ServiceInterface* CreateInterface() override;
+
+  /// Always 0; does nothing.
+  int fini() override;
+
+  /// Loads "ii_asciiagent_bundle/AlarmConfig.csv" below the configuration directory; the arguments are not
+  /// used. -1 when the directory is not known; else 0, whether there was a file or not.
+  int init(int argc, ACE_TCHAR* argv[]) override;
+};
+
+}  // namespace NS_ASCII
+
+/// The factory, in the form that ACE's service configurator calls. Stores the exterminator through
+/// `exterminator` unless that is null, and returns a new service object, which the exterminator destroys.
+/// Exhausted memory throws `std::bad_alloc`.
+extern "C" PLATFORM_API ACE_Service_Object* _make_ii_ascii_util(
+    ACE_Service_Object_Exterminator* exterminator);
+
+#endif  // SRC_ASCIIUTILSVC_H_

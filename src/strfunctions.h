@@ -1,0 +1,26 @@
+#ifndef SRC_STRFUNCTIONS_H_
+#define SRC_STRFUNCTIONS_H_
+
+#include <string>
+#include <string_view>
+
+#include "ascii_util/text_functions.h"
+
+/// The trimming rule of the whole library, in the forms that its units use. Pure functions.
+namespace NS_ASCII {
+
+/// What is trimmed: blank, tab, line feed, carriage return, and nothing else.
+inline constexpr std::string_view kBlanks = " \t\n\r";
+
+/// A copy of `text` without its leading blanks.
+std::string TrimLeft(const std::string& text);
+
+/// A copy of `text` without its trailing blanks.
+std::string TrimRight(const std::string& text);
+
+/// The part of `text` that `Trim` would copy. It looks into `text` and lives no longer.
+std::string_view TrimView(std::string_view text);
+
+}  // namespace NS_ASCII
+
+#endif  // SRC_STRFUNCTIONS_H_
