@@ -37,7 +37,8 @@ using FieldList = std::vector<std::string>;
 /// Threads: one thread at a time loads or inserts. Any thread may call `GetValue` at any time, also during a
 /// load, and `Instance`.
 /// Errors: bad content is logged or dropped, never thrown. Exhausted memory throws `std::bad_alloc`.
-class Alarm_Config_Param {
+/// Binary contract: the virtual table has the one slot of `LoadConfig`, so the destructor is not virtual.
+class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor)
  public:
   /// What one load works with, made once and used for every line.
   struct LineWork {

@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and runs every test.
+#
+#   scripts/test.sh [--help] [PRESET] [CTEST-OPTION...]
+#
+# PRESET is a preset of CMakePresets.json: release (default), debug, asan, tsan or coverage. What follows it goes to
+# ctest: `scripts/test.sh asan -R almtable` runs the tests of one unit under the sanitizers.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+
+preset=release
+case "${1:-}" in
+  --help) usage; exit 0 ;;
+  release | debug | asan | tsan | coverage) preset=$1; shift ;;
+  -* | "") ;;
+  *) echo "test.sh: unknown preset '$1'; there are release, debug, asan, tsan and coverage" >&2; exit 2 ;;
+esac
+
+scripts/setup.sh build test check
+
+# Quiet while it goes well; the whole story when it does not.
+quietly() {
+  local log
+  log=$(mktemp)
+  if ! "$@" >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    echo "test.sh: failed: $*" >&2
+    exit 1
+  fi
+  rm -f "$log"
+}
+
+echo "Building ($preset)"
+quietly cmake --preset "$preset" -DASCII_UTIL_BUILD_TESTS=ON
+quietly cmake --build --preset "$preset"
+
+export ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=1:strict_string_checks=1}"
+export UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1}"
+if [ -f tests/tsan.supp ]; then
+  export TSAN_OPTIONS="${TSAN_OPTIONS:-suppressions=$PWD/tests/tsan.supp}"
+fi
+if [ -f tests/lsan.supp ]; then
+  export LSAN_OPTIONS="${LSAN_OPTIONS:-suppressions=$PWD/tests/lsan.supp}"
+fi
+ctest --test-dir "build/$preset" --output-on-failure --parallel "$(nproc)" "$@"
