@@ -93,6 +93,9 @@ int Alarm_Config_Param::GetValue(const AlarmKey& key, std::string& value) const 
 }
 
 int Alarm_Config_Param::Split(const std::string& text, FieldList& fields, const std::string& separators) {
+  if (IsElementOf(text, fields)) {
+    return Split(std::string(text), fields, separators);
+  }
   std::string_view rest = text;
   for (std::size_t parts = 1; !rest.empty(); ++parts) {
     const std::size_t end = rest.find_first_of(separators);

@@ -177,6 +177,9 @@ std::int64_t AsciiUtilInterfaceImpl::GetMapList(const ListMap& map, const std::s
 
 std::int64_t AsciiUtilInterfaceImpl::SplitStr(const std::string& text, const std::string& separator,
                                               std::vector<std::string>& pieces) {
+  if (IsElementOf(text, pieces)) {
+    return AsciiUtilInterfaceImpl::SplitStr(std::string(text), separator, pieces);
+  }
   const std::string_view whole = text;
   std::size_t pos = 0;
   for (std::size_t end = whole.find(separator); end != std::string_view::npos;

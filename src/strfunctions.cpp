@@ -3,6 +3,7 @@
 #include <array>
 #include <cctype>
 #include <charconv>
+#include <functional>
 
 namespace NS_ASCII {
 namespace {
@@ -20,6 +21,12 @@ std::string_view WithoutTrailing(std::string_view text) {
 }  // namespace
 
 std::string_view TrimView(std::string_view text) { return WithoutTrailing(WithoutLeading(text)); }
+
+bool IsElementOf(const std::string& text, const std::vector<std::string>& list) {
+  // Pointers into different objects are only ordered by std::less.
+  const std::less<const std::string*> less;
+  return !list.empty() && !less(&text, &list.front()) && !less(&list.back(), &text);
+}
 
 std::string TrimLeft(const std::string& text) { return std::string(WithoutLeading(text)); }
 

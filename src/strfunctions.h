@@ -3,10 +3,12 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ascii_util/text_functions.h"
 
-/// The trimming rule of the whole library, in the forms that its units use. Pure functions.
+/// The trimming rule of the whole library, in the forms that its units use, and what else they share about
+/// texts. Pure functions.
 namespace NS_ASCII {
 
 /// What is trimmed: blank, tab, line feed, carriage return, and nothing else.
@@ -17,6 +19,9 @@ std::string TrimLeft(const std::string& text);
 
 /// A copy of `text` without its trailing blanks.
 std::string TrimRight(const std::string& text);
+
+/// Whether `text` is itself one of the strings of `list`, so that appending to the list may move it away.
+bool IsElementOf(const std::string& text, const std::vector<std::string>& list);
 
 /// The part of `text` that `Trim` would copy. It looks into `text` and lives no longer.
 std::string_view TrimView(std::string_view text);
