@@ -66,17 +66,22 @@ int Alarm_Config_Param::LoadConfig(const char* path) {
   return 0;
 }
 
-void Alarm_Config_Param::TakeLine(const char* text, LineWork& work) {
+LineFate Alarm_Config_Param::TakeLine(const char* text, LineWork& work) {
   if (text[0] == '#' || text[0] == '\0') {
-    return;
+    return LineFate::kSkipped;
   }
   work.byKey1.clear();
   work.all.clear();
   work.fields.clear();
   const std::string line = Trim(text);
-  if (Split(line, work.fields, "\t") == 0 && work.fields.size() == kColumns) {
-    AddLine(work.fields, work.byKey1, work.all, line);
+  if (Split(line, work.fields, "\t") != 0) {
+    return LineFate::kLogged;
   }
+  if (work.fields.size() != kColumns) {
+    return LineFate::kDropped;
+  }
+  AddLine(work.fields, work.byKey1, work.all, line);
+  return work.all.empty() ? LineFate::kLogged : LineFate::kStored;
 }
 
 void Alarm_Config_Param::InsertRecord(const AlarmConfigRecord& record) {

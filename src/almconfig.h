@@ -23,6 +23,14 @@ struct AlarmConfigRecord {
 /// The fields of one text, in order.
 using FieldList = std::vector<std::string>;
 
+/// What became of one line of the file.
+enum class LineFate {
+  kSkipped,  ///< a comment or an empty line
+  kDropped,  ///< too few columns; nobody is told
+  kLogged,   ///< bad in some part; a message says so
+  kStored,   ///< every combination it stands for is in the table
+};
+
 /// The process-wide alarm configuration and the grammar of the file that fills it.
 ///
 /// The file `AlarmConfig.csv`: plain 8-bit text in lines of at most 1,022 characters, a CR before the LF
@@ -62,8 +70,9 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
   virtual int LoadConfig(const char* path);
 
   /// Handles one line as read, without its LF (NUL-terminated; what stands behind the first NUL is no part of
-  /// it): skips, drops, logs or stores it.
-  void TakeLine(const char* text, LineWork& work);
+  /// it): skips, drops, logs or stores it, and says which. After kStored, and only then, `work.all` holds
+  /// what the line stands for.
+  LineFate TakeLine(const char* text, LineWork& work);
 
   /// Adds the record, or gives the entry with equal keys its value; remembers its third column.
   void InsertRecord(const AlarmConfigRecord& record);
