@@ -1,0 +1,41 @@
+#ifndef HOST_BUNDLE_TABLE_H_
+#define HOST_BUNDLE_TABLE_H_
+
+#include <string>
+#include <vector>
+
+#include "framework/bundle_mgr.h"
+
+/// Which service objects live, and to which bundle each belongs. The bundle name is kept here and not in the
+/// object, whose layout is the platform's.
+///
+/// A bundle exists for lookups while it has a service object. Its `Bundle` itself is kept for the life of the
+/// process, because a lookup collects bundles before it takes the lock under which it asks them.
+///
+/// Threads: any. Listing and unlisting happen under `_g_actualmutex`, so that a search that holds it never
+/// meets an object that is being destroyed.
+namespace host {
+
+/// One living service object.
+struct ServiceEntry {
+  std::string bundle;
+  std::string service;
+  NS_BUNDLEMGR1::ServiceObjectBase* object = nullptr;  ///< borrowed, until it is unlisted
+};
+
+/// Lists `object` as `service` of `bundle`. Of two with the same names the one listed last is found.
+PLATFORM_API void ListService(const std::string& bundle, const std::string& service,
+                              NS_BUNDLEMGR1::ServiceObjectBase* object);
+
+/// Takes the object off the list; false when it was not on it.
+PLATFORM_API bool UnlistService(const NS_BUNDLEMGR1::ServiceObjectBase* object);
+
+/// Whether the object is on the list. The pointer is only compared, so it may point to nothing.
+PLATFORM_API bool IsListed(const NS_BUNDLEMGR1::ServiceObjectBase* object);
+
+/// All living service objects, by bundle, then in the order in which they were made.
+PLATFORM_API std::vector<ServiceEntry> ListServices();
+
+}  // namespace host
+
+#endif  // HOST_BUNDLE_TABLE_H_

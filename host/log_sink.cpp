@@ -1,0 +1,211 @@
+#include "host/log_sink.h"
+
+#include <ace/Log_Msg.h>
+#include <ace/Log_Msg_Backend.h>
+#include <ace/Log_Record.h>
+#include <ace/OS_NS_sys_time.h>
+#include <ace/OS_NS_unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <mutex>
+#include <system_error>
+
+#include "host/text_escape.h"
+
+namespace host {
+namespace {
+
+std::atomic<int> lowestLevel{0};
+
+/// The calling thread is writing a finished line of ours; anything else that comes is ACE's own.
+thread_local bool writingOwnLine = false;
+thread_local AceComplaints* complaints = nullptr;
+
+struct Captures {
+  std::mutex lock;
+  std::vector<LogCapture*> open;
+};
+
+Captures& TheCaptures() {
+  static auto& captures = *new Captures;
+  return captures;
+}
+
+std::string TimeText(std::chrono::system_clock::time_point time) {
+  using std::chrono::milliseconds;
+  const auto sinceEpoch = std::chrono::duration_cast<milliseconds>(time.time_since_epoch());
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+  std::tm parts{};
+  gmtime_r(&seconds, &parts);
+  char date[40];
+  const std::size_t length = std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &parts);
+  char fraction[24];
+  std::snprintf(fraction, sizeof fraction, ".%03dZ", static_cast<int>(sinceEpoch.count() % 1000));
+  return std::string(date, length) + fraction;
+}
+
+std::string OrDash(const std::string& text) { return text.empty() ? "-" : EscapeBytes(text); }
+
+std::string WithoutLineEnd(std::string text) {
+  while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
+    text.pop_back();
+  }
+  return text;
+}
+
+/// What ACE calls for every record of the process, under its own lock.
+class Backend : public ACE_Log_Msg_Backend {
+ public:
+  int open(const ACE_TCHAR* /*key*/) override { return 0; }
+  int reset() override { return 0; }
+  int close() override { return 0; }
+
+  ssize_t log(ACE_Log_Record& record) override {
+    if (writingOwnLine) {
+      Write(record.msg_data());
+      return 0;
+    }
+    const std::string text = WithoutLineEnd(record.msg_data());
+    if (complaints != nullptr) {
+      complaints->Add(text);
+    } else {
+      Write(TimeText(std::chrono::system_clock::now()) + " [-] ACE:0 -: " + EscapeBytes(text));
+    }
+    return 0;
+  }
+
+  /// The file to write to, now owned here; null for standard error.
+  void SetFile(std::FILE* file) {
+    if (file_ != nullptr) {
+      std::fclose(file_);
+    }
+    file_ = file;
+  }
+
+  bool HasFile() const { return file_ != nullptr; }
+
+ private:
+  void Write(const std::string& line) {
+    std::FILE* const out = file_ == nullptr ? stderr : file_;
+    std::fprintf(out, "%s\n", line.c_str());
+    std::fflush(out);
+  }
+
+  std::FILE* file_ = nullptr;
+};
+
+Backend& TheBackend() {
+  static auto& backend = *new Backend;
+  return backend;
+}
+
+ACE_Log_Priority PriorityOf(int level) {
+  if (level <= 0) {
+    return LM_DEBUG;
+  }
+  return level == 1 ? LM_INFO : LM_NOTICE;
+}
+
+}  // namespace
+
+std::string LogLine(const LogRecord& record) {
+  return TimeText(record.time) + " [" + std::to_string(record.level) + "] " + OrDash(record.tag) + ":" +
+         std::to_string(record.line) + " " + OrDash(record.function) + ": " + EscapeBytes(record.text);
+}
+
+void WriteLog(const LogRecord& record) {
+  bool captured = false;
+  {
+    Captures& captures = TheCaptures();
+    const std::lock_guard<std::mutex> guard(captures.lock);
+    for (LogCapture* const capture : captures.open) {
+      capture->Add(record);
+      captured = true;
+    }
+  }
+  if (record.level < lowestLevel || (captured && !TheBackend().HasFile())) {
+    return;
+  }
+  ACE_Log_Record line(PriorityOf(record.level), ACE_OS::gettimeofday(), ACE_OS::getpid());
+  line.msg_data(LogLine(record).c_str());
+  writingOwnLine = true;
+  ACE_Log_Msg::instance()->log(line);
+  writingOwnLine = false;
+}
+
+void SetLogLevel(int level) { lowestLevel = level; }
+
+int LogLevel() { return lowestLevel; }
+
+LogOutput::LogOutput(const std::string& file) {
+  if (!file.empty()) {
+    std::FILE* const opened = std::fopen(file.c_str(), "ae");
+    if (opened == nullptr) {
+      problem_ = file + ": cannot be opened for writing: " + std::generic_category().message(errno);
+    }
+    TheBackend().SetFile(opened);
+  }
+  ACE_Log_Msg::msg_backend(&TheBackend());
+  ACE_Log_Msg::instance()->open("bundle_host", ACE_Log_Msg::CUSTOM);
+}
+
+LogOutput::~LogOutput() {
+  ACE_Log_Msg::instance()->clr_flags(ACE_Log_Msg::CUSTOM);
+  ACE_Log_Msg::instance()->set_flags(ACE_Log_Msg::STDERR);
+  ACE_Log_Msg::msg_backend(nullptr);
+  TheBackend().SetFile(nullptr);
+}
+
+LogCapture::LogCapture(bool keepTexts) : keepTexts_(keepTexts) {
+  Captures& captures = TheCaptures();
+  const std::lock_guard<std::mutex> guard(captures.lock);
+  captures.open.push_back(this);
+}
+
+LogCapture::~LogCapture() {
+  Captures& captures = TheCaptures();
+  const std::lock_guard<std::mutex> guard(captures.lock);
+  captures.open.erase(std::remove(captures.open.begin(), captures.open.end(), this), captures.open.end());
+}
+
+std::vector<LogRecord> LogCapture::Records() const {
+  const std::lock_guard<std::mutex> guard(TheCaptures().lock);
+  return records_;
+}
+
+std::size_t LogCapture::Count() const {
+  const std::lock_guard<std::mutex> guard(TheCaptures().lock);
+  return count_;
+}
+
+void LogCapture::Add(const LogRecord& record) {
+  ++count_;
+  if (keepTexts_) {
+    records_.push_back(record);
+  }
+}
+
+AceComplaints::AceComplaints() : outer_(complaints) { complaints = this; }
+
+AceComplaints::~AceComplaints() { complaints = outer_; }
+
+std::string AceComplaints::Text() const {
+  std::string all;
+  for (const std::string& text : texts_) {
+    all += (all.empty() ? "" : "; ") + text;
+  }
+  return all;
+}
+
+void AceComplaints::Add(const std::string& text) {
+  if (!text.empty()) {
+    texts_.push_back(text);
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,105 @@
+#include "host/registry.h"
+
+#include <ace/Guard_T.h>
+
+#include <algorithm>
+#include <deque>
+#include <map>
+#include <mutex>
+
+namespace NS_BUNDLEMGR1 {
+
+ACE_Thread_Mutex _g_actualmutex;
+
+}  // namespace NS_BUNDLEMGR1
+
+namespace host {
+namespace {
+
+using NS_BUNDLEMGR1::ServiceInterface;
+using Buffer = std::vector<ServiceInterface*>;
+
+struct Name {
+  std::deque<Buffer> buffers;  // A deque, because the buffers' addresses are handed out.
+  Buffer* current = nullptr;
+  std::uint64_t lookups = 0;
+  bool everRegistered = false;
+};
+
+struct Registry {
+  std::mutex lock;
+  std::map<std::string, Name> names;
+};
+
+/// Never destroyed: bundles may come here while the process is ending.
+Registry& TheRegistry() {
+  static auto& registry = *new Registry;
+  return registry;
+}
+
+Buffer& UnusedBuffer(Name& name) {
+  for (Buffer& buffer : name.buffers) {
+    if (buffer.empty()) {
+      return buffer;
+    }
+  }
+  return name.buffers.emplace_back();
+}
+
+bool IsFilled(const Buffer* buffer) { return buffer != nullptr && !buffer->empty(); }
+
+}  // namespace
+
+std::vector<InterfaceName> ListInterfaces() {
+  Registry& registry = TheRegistry();
+  const std::lock_guard<std::mutex> guard(registry.lock);
+  std::vector<InterfaceName> list;
+  list.reserve(registry.names.size());
+  for (const auto& [text, name] : registry.names) {
+    list.push_back({text, name.current == nullptr ? Buffer{} : *name.current, name.lookups, name.everRegistered});
+  }
+  return list;
+}
+
+void WithdrawInterface(const ServiceInterface* interface) {
+  const ACE_Guard<ACE_Thread_Mutex> searchGuard(NS_BUNDLEMGR1::_g_actualmutex);
+  Registry& registry = TheRegistry();
+  const std::lock_guard<std::mutex> guard(registry.lock);
+  for (auto& [text, name] : registry.names) {
+    for (Buffer& buffer : name.buffers) {
+      buffer.erase(std::remove(buffer.begin(), buffer.end(), interface), buffer.end());
+    }
+  }
+}
+
+}  // namespace host
+
+namespace NS_BUNDLEMGR1 {
+
+int SetIFBuf(const std::string& name, ServiceInterface* interface) {
+  if (interface == nullptr) {
+    return -1;
+  }
+  const ACE_Guard<ACE_Thread_Mutex> searchGuard(_g_actualmutex);
+  host::Registry& registry = host::TheRegistry();
+  const std::lock_guard<std::mutex> guard(registry.lock);
+  host::Name& entry = registry.names[name];
+  host::Buffer& buffer = host::UnusedBuffer(entry);
+  buffer.push_back(interface);
+  if (host::IsFilled(entry.current)) {
+    buffer.insert(buffer.end(), entry.current->begin(), entry.current->end());
+  }
+  entry.current = &buffer;
+  entry.everRegistered = true;
+  return 0;
+}
+
+std::vector<ServiceInterface*>* CheckIFBuf(const std::string& name) {
+  host::Registry& registry = host::TheRegistry();
+  const std::lock_guard<std::mutex> guard(registry.lock);
+  host::Name& entry = registry.names[name];
+  ++entry.lookups;
+  return host::IsFilled(entry.current) ? entry.current : nullptr;
+}
+
+}  // namespace NS_BUNDLEMGR1

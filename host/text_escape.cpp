@@ -1,0 +1,60 @@
+#include "host/text_escape.h"
+
+#include <charconv>
+
+namespace host {
+namespace {
+
+void AppendEscape(std::string& out, char c) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  const auto byte = static_cast<unsigned char>(c);
+  out += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
+}
+
+bool IsPlain(char c) { return c >= ' ' && c <= '~' && c != '\\'; }
+
+}  // namespace
+
+std::string EscapeBytes(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (const char c : text) {
+    if (IsPlain(c)) {
+      out += c;
+    } else {
+      AppendEscape(out, c);
+    }
+  }
+  return out;
+}
+
+std::string EscapeValue(std::string_view text) {
+  constexpr std::string_view kBlank = "\\x20";
+  std::string out = EscapeBytes(text);
+  if (!out.empty() && out.back() == ' ') {
+    out.replace(out.size() - 1, 1, kBlank);
+  }
+  if (!out.empty() && out.front() == ' ') {
+    out.replace(0, 1, kBlank);
+  }
+  return out;
+}
+
+std::string UnescapeBytes(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const std::string_view rest = text.substr(at);
+    unsigned char byte = 0;
+    if (rest.size() >= 4 && rest[0] == '\\' && rest[1] == 'x' &&
+        std::from_chars(&rest[2], &rest[2] + 2, byte, 16).ptr == &rest[2] + 2) {
+      out += static_cast<char>(byte);
+      at += 3;
+    } else {
+      out += text[at];
+    }
+  }
+  return out;
+}
+
+}  // namespace host

@@ -1,0 +1,24 @@
+#ifndef HOST_TEXT_ESCAPE_H_
+#define HOST_TEXT_ESCAPE_H_
+
+#include <string>
+#include <string_view>
+
+#include "framework/visibility.h"
+
+/// How byte strings are shown and typed: printable ASCII as it is, every other byte as \xNN.
+namespace host {
+
+/// `text` with every byte outside printable ASCII, and the backslash, as \xNN in lower-case digits.
+PLATFORM_API std::string EscapeBytes(std::string_view text);
+
+/// The same for a value on a line of its own: a blank at either end is escaped too, so that it is seen.
+PLATFORM_API std::string EscapeValue(std::string_view text);
+
+/// `text` with every \xNN (two hexadecimal digits, either case) as its byte. A backslash without them is a plain
+/// backslash.
+PLATFORM_API std::string UnescapeBytes(std::string_view text);
+
+}  // namespace host
+
+#endif  // HOST_TEXT_ESCAPE_H_
