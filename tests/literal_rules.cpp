@@ -47,7 +47,8 @@ std::string SearchValue(const std::string& key, const std::string& text) {
 
 }  // namespace
 
-// --- Trim, case conversion, numbers --------------------------------------------------------------------------
+// --- Trim, case conversion, numbers
+// --------------------------------------------------------------------------
 
 std::string TrimLeft(const std::string& text) {
   std::string copy = text;
@@ -111,7 +112,8 @@ std::string Num2Str(int number) {
   return buffer;
 }
 
-// --- The interface's operations ------------------------------------------------------------------------------
+// --- The interface's operations
+// ------------------------------------------------------------------------------
 
 bool Str2Num(const std::string& text, int& value, int base) {
   const char* const start = text.c_str();
@@ -221,7 +223,8 @@ std::int64_t GetMapList(const ListMap& map, const std::string& name, std::vector
   return 0;
 }
 
-// --- Percent encoding ----------------------------------------------------------------------------------------
+// --- Percent encoding
+// ----------------------------------------------------------------------------------------
 
 void ReplaceAll(std::string& text, const std::string& pattern, const std::string& replacement) {
   while (text.find(pattern) != std::string::npos) {
@@ -298,7 +301,8 @@ std::string SetURLDecoding(const std::string& text) {
   return result;
 }
 
-// --- The alarm configuration -----------------------------------------------------------------------------------
+// --- The alarm configuration
+// -----------------------------------------------------------------------------------
 
 bool ComesBefore::operator()(const Record& a, const Record& b) const {
   if (a.key1 != b.key1) {

@@ -16,7 +16,8 @@
 /// Everything here is slow on purpose and simple enough to be checked by eye. Keep it so.
 namespace literal {
 
-// --- Trim, case conversion, numbers --------------------------------------------------------------------------
+// --- Trim, case conversion, numbers
+// --------------------------------------------------------------------------
 
 std::string TrimLeft(const std::string& text);
 std::string TrimRight(const std::string& text);
@@ -25,7 +26,8 @@ std::string StrToUpper(std::string text);
 std::string StrToLower(std::string text);
 std::string Num2Str(int number);
 
-// --- The interface's operations ------------------------------------------------------------------------------
+// --- The interface's operations
+// ------------------------------------------------------------------------------
 
 using ListMap = std::map<std::string, std::vector<std::string>>;
 
@@ -44,7 +46,8 @@ std::int64_t SplitStr(const std::string& text, const std::string& separator,
                       std::vector<std::string>& pieces);
 void ParseListEntry(const std::string& entry, std::string& name, std::vector<std::string>& items);
 
-// --- Percent encoding ----------------------------------------------------------------------------------------
+// --- Percent encoding
+// ----------------------------------------------------------------------------------------
 
 /// Replaces the pattern as long as the text holds it, from the beginning every time.
 void ReplaceAll(std::string& text, const std::string& pattern, const std::string& replacement);
@@ -55,7 +58,8 @@ std::string SetURLDecoding(const std::string& text);
 /// Reads one escape text (what stands behind a '%', two characters at most) into `value` as a stream does.
 void ExtractHex(const std::string& escape, int& value);
 
-// --- The alarm configuration -----------------------------------------------------------------------------------
+// --- The alarm configuration
+// -----------------------------------------------------------------------------------
 
 /// One entry, in the order in which it is declared: column 4 before column 3.
 struct Record {

@@ -75,7 +75,8 @@ std::string Quoted(const std::string& text) {
       quoted += c;
     } else {
       std::array<char, 8> escape;
-      std::snprintf(escape.data(), escape.size(), "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+      std::snprintf(escape.data(), escape.size(), "\\x%02x",
+                    static_cast<unsigned>(static_cast<unsigned char>(c)));
       quoted += escape.data();
     }
   }
@@ -220,7 +221,8 @@ NS_LOG_SERVICE1::Logger* LogService::GetLogger(const std::string& bundle, const 
   return Framework::Instance().logger();
 }
 
-// --- Bundles, mutex, converters -----------------------------------------------------------------------------
+// --- Bundles, mutex, converters
+// -----------------------------------------------------------------------------
 
 void Bundle::GetServiceObjects(std::map<std::string, NS_BUNDLEMGR1::ServiceObjectBase*>& found) {
   Framework::Instance().Called("GetServiceObjects", name);
@@ -253,7 +255,8 @@ int CopyThrough(const std::string& /*from*/, const std::string& /*to*/, const st
 
 }  // namespace recording
 
-// --- What framework/ declares --------------------------------------------------------------------------------
+// --- What framework/ declares
+// --------------------------------------------------------------------------------
 
 using recording::Framework;
 

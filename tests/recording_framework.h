@@ -75,7 +75,7 @@ class OtherInterface : public NS_BUNDLEMGR1::ServiceInterface {
 /// A loaded bundle with the service objects that a test puts into it.
 class Bundle : public NS_BUNDLEMGR1::Bundle {
  public:
-  explicit Bundle(std::string name) : name(std::move(name)) {}
+  explicit Bundle(std::string bundleName) : name(std::move(bundleName)) {}
   void GetServiceObjects(std::map<std::string, NS_BUNDLEMGR1::ServiceObjectBase*>& objects) override;
 
   std::string name;
@@ -120,15 +120,15 @@ class Framework {
   /// before it does anything. An exception out of it leaves the operation.
   void On(const std::string& operation, std::function<void()> action);
 
-  std::string cfgDir;                  ///< `GetCfgDirPath`
+  std::string cfgDir;                   ///< `GetCfgDirPath`
   std::map<std::string, int> intItems;  ///< the readable items of `GetIntItemInfo`
-  std::optional<int> unreadable;       ///< what a failing `GetIntItemInfo` leaves in the value; else nothing
-  std::optional<int> sprintfResult;    ///< what `sprintf_s` answers; else it formats
+  std::optional<int> unreadable;        ///< what a failing `GetIntItemInfo` leaves in the value; else nothing
+  std::optional<int> sprintfResult;     ///< what `sprintf_s` answers; else it formats
   std::list<NS_BUNDLEMGR1::Bundle*> bundles;  ///< the loaded bundles; `GetBundle` finds a recording one
-  Converter convert;                   ///< `KelpCodeSetConvert`; at first `Utf8ToLatin1`
-  std::function<std::string(int)> num2Str;                  ///< `NSTE_util::Num2Str`
-  std::function<std::string(const std::string&)> trim;      ///< `NSTE_util::Trim`
-  std::function<NS_LOG_SERVICE1::Logger*()> logger;         ///< `GetLogger`; at first one for all
+  Converter convert;                          ///< `KelpCodeSetConvert`; at first `Utf8ToLatin1`
+  std::function<std::string(int)> num2Str;    ///< `NSTE_util::Num2Str`
+  std::function<std::string(const std::string&)> trim;  ///< `NSTE_util::Trim`
+  std::function<NS_LOG_SERVICE1::Logger*()> logger;     ///< `GetLogger`; at first one for all
 
   /// Puts `interface` into the registry without writing it down, behind those of the same name.
   void Register(const std::string& name, NS_BUNDLEMGR1::ServiceInterface* interface);
