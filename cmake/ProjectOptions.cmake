@@ -17,6 +17,15 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(ascii_util_options INTERFACE -fno-gnu-unique)
 endif()
 
+# What is shipped shall not tell where it was built, so that two builds anywhere give the same file. Builds for a
+# debugger or for coverage keep the full paths.
+target_compile_options(ascii_util_options INTERFACE
+  $<$<CONFIG:Release,MinSizeRel,RelWithDebInfo>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>
+  $<$<CONFIG:Release,MinSizeRel,RelWithDebInfo>:-ffile-prefix-map=${PROJECT_BINARY_DIR}=build>)
+if(PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+endif()
+
 if(ASCII_UTIL_SANITIZE)
   target_compile_options(ascii_util_options INTERFACE
     -fsanitize=${ASCII_UTIL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
