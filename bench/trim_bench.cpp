@@ -1,0 +1,50 @@
+// Trim: a short text that needs none, a usual one, one that is nothing but blanks, and a long one.
+
+#include "ascii_util/text_functions.h"
+#include "bench/contest.h"
+#include "bench/texts.h"
+
+#if BENCH_WITH_ABSEIL
+#include <absl/strings/ascii.h>
+#endif
+#if BENCH_WITH_BOOST
+#include <boost/algorithm/string/trim.hpp>
+#endif
+#if BENCH_WITH_POCO
+#include <Poco/String.h>
+#endif
+
+namespace bench {
+namespace {
+
+void EnterTrim(const std::string& inputName, const std::string& text) {
+  const Input input = Share(text);
+  const std::string answer = NS_ASCII::Trim(text);
+  const Contest contest("Trim/" + inputName, 0, [input] { return NS_ASCII::Trim(*input); });
+#if BENCH_WITH_ABSEIL
+  contest.Against("Abseil", [input] { return std::string(absl::StripAsciiWhitespace(*input)); });
+#endif
+#if BENCH_WITH_BOOST
+  contest.Against("Boost", [input] { return boost::trim_copy(*input); });
+#endif
+#if BENCH_WITH_POCO
+  contest.Against("POCO", [input] { return Poco::trim(*input); });
+#endif
+  contest.Against("find_first_not_of", [input] {
+    const std::size_t first = input->find_first_not_of(" \t\n\r");
+    return first == std::string::npos ? std::string()
+                                      : input->substr(first, input->find_last_not_of(" \t\n\r") - first + 1);
+  });
+  contest.Floor([answer] { return std::string(answer); });
+}
+
+const bool entered = [] {
+  EnterTrim("12 B, no blanks", Words(12));
+  EnterTrim("40 B, 2 blanks at each end", "\t " + Words(36) + "\r\n");
+  EnterTrim("4 KiB of blanks", Blanks(4096));
+  EnterTrim("4 KiB of blanks around a word", Blanks(2048) + Words(10) + Blanks(2038));
+  return true;
+}();
+
+}  // namespace
+}  // namespace bench
