@@ -1,0 +1,41 @@
+#ifndef TESTS_CONTRACT_LOADED_BUNDLE_H_
+#define TESTS_CONTRACT_LOADED_BUNDLE_H_
+
+#include <ace/Service_Object.h>
+
+#include <string>
+
+namespace contract {
+
+/// The bundle's file: the built one, or the one that the environment variable ASCII_UTIL_BUNDLE names.
+std::string BundlePath();
+
+/// How many mappings of the bundle's file the process's own mapping list shows.
+int MappingsOfBundle();
+
+/// The bundle, opened for itself alone (no symbol of it is offered to others), with one service object.
+/// The platform it finds is the recording one, which this program exports.
+class LoadedBundle {
+ public:
+  /// Throws `std::runtime_error` with the linker's words when the bundle cannot be loaded.
+  LoadedBundle();
+  /// Destroys the service object through its exterminator and closes the library.
+  ~LoadedBundle();
+  LoadedBundle(const LoadedBundle&) = delete;
+  LoadedBundle& operator=(const LoadedBundle&) = delete;
+
+  [[nodiscard]] ACE_Service_Object* service() const { return service_; }
+  /// The interface that the service object registered.
+  [[nodiscard]] static void* interface();
+  /// The address of an exported symbol; null when there is none.
+  void* Symbol(const std::string& name) const;
+
+ private:
+  void* library_;
+  ACE_Service_Object_Exterminator destroy_ = nullptr;
+  ACE_Service_Object* service_ = nullptr;
+};
+
+}  // namespace contract
+
+#endif  // TESTS_CONTRACT_LOADED_BUNDLE_H_
