@@ -17,6 +17,11 @@ endif()
 set(ASCII_UTIL_OTHER_CXX "" CACHE STRING
   "Another C++ compiler, to test the binary contract with (default: found; 'none': leave these tests out)")
 
+if(NOT ascii_util_framework STREQUAL "bundle_host_lib")
+  message(STATUS "tests/contract: not the open host's platform, so callers and bundles of another compiler are not "
+                 "tested")
+  return()
+endif()
 if(ASCII_UTIL_OTHER_CXX STREQUAL "none")
   message(STATUS "tests/contract: no other compiler wanted, so callers and bundles of another one are not tested")
   return()
@@ -41,7 +46,7 @@ set(other_flags -std=c++17 -O2 -fPIC -fvisibility=hidden -fvisibility-inlines-hi
 if(name STREQUAL "gcc")
   list(APPEND other_flags -fno-gnu-unique)
 endif()
-set(contract_platform_library $<TARGET_FILE:${ascii_util_framework}>)
+set(contract_platform_library $<TARGET_FILE:bundle_host_lib>)
 file(GLOB_RECURSE contract_headers ${PROJECT_SOURCE_DIR}/src/*.h ${PROJECT_SOURCE_DIR}/framework/*.h
      ${PROJECT_SOURCE_DIR}/include/*.h)
 
@@ -56,8 +61,8 @@ add_custom_command(OUTPUT ${contract_other_bundle}
   COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_CURRENT_BINARY_DIR}/${name}
   COMMAND ${CONTRACT_OTHER_CXX} ${other_flags} -shared ${other_sources} -o ${contract_other_bundle}
           -Wl,--version-script=${exports} -Wl,--no-undefined -Wl,-soname,libii_ascii_util.so
-          ${contract_platform_library} -Wl,-rpath,$<TARGET_FILE_DIR:${ascii_util_framework}> ${ACE_LDFLAGS}
-  DEPENDS ${other_sources} ${contract_headers} ${exports} ${ascii_util_framework}
+          ${contract_platform_library} -Wl,-rpath,$<TARGET_FILE_DIR:bundle_host_lib> ${ACE_LDFLAGS}
+  DEPENDS ${other_sources} ${contract_headers} ${exports} bundle_host_lib
   COMMENT "Building the bundle with ${name}" VERBATIM)
 add_custom_target(contract_other_bundle ALL DEPENDS ${contract_other_bundle})
 
@@ -65,14 +70,14 @@ add_custom_target(contract_other_bundle ALL DEPENDS ${contract_other_bundle})
 
 add_executable(contract_caller caller.cpp)
 ascii_util_target(contract_caller)
-target_link_libraries(contract_caller PRIVATE ascii_util_headers ii_ascii_util ${ascii_util_framework} ACE::ACE)
+target_link_libraries(contract_caller PRIVATE ascii_util_headers ii_ascii_util bundle_host_lib ACE::ACE)
 
 set(other_caller ${CMAKE_CURRENT_BINARY_DIR}/${name}/contract_caller)
 add_custom_command(OUTPUT ${other_caller}
   COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_CURRENT_BINARY_DIR}/${name}
   COMMAND ${CONTRACT_OTHER_CXX} ${other_flags} ${CMAKE_CURRENT_SOURCE_DIR}/caller.cpp -o ${other_caller}
           $<TARGET_FILE:ii_ascii_util> ${contract_platform_library} ${ACE_LDFLAGS}
-  DEPENDS caller.cpp ${contract_headers} ii_ascii_util ${ascii_util_framework}
+  DEPENDS caller.cpp ${contract_headers} ii_ascii_util bundle_host_lib
   COMMENT "Building the caller with ${name}" VERBATIM)
 add_custom_target(contract_other_caller ALL DEPENDS ${other_caller})
 
@@ -81,7 +86,7 @@ function(contract_caller_test test caller bundle)
   add_test(NAME contract.caller.${test} COMMAND ${caller} ${bundle})
   cmake_path(GET bundle PARENT_PATH directory)
   set_tests_properties(contract.caller.${test} PROPERTIES TIMEOUT 60 ENVIRONMENT
-    "LD_LIBRARY_PATH=${directory}:$<TARGET_FILE_DIR:${ascii_util_framework}>")
+    "LD_LIBRARY_PATH=${directory}:$<TARGET_FILE_DIR:bundle_host_lib>")
 endfunction()
 set(own_bundle $<TARGET_FILE_DIR:ii_ascii_util>/$<TARGET_FILE_NAME:ii_ascii_util>)
 contract_caller_test(own_caller_own_bundle contract_caller ${own_bundle})
