@@ -9,12 +9,11 @@ AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
   std::uint64_t first = next_;
   unsigned chunk = ChunkOf(static_cast<Ref>(first));
   // A piece lies in one chunk; what is left of a chunk that is too small for it stays unused.
-  while (first + units > FirstOf(chunk) + UnitsOf(chunk)) {
-    ++chunk;
-    if (chunk == kChunks) {
-      throw std::bad_alloc();
-    }
-    first = FirstOf(chunk);
+  while (chunk < kChunks && first + units > FirstOf(chunk) + UnitsOf(chunk)) {
+    first = FirstOf(++chunk);
+  }
+  if (chunk == kChunks) {
+    throw std::bad_alloc();
   }
   if (chunks_[chunk] == nullptr) {
     // Not cleared: pages that are never written to never become resident.
