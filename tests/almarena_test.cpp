@@ -1,0 +1,113 @@
+#include "src/almarena.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#include "tests/random_text.h"
+
+namespace {
+
+using NS_ASCII::AlarmArena;
+
+constexpr std::size_t kFirstChunkBytes = 16384;
+
+TEST(AlarmArena, HoldsNothingAtFirst) { EXPECT_EQ(AlarmArena().ReservedBytes(), 0U); }
+
+TEST(AlarmArena, NeverGivesOutZero) {
+  AlarmArena arena;
+  EXPECT_EQ(arena.Allocate(0), 1U);
+  EXPECT_EQ(arena.Allocate(1), 1U);  // The piece before was empty.
+}
+
+TEST(AlarmArena, NumbersPiecesByUnitsOfFourBytes) {
+  AlarmArena arena;
+  EXPECT_EQ(arena.Allocate(1), 1U);
+  EXPECT_EQ(arena.Allocate(4), 2U);
+  EXPECT_EQ(arena.Allocate(5), 3U);
+  EXPECT_EQ(arena.Allocate(8), 5U);
+  EXPECT_EQ(arena.Allocate(1), 7U);
+  EXPECT_EQ(arena.At(2) - arena.At(1), 4);
+  EXPECT_EQ(arena.At(7) - arena.At(1), 24);
+}
+
+TEST(AlarmArena, AlignsEveryPieceToFour) {
+  AlarmArena arena;
+  for (std::size_t bytes = 1; bytes < 200; ++bytes) {
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(arena.At(arena.Allocate(bytes))) % 4, 0U);
+  }
+}
+
+TEST(AlarmArena, ReservesChunksThatDouble) {
+  AlarmArena arena;
+  EXPECT_EQ(arena.Allocate(kFirstChunkBytes - 4), 1U);  // All of the first chunk but unit 0.
+  EXPECT_EQ(arena.ReservedBytes(), kFirstChunkBytes);
+  EXPECT_EQ(arena.Allocate(1), 4096U);
+  EXPECT_EQ(arena.ReservedBytes(), 3 * kFirstChunkBytes);
+  EXPECT_EQ(arena.Allocate(2 * kFirstChunkBytes - 4), 4097U);
+  EXPECT_EQ(arena.ReservedBytes(), 3 * kFirstChunkBytes);
+  EXPECT_EQ(arena.Allocate(1), 3U * 4096U);
+  EXPECT_EQ(arena.ReservedBytes(), 7 * kFirstChunkBytes);
+}
+
+TEST(AlarmArena, KeepsAPieceInOneChunk) {
+  AlarmArena arena;
+  EXPECT_EQ(arena.Allocate(kFirstChunkBytes - 8), 1U);  // One unit is left.
+  EXPECT_EQ(arena.Allocate(8), 4096U);
+  EXPECT_EQ(arena.Allocate(4), 4098U);  // The unit left behind stays unused.
+}
+
+TEST(AlarmArena, SkipsChunksThatAreTooSmallWithoutReservingThem) {
+  AlarmArena arena;
+  EXPECT_EQ(arena.Allocate(4 * kFirstChunkBytes), 3U * 4096U);
+  EXPECT_EQ(arena.ReservedBytes(), 4 * kFirstChunkBytes);
+  EXPECT_EQ(arena.Allocate(4), 7U * 4096U);
+}
+
+TEST(AlarmArena, ThrowsWhenAPieceFitsNoChunkAndIsThenUnchanged) {
+  AlarmArena arena;
+  EXPECT_EQ(arena.Allocate(4), 1U);
+  EXPECT_THROW(arena.Allocate(std::size_t{9} << 30), std::bad_alloc);
+  EXPECT_THROW(arena.Allocate(SIZE_MAX), std::bad_alloc);
+  EXPECT_EQ(arena.ReservedBytes(), kFirstChunkBytes);
+  EXPECT_EQ(arena.Allocate(4), 2U);
+}
+
+// Filling it would take 16 GiB, so the place where the next piece goes is moved by hand.
+TEST(AlarmArena, ThrowsWhenItsNumbersHaveRunOut) {
+  constexpr std::uint64_t kEnd = (std::uint64_t{1} << 32) - 4096;
+  AlarmArena arena;
+  arena.next_ = kEnd;
+  EXPECT_THROW(arena.Allocate(1), std::bad_alloc);
+  arena.next_ = kEnd - 1;
+  EXPECT_THROW(arena.Allocate(5), std::bad_alloc);
+  EXPECT_EQ(arena.next_, kEnd - 1);
+  EXPECT_EQ(arena.ReservedBytes(), 0U);
+}
+
+TEST(AlarmArena, KeepsWhatIsWrittenInPiecesOfAllSizes) {
+  AlarmArena arena;
+  testing_text::RandomText random(51);
+  struct Piece {
+    AlarmArena::Ref ref;
+    std::string text;
+    const char* place;
+  };
+  std::vector<Piece> pieces;
+  for (int i = 0; i < testing_text::Trials(3000); ++i) {
+    Piece piece{0, random.Bytes(i % 100 == 0 ? 30000 : 60), nullptr};
+    piece.ref = arena.Allocate(piece.text.size());
+    piece.place = arena.At(piece.ref);
+    std::memcpy(arena.At(piece.ref), piece.text.data(), piece.text.size());
+    pieces.push_back(piece);
+  }
+  for (const Piece& piece : pieces) {
+    ASSERT_EQ(arena.At(piece.ref), piece.place);
+    ASSERT_EQ(std::memcmp(piece.place, piece.text.data(), piece.text.size()), 0);
+  }
+}
+
+}  // namespace
