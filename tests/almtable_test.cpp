@@ -7,8 +7,10 @@
 #include <atomic>
 #include <string>
 #include <thread>
+#include <unordered_map>
 #include <vector>
 
+#include "src/almhash.h"
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
 
@@ -66,6 +68,30 @@ TEST(AlarmTable, TellsFieldsApartWhereTheirTextsRunTogether) {
   table.Insert({"a", "bc", "d", "1"}, "second");
   EXPECT_EQ(Answer(table, {"ab", "c", "d", "1"}), "first");
   EXPECT_EQ(Answer(table, {"a", "bc", "d", "1"}), "second");
+}
+
+TEST(AlarmTable, TellsKeysOfOneHashApart) {
+  std::unordered_map<std::uint32_t, std::string> byHash;
+  int collisions = 0;
+  for (int i = 0; i < 400000; ++i) {
+    const std::string text = std::to_string(i);
+    NS_ASCII::TextHash hash;
+    for (const char* const field : {text.c_str(), "b", "c", "1"}) {
+      hash.Add(field);
+    }
+    const auto [other, isNew] = byHash.emplace(hash.value(), text);
+    if (isNew) {
+      continue;
+    }
+    ++collisions;
+    AlarmTable table;
+    table.Insert({text, "b", "c", "1"}, "one");
+    EXPECT_EQ(Answer(table, {other->second, "b", "c", "1"}), "(none)");
+    table.Insert({other->second, "b", "c", "1"}, "two");
+    EXPECT_EQ(Answer(table, {text, "b", "c", "1"}), "one");
+    EXPECT_EQ(Answer(table, {other->second, "b", "c", "1"}), "two");
+  }
+  EXPECT_GT(collisions, 0);
 }
 
 TEST(AlarmTable, ComparesBytesCaseAndBlanksIncluded) {

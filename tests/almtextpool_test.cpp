@@ -5,8 +5,10 @@
 #include <map>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
+#include "src/almhash.h"
 #include "tests/random_text.h"
 
 namespace {
@@ -60,6 +62,33 @@ TEST(AlarmTextPool, TakesNoMemoryForATextItHas) {
     pool.Intern(text);
   }
   EXPECT_EQ(pool.ReservedBytes(), reserved);
+}
+
+TEST(AlarmTextPool, ReportsItsTextsAndItsSlots) {
+  AlarmTextPool pool;
+  pool.Intern("a");
+  EXPECT_EQ(pool.ReservedBytes(), 16384U + 16 * 8);
+}
+
+TEST(AlarmTextPool, TellsTextsOfOneHashApart) {
+  std::unordered_map<std::uint32_t, std::string> byHash;
+  int collisions = 0;
+  for (int i = 0; i < 400000; ++i) {
+    const std::string text = std::to_string(i);
+    NS_ASCII::TextHash hash;
+    hash.Add(text);
+    const auto [other, isNew] = byHash.emplace(hash.value(), text);
+    if (isNew) {
+      continue;
+    }
+    ++collisions;
+    AlarmTextPool pool;
+    const auto ref = pool.Intern(text);
+    EXPECT_FALSE(pool.Contains(other->second));
+    EXPECT_NE(pool.Intern(other->second), ref);
+    EXPECT_EQ(pool.Text(ref), text);
+  }
+  EXPECT_GT(collisions, 0);
 }
 
 TEST(AlarmTextPool, CopiesTheText) {
