@@ -1,0 +1,11 @@
+# Where things are installed to. On Debian libraries go to the directory of their architecture for every prefix, not only
+# for /usr: the dynamic linker, pkg-config and CMake look there below /usr/local too, and the packages, which are made from
+# the same build, need it.
+
+if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_INSTALL_LIBDIR AND CMAKE_LIBRARY_ARCHITECTURE
+   AND EXISTS /etc/debian_version)
+  set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Object code libraries")
+endif()
+include(GNUInstallDirs)
+set(ASCII_UTIL_INSTALL_HEADERDIR ${CMAKE_INSTALL_INCLUDEDIR}/ii_ascii_util)
+set(ASCII_UTIL_INSTALL_DATADIR ${CMAKE_INSTALL_DATADIR}/ii_ascii_util)
