@@ -1,0 +1,87 @@
+// Every trap has an example, and what the checker says about it is kept word for word. After a change that is
+// meant, tests/almcfg/update_golden.sh writes the new words down.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/almcfg/run_program.h"
+#include "tools/almcfg/finding.h"
+
+namespace {
+
+using almcfg_test::ProjectFolder;
+using almcfg_test::ReadFile;
+using almcfg_test::RunAlmcfg;
+
+std::vector<std::string> Examples() {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(ProjectFolder() + "examples/broken")) {
+    if (entry.path().extension() == ".csv") {
+      names.push_back(entry.path().stem());
+    }
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+/// The worst that the example's own finding can be.
+int ExpectedExit(const std::string& name) {
+  for (const almcfg::Trap& trap : almcfg::Traps()) {
+    if (trap.name == name) {
+      return trap.severity == almcfg::Severity::kError ? 1 : 0;
+    }
+  }
+  ADD_FAILURE() << name << " is the name of no trap";
+  return -1;
+}
+
+class BrokenExample : public testing::TestWithParam<std::string> {};
+
+TEST_P(BrokenExample, IsExplainedInTheKnownWords) {
+  const auto outcome = RunAlmcfg({"check", "examples/broken/" + GetParam() + ".csv"});
+  EXPECT_EQ(outcome.out, ReadFile(ProjectFolder() + "tests/almcfg/golden/" + GetParam() + ".txt"));
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(outcome.exitCode, ExpectedExit(GetParam()));
+}
+
+TEST_P(BrokenExample, ShowsTheTrapItIsNamedAfterAndNoOther) {
+  const auto outcome = RunAlmcfg({"check", "examples/broken/" + GetParam() + ".csv"});
+  std::set<std::string> found;
+  for (const almcfg::Trap& trap : almcfg::Traps()) {
+    if (outcome.out.find(" [" + std::string(trap.name) + "]\n") != std::string::npos) {
+      found.insert(trap.name);
+    }
+  }
+  EXPECT_EQ(found, std::set<std::string>{GetParam()});
+}
+
+std::string TestName(const testing::TestParamInfo<std::string>& info) {
+  std::string name = info.param;
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, BrokenExample, testing::ValuesIn(Examples()), TestName);
+
+TEST(BrokenExamples, ExistForEveryTrapThatAFileCanShow) {
+  const std::vector<std::string> names = Examples();
+  const std::set<std::string> examples(names.begin(), names.end());
+  for (const almcfg::Trap& trap : almcfg::Traps()) {
+    const bool isAboutNoContent =
+        trap.code == almcfg::Code::kUnreadableFile || trap.code == almcfg::Code::kDirectory;
+    EXPECT_EQ(examples.count(trap.name), isAboutNoContent ? 0U : 1U) << trap.name;
+  }
+}
+
+TEST(Traps, StandInTheCatalogueAtTheirOwnPlace) {
+  for (std::size_t i = 0; i < almcfg::kTrapCount; ++i) {
+    EXPECT_EQ(static_cast<std::size_t>(almcfg::Traps()[i].code), i) << almcfg::Traps()[i].name;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,68 @@
+#include "tests/almcfg/run_program.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+
+namespace almcfg_test {
+namespace {
+
+constexpr unsigned kLongestRun = 30;  // seconds
+
+/// Becomes the program; what fails here shows as exit code 127.
+[[noreturn]] void Become(const std::vector<std::string>& arguments, const std::string& in,
+                         const std::string& out, const std::string& err) {
+  std::vector<char*> argv{const_cast<char*>("almcfg")};
+  for (const std::string& argument : arguments) {
+    argv.push_back(const_cast<char*>(argument.c_str()));
+  }
+  argv.push_back(nullptr);
+  const bool isReady = chdir(PROJECT_FOLDER) == 0 && dup2(open(in.c_str(), O_RDONLY), STDIN_FILENO) >= 0 &&
+                       dup2(open(out.c_str(), O_WRONLY), STDOUT_FILENO) >= 0 &&
+                       dup2(open(err.c_str(), O_WRONLY), STDERR_FILENO) >= 0;
+  alarm(kLongestRun);
+  if (isReady) {
+    execv(ALMCFG_PROGRAM, argv.data());
+  }
+  _exit(127);
+}
+
+}  // namespace
+
+Outcome RunAlmcfg(const std::vector<std::string>& arguments, const std::string& input) {
+  const TempFile in(input);
+  const TempFile out("");
+  const TempFile err("");
+  const pid_t child = fork();
+  if (child == 0) {
+    Become(arguments, in.path(), out.path(), err.path());
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), ReadFile(out.path()),
+          ReadFile(err.path())};
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file.is_open()) << path;
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string ProjectFolder() { return PROJECT_FOLDER "/"; }
+
+TempFile::TempFile(const std::string& content) : path_(testing::TempDir() + "almcfg-XXXXXX") {
+  const int fd = mkstemp(path_.data());
+  EXPECT_GE(fd, 0) << path_;
+  close(fd);
+  std::ofstream(path_, std::ios::binary) << content;
+}
+
+TempFile::~TempFile() { unlink(path_.c_str()); }
+
+}  // namespace almcfg_test

@@ -1,0 +1,42 @@
+#ifndef TESTS_ALMCFG_RUN_PROGRAM_H_
+#define TESTS_ALMCFG_RUN_PROGRAM_H_
+
+#include <string>
+#include <vector>
+
+/// Runs the built checker as users run it.
+namespace almcfg_test {
+
+struct Outcome {
+  int exitCode = -1;  ///< negative: the number of the signal that ended it
+  std::string out;
+  std::string err;
+};
+
+/// Runs almcfg with `arguments` in the project's folder, `input` as its standard input. A run of more than
+/// 30 seconds is ended and counts as ended by a signal.
+Outcome RunAlmcfg(const std::vector<std::string>& arguments, const std::string& input = "");
+
+/// The whole file; fails the test when there is none.
+std::string ReadFile(const std::string& path);
+
+/// The project's folder, with a separator at the end.
+std::string ProjectFolder();
+
+/// A file of its own that goes with the object.
+class TempFile {
+ public:
+  explicit TempFile(const std::string& content);
+  ~TempFile();
+  TempFile(const TempFile&) = delete;
+  TempFile& operator=(const TempFile&) = delete;
+
+  [[nodiscard]] const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace almcfg_test
+
+#endif  // TESTS_ALMCFG_RUN_PROGRAM_H_

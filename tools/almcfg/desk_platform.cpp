@@ -1,0 +1,133 @@
+#include "tools/almcfg/desk_platform.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <string_view>
+
+#include "framework/bundle_mgr.h"
+#include "framework/config_items.h"
+#include "framework/interface_registry.h"
+#include "framework/log_service.h"
+#include "framework/platform_util.h"
+#include "framework/service_object_base.h"
+
+namespace almcfg {
+namespace {
+
+class DeskLogger : public NS_LOG_SERVICE1::Logger {
+ public:
+  int Log(const std::string& /*file*/, const std::string& /*func*/, int line, int /*level*/,
+          const std::string& message) override {
+    BundleLog().push_back({line, message});
+    return 0;
+  }
+
+  /// The bundle's formatted messages all have one text as their value, and a format that must not be used.
+  int LogF(const std::string& /*file*/, const std::string& /*func*/, int line, int /*level*/,
+           const char* format, ...) override {
+    va_list values;
+    va_start(values, format);
+    BundleLog().push_back({line, va_arg(values, const char*)});
+    va_end(values);
+    return 0;
+  }
+};
+
+class DeskLogService : public NS_LOG_SERVICE1::LogSvcInterface {
+ public:
+  std::string GetSvcName() override { return "DeskLogService"; }
+  std::int64_t IsValid() override { return 1; }
+  NS_LOG_SERVICE1::Logger* GetLogger(const std::string& /*bundle*/, const std::string& /*service*/,
+                                     const std::string& /*channel*/) override {
+    return &logger_;
+  }
+
+ private:
+  DeskLogger logger_;
+};
+
+class NoBundles : public NS_BUNDLEMGR1::BundleMgr {
+ public:
+  NS_BUNDLEMGR1::Bundle* GetBundle(const std::string& /*name*/) override { return nullptr; }
+  void GetAllBundles(std::list<NS_BUNDLEMGR1::Bundle*>& /*bundles*/) override {}
+};
+
+}  // namespace
+
+std::vector<LoggedMessage>& BundleLog() {
+  static std::vector<LoggedMessage> log;
+  return log;
+}
+
+}  // namespace almcfg
+
+namespace NS_BUNDLEMGR1 {
+
+ACE_Thread_Mutex _g_actualmutex;
+
+int SetIFBuf(const std::string& /*name*/, ServiceInterface* /*interface*/) { return 0; }
+
+std::vector<ServiceInterface*>* CheckIFBuf(const std::string& name) {
+  static almcfg::DeskLogService logService;
+  static std::vector<ServiceInterface*> logServices{&logService};
+  return name == "LogSvcInterface" ? &logServices : nullptr;
+}
+
+BundleMgr* BundleMgr::Instance() {
+  static almcfg::NoBundles bundles;
+  return &bundles;
+}
+
+std::string GetCfgDirPath() { return {}; }
+
+CorbaConfigItems* CorbaConfigItems::Instance() {
+  static CorbaConfigItems items;
+  return &items;
+}
+
+bool CorbaConfigItems::GetIntItemInfo(const std::string& /*name*/, int& /*value*/) { return false; }
+
+ServiceObjectBase::ServiceObjectBase(const char* /*bundle*/, const char* service) : name_(service) {}
+ServiceObjectBase::~ServiceObjectBase() { delete interface_; }
+int ServiceObjectBase::UnRegistSvc() { return -1; }
+const char* ServiceObjectBase::GetName() const { return name_; }
+void ServiceObjectBase::SvcHook() {}
+ServiceInterface* ServiceObjectBase::GetInterface() { return interface_; }
+ServiceInterface* ServiceObjectBase::CreateInterface() { return nullptr; }
+void ServiceObjectBase::RemoveInterface() {
+  delete interface_;
+  interface_ = nullptr;
+}
+
+}  // namespace NS_BUNDLEMGR1
+
+namespace NSTE_util {
+
+std::string Trim(const std::string& text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  return first == std::string::npos ? std::string()
+                                    : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+std::string Num2Str(int number) { return std::to_string(number); }
+
+}  // namespace NSTE_util
+
+namespace KelpGlobalUtils {
+
+// No code set is known here.
+int KelpCodeSetConvert(const std::string& /*fromCode*/, const std::string& /*toCode*/,
+                       const std::string& /*input*/, std::string& /*output*/) {
+  return -1;
+}
+
+}  // namespace KelpGlobalUtils
+
+extern "C" int sprintf_s(char* buffer, std::size_t size, const char* format, ...) {
+  va_list values;
+  va_start(values, format);
+  const int written = std::vsnprintf(buffer, size, format, values);
+  va_end(values);
+  return written >= 0 && static_cast<std::size_t>(written) < size ? written : -1;
+}

@@ -1,0 +1,46 @@
+#ifndef TOOLS_ALMCFG_GRAMMAR_H_
+#define TOOLS_ALMCFG_GRAMMAR_H_
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "src/almconfig.h"
+#include "tools/almcfg/desk_platform.h"
+#include "tools/almcfg/source_text.h"
+
+namespace almcfg {
+
+using Records = std::vector<NS_ASCII::AlarmConfigRecord>;
+
+/// The four key fields of a record. They look into it.
+inline NS_ASCII::AlarmKey KeyOf(const NS_ASCII::AlarmConfigRecord& record) {
+  return {record.key1, record.key2, record.key3, record.numKey};
+}
+
+/// The bundle's decision on one line after the other, as a load makes it. Nothing is decided here.
+class Grammar {
+ public:
+  /// Lines are loaded into `table`, which is borrowed. Without one they go to a table that is thrown away
+  /// now and again, for whom only the decisions matter.
+  explicit Grammar(NS_ASCII::Alarm_Config_Param* table = nullptr);
+
+  NS_ASCII::LineFate Take(const Line& line);
+
+  /// What the bundle logged, after `kLogged`.
+  [[nodiscard]] const LoggedMessage& message() const { return message_; }
+
+  /// What the line stands for, after `kStored`; until the next line.
+  [[nodiscard]] const Records& records() const { return work_.all; }
+
+ private:
+  NS_ASCII::Alarm_Config_Param::LineWork work_;
+  LoggedMessage message_;
+  std::unique_ptr<NS_ASCII::Alarm_Config_Param> own_;
+  NS_ASCII::Alarm_Config_Param* table_;
+  std::size_t linesInOwn_ = 0;
+};
+
+}  // namespace almcfg
+
+#endif  // TOOLS_ALMCFG_GRAMMAR_H_

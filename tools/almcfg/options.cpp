@@ -1,0 +1,170 @@
+#include "tools/almcfg/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <iostream>
+#include <map>
+
+namespace almcfg {
+namespace {
+
+constexpr std::size_t kKeyParts = 4;
+constexpr const char* kFileHelp = "AlarmConfig.csv files; - is standard input";
+constexpr const char* kExitHelp = "Exit status: 0 clean, 1 findings, 2 could not run.";
+
+using Formats = std::map<std::string, Format>;
+
+/// Names and values for CLI11, in the order of the alphabet.
+const Formats kCheckFormats{{"json", Format::kJson}, {"sarif", Format::kSarif}, {"text", Format::kText}};
+const Formats kShowFormats{{"html", Format::kHtml}, {"json", Format::kJson}, {"tsv", Format::kTsv}};
+const Formats kAnswerFormats{{"json", Format::kJson}, {"text", Format::kText}};
+const std::map<std::string, Color> kColors{
+    {"always", Color::kAlways}, {"auto", Color::kAuto}, {"never", Color::kNever}};
+
+/// The names of `choices` for a help line: "json|text".
+template <class Choices>
+std::string NamesOf(const Choices& choices) {
+  std::string names;
+  for (const auto& [name, value] : choices) {
+    names += (names.empty() ? "" : "|") + name;
+  }
+  return names;
+}
+
+/// An option with a fixed set of names.
+template <class Value>
+void AddChoice(CLI::App& app, const std::string& name, Value& value,
+               const std::map<std::string, Value>& choices, const std::string& help) {
+  app.add_option_function<std::string>(
+         name,
+         [&value, &choices, name](const std::string& text) {
+           const auto found = choices.find(text);
+           if (found == choices.end()) {
+             throw CLI::ValidationError(name, '"' + text + "\" is none of " + NamesOf(choices));
+           }
+           value = found->second;
+         },
+         help)
+      ->type_name(NamesOf(choices));
+}
+
+void AddCommon(CLI::App& app, Options& options, const Formats& formats, const std::string& formatHelp) {
+  AddChoice(app, "--format", options.format, formats, formatHelp);
+  AddChoice(app, "--color", options.color, kColors, "Colors in text; auto: on a terminal (default)");
+}
+
+/// A negative number at the end would be taken for an option; it is put behind a "--" of its own.
+void ProtectNegativeNumber(std::vector<std::string>& arguments) {
+  const bool isLookup = std::find(arguments.begin(), arguments.end(), "lookup") != arguments.end();
+  const bool isProtected = std::find(arguments.begin(), arguments.end(), "--") != arguments.end();
+  if (!isLookup || isProtected || arguments.back().size() < 2 || arguments.back()[0] != '-' ||
+      arguments.back().find_first_not_of("0123456789", 1) != std::string::npos) {
+    return;
+  }
+  arguments.insert(arguments.end() - 1, "--");
+}
+
+/// The last four of what was given to `lookup` are the key.
+void TakeKey(Options& options) {
+  if (options.files.size() <= kKeyParts) {
+    throw CLI::ValidationError("lookup", "needs FILE... KEY1 KEY2 KEY3 NUMBER");
+  }
+  const std::string number = options.files.back();
+  const char* const end = number.data() + number.size();
+  const auto [stop, error] = std::from_chars(number.data(), end, options.number);
+  if (error != std::errc() || stop != end) {
+    throw CLI::ValidationError(
+        "NUMBER", '"' + number + "\" is not a 32-bit decimal integer, which is what callers ask with");
+  }
+  const auto keys = options.files.end() - kKeyParts;
+  options.key1 = keys[0];
+  options.key2 = keys[1];
+  options.key3 = keys[2];
+  options.files.erase(keys, options.files.end());
+}
+
+void RefuseSecondStdin(const Options& options) {
+  if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
+    throw CLI::ValidationError("FILE", "standard input (-) can be read only once");
+  }
+}
+
+void AddCheck(CLI::App& app, Options& options) {
+  CLI::App* const check =
+      app.add_subcommand("check", "Report everything that is wrong or odd about each file");
+  check->add_flag("--strict", options.strict, "Warnings count as findings too");
+  AddCommon(*check, options, kCheckFormats, "How to report (default: text)");
+  check->add_option("FILE", options.files, kFileHelp)->required();
+  check->footer(kExitHelp);
+  check->callback([&options] { options.command = Command::kCheck; });
+}
+
+void AddShow(CLI::App& app, Options& options) {
+  CLI::App* const show =
+      app.add_subcommand("show", "Show the table in force after loading the files in this order");
+  show->add_flag("--sort", options.sorted, "In the table's order, not in the files'");
+  AddCommon(*show, options, kShowFormats, "How to show it (default: tsv)");
+  show->add_option("FILE", options.files, kFileHelp)->required();
+  show->footer("Exit status: 0 shown, 1 shown, but a line never lets a load end, 2 could not run.");
+  show->callback([&options] { options.command = Command::kShow; });
+}
+
+void AddLookup(CLI::App& app, Options& options) {
+  CLI::App* const lookup =
+      app.add_subcommand("lookup", "Say what GetAlmCfgValue answers for a key, and which line serves it");
+  AddCommon(*lookup, options, kAnswerFormats, "How to answer (default: text)");
+  lookup->add_option("FILE", options.files, std::string(kFileHelp) + "; then KEY1 KEY2 KEY3 NUMBER")
+      ->required();
+  lookup->footer(
+      "A key that starts with \"-\" goes behind \"--\": almcfg lookup FILE -- KEY1 KEY2 KEY3 NUMBER\n"
+      "Exit status: 0 a line serves the key with an integer, 1 it does not, 2 could not run.");
+  lookup->callback([&options] {
+    options.command = Command::kLookup;
+    TakeKey(options);
+  });
+}
+
+void AddDiff(CLI::App& app, Options& options) {
+  CLI::App* const diff =
+      app.add_subcommand("diff", "Say what a reload changes in a running process, and what a restart");
+  AddCommon(*diff, options, kAnswerFormats, "How to report (default: text)");
+  diff->add_option("FILE", options.files,
+                   "RUNNING and NEW: what the process has loaded, and what it will load; - is standard input")
+      ->required()
+      ->expected(2);
+  diff->footer("Exit status: 0 no difference, 1 differences, 2 could not run.");
+  diff->callback([&options] { options.command = Command::kDiff; });
+}
+
+}  // namespace
+
+Parsed ParseArguments(std::vector<std::string> arguments) {
+  Options options;
+  CLI::App app{"Checks AlarmConfig.csv files and answers what they do before a process loads them.",
+               "almcfg"};
+  app.require_subcommand(1);
+  app.set_version_flag("--version", "almcfg " ALMCFG_VERSION);
+  app.footer(std::string("almcfg COMMAND --help describes a command. ") + kExitHelp);
+  AddCheck(app, options);
+  AddShow(app, options);
+  AddLookup(app, options);
+  AddDiff(app, options);
+  try {
+    if (!arguments.empty()) {
+      ProtectNegativeNumber(arguments);
+    }
+    std::reverse(arguments.begin(), arguments.end());  // CLI11 takes them from the end.
+    app.parse(std::move(arguments));
+    RefuseSecondStdin(options);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) {
+      return {std::nullopt, app.exit(error)};
+    }
+    std::cerr << "almcfg: " << error.what() << "\nalmcfg --help describes the commands\n";
+    return {std::nullopt, kCouldNotRun};
+  }
+  return {options, kClean};
+}
+
+}  // namespace almcfg

@@ -1,0 +1,110 @@
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <ostream>
+
+#include "tools/almcfg/json_text.h"
+#include "tools/almcfg/report.h"
+#include "tools/almcfg/visible.h"
+
+namespace almcfg {
+namespace {
+
+bool IsPlainInUri(char c) {
+  constexpr std::string_view kPlain = "-._~/";
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+         kPlain.find(c) != std::string_view::npos;
+}
+
+/// A path as a URI reference.
+std::string UriOf(std::string_view path) {
+  std::string uri;
+  for (const char c : path) {
+    if (IsPlainInUri(c)) {
+      uri += c;
+    } else {
+      std::array<char, 4> escape;
+      std::snprintf(escape.data(), escape.size(), "%%%02X",
+                    static_cast<unsigned>(static_cast<unsigned char>(c)));
+      uri += escape.data();
+    }
+  }
+  return uri;
+}
+
+Json Location(const SourceText& text, LineNumber line, const Json& region) {
+  Json place{{"artifactLocation", {{"uri", UriOf(text.name())}}}};
+  place["region"] = {{"startLine", line}};
+  place["region"].update(region);
+  return {{"physicalLocation", std::move(place)}};
+}
+
+Json Region(const SourceText& text, const Finding& finding) {
+  if (finding.line > text.lineCount()) {
+    return Json::object();
+  }
+  const std::string_view line = text.line(finding.line).text;
+  const std::size_t begin = std::min(finding.column - 1, line.size());
+  const std::size_t start = CharacterCount(line.substr(0, begin)) + 1;
+  const std::size_t marked = CharacterCount(line.substr(begin, finding.length));
+  return {{"startColumn", start}, {"endColumn", start + marked}, {"snippet", {{"text", ToUtf8(line)}}}};
+}
+
+Json ToResult(const SourceText& text, const Finding& finding) {
+  const Trap& trap = TrapOf(finding.code);
+  Json result{{"ruleId", trap.name},
+              {"ruleIndex", static_cast<std::size_t>(trap.code)},
+              {"level", NameOf(trap.severity)},
+              {"message", {{"text", finding.message + ". Hint: " + finding.hint + "."}}}};
+  result["locations"] = Json::array({Location(text, finding.line, Region(text, finding))});
+  if (finding.otherLine != 0) {
+    Json other = Location(text, finding.otherLine, Json::object());
+    other["message"] = {{"text", "the earlier line"}};
+    result["relatedLocations"] = Json::array({std::move(other)});
+  }
+  return result;
+}
+
+Json Driver() {
+  Json rules = Json::array();
+  for (const Trap& trap : Traps()) {
+    rules.push_back({{"id", trap.name},
+                     {"shortDescription", {{"text", trap.summary}}},
+                     {"defaultConfiguration", {{"level", NameOf(trap.severity)}}}});
+  }
+  return {{"name", "almcfg"}, {"version", ALMCFG_VERSION}, {"rules", std::move(rules)}};
+}
+
+class SarifReport : public Report {
+ public:
+  explicit SarifReport(std::ostream& out) : out_(out) {
+    out_ << "{\"$schema\":\"https://json.schemastore.org/sarif-2.1.0.json\",\"version\":\"2.1.0\",\n"
+         << "\"runs\":[{\"tool\":{\"driver\":" << Dump(Driver())
+         << "},\n\"columnKind\":\"unicodeCodePoints\",\n\"results\":[";
+  }
+
+  void Take(const SourceText& text, const Finding& finding) override {
+    out_ << (first_ ? "\n" : ",\n") << Dump(ToResult(text, finding));
+    first_ = false;
+  }
+
+  void EndFile(const SourceText& /*text*/, std::size_t /*records*/, bool wasRead) override {
+    allRead_ = allRead_ && wasRead;
+  }
+
+  void End(const Totals& /*totals*/, int exitCode) override {
+    const Json invocation{{"executionSuccessful", allRead_}, {"exitCode", exitCode}};
+    out_ << "\n],\n\"invocations\":[" << Dump(invocation) << "]}]}\n";
+  }
+
+ private:
+  std::ostream& out_;
+  bool first_ = true;
+  bool allRead_ = true;
+};
+
+}  // namespace
+
+std::unique_ptr<Report> MakeSarifReport(std::ostream& out) { return std::make_unique<SarifReport>(out); }
+
+}  // namespace almcfg

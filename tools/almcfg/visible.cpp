@@ -1,0 +1,174 @@
+#include "tools/almcfg/visible.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace almcfg {
+namespace {
+
+constexpr std::size_t kQuotedWidth = 48;
+constexpr std::size_t kExcerptWidth = 90;
+
+unsigned char ByteAt(std::string_view text, std::size_t i) { return static_cast<unsigned char>(text[i]); }
+
+/// The code point of the valid UTF-8 character at the start of `text`.
+std::uint32_t CodePoint(std::string_view text, std::size_t length) {
+  constexpr std::array<unsigned, 5> kLeadBits{0, 0x7F, 0x1F, 0x0F, 0x07};
+  std::uint32_t code = ByteAt(text, 0) & kLeadBits[length];
+  for (std::size_t i = 1; i < length; ++i) {
+    code = code << 6 | (ByteAt(text, i) & 0x3FU);
+  }
+  return code;
+}
+
+bool IsBetween(std::uint32_t code, std::uint32_t first, std::uint32_t last) {
+  return first <= code && code <= last;
+}
+
+/// Control characters, and what takes no room or turns the writing around.
+bool IsUnprintable(std::uint32_t code) {
+  return code < 0x20 || IsBetween(code, 0x7F, 0xA0) || code == 0xAD || code == 0x061C || code == 0x180E ||
+         IsBetween(code, 0x200B, 0x200F) || IsBetween(code, 0x2028, 0x202F) ||
+         IsBetween(code, 0x2060, 0x206F) || code == 0xFEFF || IsBetween(code, 0xFFF0, 0xFFFB) ||
+         IsBetween(code, 0xE0000, 0xE0FFF);
+}
+
+std::string Escape(std::string_view bytes) {
+  std::string escaped;
+  for (const char byte : bytes) {
+    std::array<char, 5> text;
+    std::snprintf(text.data(), text.size(), "\\x%02X",
+                  static_cast<unsigned>(static_cast<unsigned char>(byte)));
+    escaped += text.data();
+  }
+  return escaped;
+}
+
+bool IsEdge(std::string_view text, std::size_t at) {
+  return at >= text.size() || text[at] == '\t' || text[at] == '/' || text[at] == '\r';
+}
+
+/// Whether the run of blanks around `at` touches an edge or is wider than a word gap.
+bool IsMarkedBlank(std::string_view text, std::size_t at) {
+  std::size_t first = at;
+  while (first > 0 && text[first - 1] == ' ') {
+    --first;
+  }
+  const std::size_t behind = std::min(text.find_first_not_of(' ', at), text.size());
+  return first == 0 || IsEdge(text, first - 1) || IsEdge(text, behind) || behind - first > 1;
+}
+
+Glyph OneGlyph(std::string_view text, std::size_t at, Blanks blanks) {
+  const std::string_view rest = text.substr(at);
+  switch (rest[0]) {
+    case '\t':
+      return {at, 1, "→", 1};
+    case '\r':
+      return {at, 1, "␍", 1};
+    case '\0':
+      return {at, 1, "␀", 1};
+    case ' ':
+      return {at, 1, blanks == Blanks::kAll || IsMarkedBlank(text, at) ? "·" : " ", 1};
+    default:
+      break;
+  }
+  const std::size_t length = Utf8Length(rest);
+  const std::string_view bytes = rest.substr(0, std::max<std::size_t>(length, 1));
+  if (length != 0 && !IsUnprintable(CodePoint(bytes, length))) {
+    return {at, length, std::string(bytes), 1};
+  }
+  return {at, bytes.size(), Escape(bytes), 4 * bytes.size()};
+}
+
+std::string Cut(const std::vector<Glyph>& glyphs, std::size_t widest) {
+  std::string text;
+  std::size_t width = 0;
+  for (const Glyph& glyph : glyphs) {
+    width += glyph.width;
+    if (width > widest) {
+      return text + "…";
+    }
+    text += glyph.shown;
+  }
+  return text;
+}
+
+}  // namespace
+
+std::size_t Utf8Length(std::string_view text) {
+  const unsigned lead = ByteAt(text, 0);
+  if (lead < 0x80) {
+    return 1;
+  }
+  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) {
+    return 0;
+  }
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((ByteAt(text, i) & 0xC0U) != 0x80) {
+      return 0;
+    }
+  }
+  const std::uint32_t code = CodePoint(text, length);
+  const bool isTooLong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
+  return isTooLong || IsBetween(code, 0xD800, 0xDFFF) || code > 0x10FFFF ? 0 : length;
+}
+
+bool IsUtf8(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t length = Utf8Length(text);
+    if (length == 0) {
+      return false;
+    }
+    text.remove_prefix(length);
+  }
+  return true;
+}
+
+std::size_t CharacterCount(std::string_view text) {
+  std::size_t count = 0;
+  for (; !text.empty(); ++count) {
+    text.remove_prefix(std::max<std::size_t>(Utf8Length(text), 1));
+  }
+  return count;
+}
+
+std::vector<Glyph> Glyphs(std::string_view text, Blanks blanks) {
+  std::vector<Glyph> glyphs;
+  for (std::size_t at = 0; at < text.size(); at += glyphs.back().bytes) {
+    glyphs.push_back(OneGlyph(text, at, blanks));
+  }
+  return glyphs;
+}
+
+std::string Printable(std::string_view text) {
+  std::string shown;
+  for (std::size_t at = 0; at < text.size();) {
+    const Glyph glyph = OneGlyph(text, at, Blanks::kAtEdges);
+    shown += text[at] == ' ' ? " " : glyph.shown;
+    at += glyph.bytes;
+  }
+  return shown;
+}
+
+std::string Quoted(std::string_view text) {
+  return '"' + Cut(Glyphs(text, Blanks::kAtEdges), kQuotedWidth) + '"';
+}
+
+std::string LineExcerpt(std::string_view text) { return Cut(Glyphs(text, Blanks::kAtEdges), kExcerptWidth); }
+
+std::string Grouped(std::uint64_t number) {
+  std::string digits = std::to_string(number);
+  for (std::size_t at = digits.size(); at > 3;) {
+    at -= 3;
+    digits.insert(at, 1, ',');
+  }
+  return digits;
+}
+
+std::string Counted(std::uint64_t number, std::string_view noun) {
+  return Grouped(number) + ' ' + std::string(noun) + (number == 1 ? "" : "s");
+}
+
+}  // namespace almcfg

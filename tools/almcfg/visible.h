@@ -1,0 +1,54 @@
+#ifndef TOOLS_ALMCFG_VISIBLE_H_
+#define TOOLS_ALMCFG_VISIBLE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// How bytes of unknown origin are shown to people. Nothing that a file or a file name holds may move the
+/// cursor, change the direction of writing, or disappear. Pure functions.
+namespace almcfg {
+
+/// One character of a text as it is shown.
+struct Glyph {
+  std::size_t offset = 0;  ///< its first byte in the text
+  std::size_t bytes = 0;   ///< how many it takes there
+  std::string shown;
+  std::size_t width = 0;  ///< columns that `shown` takes, one for each code point
+};
+
+/// Which blanks are shown as a mark.
+enum class Blanks { kAtEdges, kAll };
+
+/// The text character by character: TAB as an arrow, CR and NUL as their symbols, blanks at the edge of the
+/// line, a column or an alternative (with kAll: every blank) as a dot, other control characters, invisible
+/// ones and bytes that are not UTF-8 as an escape.
+std::vector<Glyph> Glyphs(std::string_view text, Blanks blanks);
+
+/// The number of bytes of the UTF-8 character that `text` starts with; 0 when it starts with none.
+std::size_t Utf8Length(std::string_view text);
+bool IsUtf8(std::string_view text);
+
+/// Characters of `text`, a byte that is not UTF-8 counting as one.
+std::size_t CharacterCount(std::string_view text);
+
+/// The text with everything that does not print escaped; blanks stay.
+std::string Printable(std::string_view text);
+
+/// The same in double quotes, cut to a length that fits into a message.
+std::string Quoted(std::string_view text);
+
+/// A line with its source marks, cut like a quotation.
+std::string LineExcerpt(std::string_view text);
+
+/// "1,234,567".
+std::string Grouped(std::uint64_t number);
+
+/// "1 error", "2 errors".
+std::string Counted(std::uint64_t number, std::string_view noun);
+
+}  // namespace almcfg
+
+#endif  // TOOLS_ALMCFG_VISIBLE_H_
