@@ -1,0 +1,254 @@
+#include "host/loader.h"
+
+#include <ace/ACE.h>
+#include <ace/Service_Config.h>
+#include <ace/Service_Repository.h>
+#include <ace/Service_Types.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <regex>
+
+#include "host/bundle_table.h"
+#include "host/log_sink.h"
+#include "host/mapped_library.h"
+#include "host/problem.h"
+#include "host/suggest.h"
+
+namespace host {
+namespace {
+
+using NS_BUNDLEMGR1::ServiceObjectBase;
+
+std::string RealPath(const std::string& path) {
+  const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
+  return real == nullptr ? path : real.get();
+}
+
+bool Exists(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0;
+}
+
+/// Loads the library of a request and says what is wrong with it in terms of the request.
+LibraryHandle OpenLibrary(const std::string& request) {
+  const bool isPath = request.find('/') != std::string::npos;
+  if (isPath && !Exists(request)) {
+    throw Failure(request + ": no such library");
+  }
+  try {
+    if (Exists(request)) {
+      return LibraryHandle::Load(RealPath(request));
+    }
+    const bool isFileName = request.find(".so") != std::string::npos;
+    return LibraryHandle::Load(isFileName ? request : "lib" + request + ".so");
+  } catch (const Failure& failure) {
+    throw Failure(request + ": " + failure.what());
+  }
+}
+
+std::string BundleNameOf(const std::string& library) {
+  std::string name = BaseName(library);
+  name.erase(std::min(name.find(".so"), name.size()));
+  if (name.compare(0, 3, "lib") == 0) {
+    name.erase(0, 3);
+  }
+  return name;
+}
+
+void RequireFactory(const LibraryHandle& library, const std::string& request, const std::string& factory) {
+  if (library.Symbol(factory) == nullptr) {
+    throw Failure(request + ": has no factory " + factory + "; it must export extern \"C\" ACE_Service_Object* " +
+                  factory + "(ACE_Service_Object_Exterminator*)");
+  }
+}
+
+/// The arguments as ACE splits them again.
+std::string QuoteForAce(const Words& arguments) {
+  std::string text;
+  for (const std::string& argument : arguments) {
+    if (argument.find_first_of("\"'\\$\n") != std::string::npos) {
+      throw UsageError("argument '" + argument + "' holds a quote, a backslash, a '$' or a line end, which ACE's "
+                       "directives cannot pass on");
+    }
+    text += (text.empty() ? "'" : " '") + argument + "'";
+  }
+  return text;
+}
+
+ACE_Service_Object* ServiceOf(const std::string& name) {
+  const ACE_Service_Type* type = nullptr;
+  const bool found = ACE_Service_Repository::instance()->find(name.c_str(), &type, false) == 0;
+  if (!found || type == nullptr || type->type() == nullptr || type->type()->service_type() != ACE_Service_Type::SERVICE_OBJECT) {
+    return nullptr;
+  }
+  return static_cast<ACE_Service_Object*>(type->type()->object());
+}
+
+/// Destroys what a failed life cycle left behind. Their code must still be mapped.
+void DestroyNewcomers(const std::vector<ServiceEntry>& before) {
+  for (const ServiceEntry& entry : ListServices()) {
+    const bool isOld = std::any_of(before.begin(), before.end(),
+                                   [&](const ServiceEntry& old) { return old.object == entry.object; });
+    if (!isOld) {
+      delete entry.object;
+    }
+  }
+}
+
+std::string WithReason(const std::string& problem, const std::string& reason) {
+  return reason.empty() ? problem : problem + " (" + reason + ")";
+}
+
+}  // namespace
+
+Loader::~Loader() {
+  while (!bundles_.empty()) {
+    const std::string name = bundles_.back().name;
+    try {
+      const UnloadReport report = Unload(name, true);
+      if (!report.problem.empty()) {
+        std::fprintf(stderr, "bundle_host: %s\n", report.problem.c_str());
+      }
+    } catch (const std::exception& error) {
+      std::fprintf(stderr, "bundle_host: %s: %s\n", name.c_str(), error.what());
+      Forget(name);
+    }
+  }
+}
+
+const LoadedBundle& Loader::Load(const std::string& library, const Words& arguments) {
+  const std::string quoted = QuoteForAce(arguments);
+  const LibraryHandle handle = OpenLibrary(library);
+  const std::string path = RealPath(handle.Path());
+  if (path.find_first_of(" \t\n\"':()*{}#") != std::string::npos) {
+    throw Failure(library + ": its path " + path + " holds a character that ACE's directives cannot pass on");
+  }
+  const std::string name = BundleNameOf(path);
+  const std::string factory = "_make_" + name;
+  RequireFactory(handle, library, factory);
+  Dynamic(name, "dynamic " + name + " Service_Object * " + path + ":" + factory + "() \"" + quoted + "\"");
+  return bundles_.back();
+}
+
+void Loader::Process(const std::string& directive) {
+  static const std::regex dynamic(
+      R"re(\s*dynamic\s+(\S+)\s+Service_Object\s*\*\s*"?([^\s":]+)"?\s*:\s*(\w+)\s*\([\s\S]*)re");
+  static const std::regex removal(R"re(\s*remove\s+(\S+)\s*)re");
+  std::smatch part;
+  if (std::regex_match(directive, part, dynamic)) {
+    const LibraryHandle handle = OpenLibrary(part[2]);
+    RequireFactory(handle, part[2], part[3]);
+    Dynamic(part[1], directive);
+    return;
+  }
+  if (std::regex_match(directive, part, removal)) {
+    Unload(part[1]);
+    return;
+  }
+  const AceComplaints complaints;
+  if (ACE_Service_Config::process_directive(directive.c_str()) != 0) {
+    throw Failure(WithReason("the directive is not understood or failed", complaints.Text()));
+  }
+}
+
+void Loader::Dynamic(const std::string& name, const std::string& directive) {
+  if (ServiceOf(name) != nullptr) {
+    throw UsageError("a bundle " + name + " is loaded already; unload it first");
+  }
+  const std::vector<ServiceEntry> before = ListServices();
+  const AceComplaints complaints;
+  bool done = false;
+  std::string reason;
+  try {
+    done = ACE_Service_Config::process_directive(directive.c_str()) == 0;
+    reason = complaints.Text();
+  } catch (const std::exception& error) {
+    reason = std::string("it threw: ") + error.what();
+  }
+  ACE_Service_Object* const object = done ? ServiceOf(name) : nullptr;
+  if (object == nullptr) {
+    ACE_Service_Config::remove(name.c_str());
+    DestroyNewcomers(before);
+    throw Failure(WithReason(name + ": the factory or init failed", reason));
+  }
+  const void* const code = *reinterpret_cast<void* const*>(object);  // Its virtual table is the library's.
+  bundles_.push_back({name, RealPath(LibraryAt(code)), object, dynamic_cast<ServiceObjectBase*>(object)});
+}
+
+void Loader::Init(const std::string& name, const Words& arguments) {
+  const LoadedBundle& bundle = Find(name);
+  Words copies = arguments;
+  std::vector<char*> vector;
+  for (std::string& copy : copies) {
+    vector.push_back(copy.data());
+  }
+  vector.push_back(nullptr);
+  const int result = bundle.object->init(static_cast<int>(copies.size()), vector.data());
+  if (result != 0) {
+    throw Failure(name + ": init returned " + std::to_string(result));
+  }
+}
+
+UnloadReport Loader::Unload(const std::string& name, bool evenIfNeeded) {
+  const LoadedBundle bundle = Find(name);
+  std::vector<std::string> others;
+  for (const LoadedBundle& other : bundles_) {
+    if (other.name == name) {
+      continue;
+    }
+    others.push_back(other.library);
+    const LibraryHandle user = LibraryHandle::OfLoaded(other.library);
+    const auto needed = user ? user.Needed() : std::vector<std::string>();
+    if (!evenIfNeeded && std::find(needed.begin(), needed.end(), BaseName(bundle.library)) != needed.end()) {
+      throw Failure(name + " is in use: " + other.name + " is linked against it; unload that first");
+    }
+  }
+  UnloadReport report;
+  {
+    const LibraryHandle keepMapped = LibraryHandle::OfLoaded(bundle.library);
+    const AceComplaints complaints;
+    const int result = ACE_Service_Config::remove(name.c_str());
+    if (bundle.service != nullptr && IsListed(bundle.service)) {
+      report.problem = name + ": fini failed; the service object was destroyed all the same";
+      delete bundle.service;
+    } else if (result != 0) {
+      report.problem = WithReason(name + ": fini failed", complaints.Text());
+    }
+  }
+  Forget(name);
+  if (IsMapped(bundle.library)) {
+    report.whyMapped = WhyMapped(bundle.library, others);
+  }
+  return report;
+}
+
+const LoadedBundle& Loader::Find(const std::string& name) const {
+  std::vector<std::string> names;
+  for (const LoadedBundle& bundle : bundles_) {
+    if (bundle.name == name) {
+      return bundle;
+    }
+    names.push_back(bundle.name);
+  }
+  throw UsageError("no bundle '" + name + "' is loaded" + DidYouMean(name, names));
+}
+
+void* Loader::FindSymbol(const std::string& symbol) const {
+  for (auto bundle = bundles_.rbegin(); bundle != bundles_.rend(); ++bundle) {
+    const LibraryHandle library = LibraryHandle::OfLoaded(bundle->library);
+    if (void* const found = library ? library.Symbol(symbol) : nullptr; found != nullptr) {
+      return found;
+    }
+  }
+  return nullptr;
+}
+
+void Loader::Forget(const std::string& name) {
+  bundles_.erase(std::remove_if(bundles_.begin(), bundles_.end(),
+                                [&](const LoadedBundle& bundle) { return bundle.name == name; }),
+                 bundles_.end());
+}
+
+}  // namespace host

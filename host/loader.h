@@ -1,0 +1,79 @@
+#ifndef HOST_LOADER_H_
+#define HOST_LOADER_H_
+
+#include <ace/Service_Object.h>
+
+#include <string>
+#include <vector>
+
+#include "framework/service_object_base.h"
+#include "host/words.h"
+
+namespace host {
+
+/// A bundle as it was loaded.
+struct LoadedBundle {
+  std::string name;     ///< the name that ACE's service configurator knows it by
+  std::string library;  ///< path of the library with its code
+  ACE_Service_Object* object = nullptr;
+  NS_BUNDLEMGR1::ServiceObjectBase* service = nullptr;  ///< the same object; null when it has another base
+};
+
+/// What an unload found.
+struct UnloadReport {
+  std::string problem;    ///< what went wrong on the way; empty when nothing did. The bundle is gone all the same.
+  std::string whyMapped;  ///< why the library is still mapped; empty when it is not
+};
+
+/// Loads bundles through ACE's service configurator, one directive each, and unloads them again.
+///
+/// Who keeps what mapped: ACE holds the library from the directive to the removal. The loader holds a second
+/// reference only while it works on it, so that an object which ACE left behind, because its `init` or `fini`
+/// failed, can still be destroyed; an interface therefore never outlives its code. Loggers are the log service's and
+/// stay. What other bundles have fetched they must drop before the unload.
+///
+/// Everything throws `Failure` (or `UsageError`, for what is not a right request) with one line and then has changed
+/// nothing. Threads: one at a time.
+class Loader {
+ public:
+  Loader() = default;
+  Loader(const Loader&) = delete;
+  Loader& operator=(const Loader&) = delete;
+
+  /// Unloads what is left, the last one loaded first.
+  ~Loader();
+
+  /// Loads `library`, a path or a name that the dynamic linker finds (NAME also stands for libNAME.so). The bundle
+  /// gets the library's name without "lib" and ".so"; its factory is "_make_" and that name. The arguments go to
+  /// its `init`. Returns the bundle.
+  const LoadedBundle& Load(const std::string& library, const Words& arguments);
+
+  /// Processes one directive of a svc.conf.
+  void Process(const std::string& directive);
+
+  /// Calls `init` of a loaded bundle once more.
+  void Init(const std::string& name, const Words& arguments);
+
+  /// Calls `fini`, destroys the service object and gives the library back. Refused while another loaded bundle is
+  /// linked against the library, unless `evenIfNeeded`.
+  UnloadReport Unload(const std::string& name, bool evenIfNeeded = false);
+
+  /// In the order in which they were loaded.
+  const std::vector<LoadedBundle>& Bundles() const { return bundles_; }
+
+  /// The loaded bundle of that name; throws `UsageError` with a suggestion when there is none.
+  const LoadedBundle& Find(const std::string& name) const;
+
+  /// A symbol of a loaded bundle's library, the last one loaded asked first; null when none has it.
+  void* FindSymbol(const std::string& symbol) const;
+
+ private:
+  void Dynamic(const std::string& name, const std::string& directive);
+  void Forget(const std::string& name);
+
+  std::vector<LoadedBundle> bundles_;
+};
+
+}  // namespace host
+
+#endif  // HOST_LOADER_H_

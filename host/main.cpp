@@ -1,0 +1,107 @@
+#include <dirent.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <system_error>
+
+#include "host/command.h"
+#include "host/config_dir.h"
+#include "host/config_items.h"
+#include "host/console.h"
+#include "host/log_service.h"
+#include "host/log_sink.h"
+#include "host/options.h"
+#include "host/problem.h"
+#include "host/script.h"
+#include "host/svc_conf.h"
+
+namespace {
+
+using host::Failure;
+using host::Options;
+
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+void SetUpConfiguration(const Options& options) {
+  if (!options.configDir.empty()) {
+    host::SetConfigDir(options.configDir);
+  }
+  const std::string directory = NS_BUNDLEMGR1::GetCfgDirPath();
+  if (directory.empty()) {
+    return;
+  }
+  const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(directory.c_str()), closedir);
+  if (opened == nullptr) {
+    throw Failure("configuration directory " + directory + ": " + std::generic_category().message(errno));
+  }
+  const std::string items = directory + host::kItemsFile;
+  if (std::unique_ptr<std::FILE, int (*)(std::FILE*)>(std::fopen(items.c_str(), "re"), std::fclose) == nullptr) {
+    if (errno != ENOENT) {
+      throw Failure(items + ": " + std::generic_category().message(errno));
+    }
+    return;
+  }
+  if (const std::string problem = host::LoadItems(items); !problem.empty()) {
+    throw Failure(problem);
+  }
+}
+
+void RunProgramCommand(host::Session& session, const host::Words& command) {
+  if (command[0] == "run") {
+    RunScriptFile(session, command[1]);
+  } else if (command[0] == "console") {
+    RunConsole(session);
+  } else {
+    RunCommand(session, command);
+  }
+}
+
+void Run(const Options& options) {
+  const host::LogOutput output(options.logFile);
+  if (!output.Problem().empty()) {
+    throw Failure(output.Problem());
+  }
+  host::SetLogLevel(options.logLevel);
+  SetUpConfiguration(options);
+  const host::LogService logService;
+  host::Loader loader;
+  if (!options.svcConf.empty()) {
+    ProcessSvcConf(loader, options.svcConf);
+  }
+  for (const std::string& bundle : options.bundles) {
+    loader.Load(bundle, {});
+  }
+  host::Session session{loader, std::cout};
+  RunProgramCommand(session, options.command);
+}
+
+int Report(const std::exception& problem, int exitCode) {
+  std::cout.flush();
+  std::cerr << "bundle_host: " << problem.what() << '\n';
+  return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  try {
+    const auto parsed = host::ParseOptions(argc, argv);
+    if (const auto* const text = std::get_if<std::string>(&parsed)) {
+      std::cout << *text;
+    } else {
+      Run(std::get<Options>(parsed));
+    }
+    std::cout.flush();
+    if (!std::cout) {
+      throw Failure("standard output cannot be written");
+    }
+    return 0;
+  } catch (const host::UsageError& problem) {
+    return Report(problem, kWrongUsage);
+  } catch (const std::exception& problem) {
+    return Report(problem, kFailed);
+  }
+}

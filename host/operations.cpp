@@ -1,0 +1,236 @@
+#include "host/operations.h"
+
+#include <array>
+#include <tuple>
+#include <type_traits>
+
+#include "ascii_util/text_functions.h"
+#include "host/problem.h"
+#include "host/suggest.h"
+
+namespace host {
+namespace {
+
+using NS_ASCII::AsciiUtilInterface;
+using NS_ASCII::ListMap;
+
+template <class T>
+using Plain = std::remove_cv_t<std::remove_reference_t<T>>;
+
+template <class T>
+inline constexpr bool kIsOut = std::is_lvalue_reference_v<T> && !std::is_const_v<std::remove_reference_t<T>>;
+
+template <class T>
+constexpr Kind KindOf() {
+  if constexpr (std::is_same_v<T, bool>) {
+    return Kind::kTruth;
+  } else if constexpr (std::is_integral_v<T>) {
+    return Kind::kInteger;
+  } else if constexpr (std::is_same_v<T, std::string>) {
+    return Kind::kText;
+  } else if constexpr (std::is_same_v<T, TextList>) {
+    return Kind::kList;
+  } else {
+    static_assert(std::is_same_v<T, ListMap>);
+    return Kind::kMap;
+  }
+}
+
+template <class T>
+Value ToValue(T value) {
+  if constexpr (KindOf<T>() == Kind::kInteger) {
+    return std::int64_t{value};
+  } else {
+    return value;
+  }
+}
+
+template <class T>
+T FromValue(const Value& value) {
+  if constexpr (KindOf<T>() == Kind::kInteger) {
+    return static_cast<T>(std::get<std::int64_t>(value));
+  } else {
+    return std::get<T>(value);
+  }
+}
+
+/// How a parameter type is spelled in a linker name.
+template <class T>
+std::string LinkerName() {
+  constexpr const char* kString = "NSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE";
+  if constexpr (std::is_same_v<T, int>) {
+    return "i";
+  } else if constexpr (std::is_same_v<T, std::string>) {
+    return kString;
+  } else {
+    static_assert(std::is_same_v<T, const std::string&>);
+    return std::string("RK") + kString;
+  }
+}
+
+/// Builds rows for operations with the parameter types `Args`.
+template <class Result, class... Args>
+class RowMaker {
+ public:
+  using Names = std::array<Parameter, sizeof...(Args)>;
+
+  template <class Call>
+  static Operation Make(std::string name, const Names& names, Call call) {
+    Operation row;
+    row.name = std::move(name);
+    row.result = KindOf<Result>();
+    AddParameters(row, names, std::index_sequence_for<Args...>());
+    row.invoke = [call, outs = row.out](const Target& target, const std::vector<Value>& arguments) {
+      return Invoke(call, outs, target, arguments, std::index_sequence_for<Args...>());
+    };
+    return row;
+  }
+
+ private:
+  template <std::size_t... At>
+  static void AddParameters([[maybe_unused]] Operation& row, [[maybe_unused]] Names names,
+                            std::index_sequence<At...> /*at*/) {
+    ((names[At].kind = KindOf<Plain<Args>>(), (kIsOut<Args> ? row.out : row.in).push_back(names[At])), ...);
+  }
+
+  template <class T>
+  static void TakeArgument(T& holder, bool isOut, const std::vector<Value>& arguments, std::size_t& next) {
+    if (!isOut) {
+      holder = FromValue<T>(arguments.at(next++));
+    }
+  }
+
+  template <class Call, std::size_t... At>
+  static Answer Invoke(const Call& call, const std::vector<Parameter>& outs, const Target& target,
+                       const std::vector<Value>& arguments, std::index_sequence<At...> /*at*/) {
+    std::tuple<Plain<Args>...> holders{};
+    [[maybe_unused]] std::size_t next = 0;
+    (TakeArgument(std::get<At>(holders), kIsOut<Args>, arguments, next), ...);
+    Answer answer{ToValue(call(target, static_cast<Args>(std::get<At>(holders))...)), {}};
+    [[maybe_unused]] const auto addOut = [&](bool isOut, Value value) {
+      if (isOut) {
+        answer.outs.emplace_back(outs.at(answer.outs.size()).name, std::move(value));
+      }
+    };
+    (addOut(kIsOut<Args>, ToValue(std::get<At>(holders))), ...);
+    return answer;
+  }
+};
+
+/// A row for an operation of the interface: kinds and directions come from its signature.
+template <class Class, class Result, class... Args>
+Operation Row(const char* name, Result (Class::*operation)(Args...),
+              const typename RowMaker<Result, Args...>::Names& names = {}) {
+  return RowMaker<Result, Args...>::Make(name, names, [operation](const Target& target, Args... args) {
+    return (target.interface->*operation)(static_cast<Args>(args)...);
+  });
+}
+
+template <class Function>
+struct TextFunction;
+
+template <class Result, class... Args>
+struct TextFunction<Result (*)(Args...)> {
+  /// A row for an exported text function, which is looked for in the loaded libraries when it is called.
+  static Operation Row(const std::string& name, const typename RowMaker<Result, Args...>::Names& names) {
+    Operation row = RowMaker<Result, Args...>::Make(name, names, [](const Target& target, Args... args) {
+      return reinterpret_cast<Result (*)(Args...)>(target.function)(static_cast<Args>(args)...);
+    });
+    row.symbol = "_ZN8NS_ASCII" + std::to_string(name.size()) + name + "E" + (LinkerName<Args>() + ...);
+    return row;
+  }
+};
+
+std::vector<Operation> MakeTable() {
+  using I = AsciiUtilInterface;
+  const Parameter text{"text"};
+  const Parameter key{"key"};
+  const Parameter value{"value"};
+  const Parameter separator{"separator", Kind::kText, false};
+  using TakesReference = TextFunction<decltype(&NS_ASCII::Trim)>;
+  using TakesValue = TextFunction<decltype(&NS_ASCII::StrToUpper)>;
+  using TakesInt = TextFunction<decltype(&NS_ASCII::Num2Str)>;
+  return {
+      Row("GetSvcName", &I::GetSvcName),
+      Row("IsValid", &I::IsValid),
+      Row("Str2Num", &I::Str2Num, {text, value, {"base"}}),
+      Row("GetTimeStamp", &I::GetTimeStamp),
+      Row("IsTransQueltEnabled", &I::IsTransQueltEnabled),
+      Row("GetAlmCfgValue", &I::GetAlmCfgValue, {value, {"key1"}, {"key2"}, {"key3"}, {"numKey"}}),
+      Row("ToUpper", &I::ToUpper, {text}),
+      Row("IsContain", &I::IsContain, {Parameter{"sub"}, text}),
+      Row("IsKeyValueAboveOne", &I::IsKeyValueAboveOne, {key, text}),
+      Row("GetKeyValue", &I::GetKeyValue, {key, text}),
+      Row("ParseListMap", &I::ParseListMap, {Parameter{"map"}, text}),
+      Row("GetMapList", &I::GetMapList, {Parameter{"map"}, {"name"}, {"items"}}),
+      Row("SplitStr", &I::SplitStr, {text, separator, {"pieces"}}),
+      Row("WriteDbgLog", &I::WriteDbgLog, {Parameter{"message"}}),
+      TakesReference::Row("Trim", {text}),
+      TakesValue::Row("StrToUpper", {text}),
+      TakesValue::Row("StrToLower", {text}),
+      TakesInt::Row("Num2Str", {Parameter{"number"}}),
+      TakesValue::Row("GetURLEncoding", {text}),
+      TakesValue::Row("GetURLDecoding", {text}),
+      TakesValue::Row("SetURLDecoding", {text}),
+      TakesValue::Row("utf8toiso8859", {text}),
+  };
+}
+
+const char* KindName(Kind kind) {
+  constexpr std::array<const char*, 5> kNames{"truth", "integer", "text", "list", "map"};
+  return kNames.at(static_cast<std::size_t>(kind));
+}
+
+}  // namespace
+
+const std::vector<Operation>& Operations() {
+  static const std::vector<Operation> table = MakeTable();
+  return table;
+}
+
+const Operation& FindOperation(const std::string& name) {
+  for (const Operation& operation : Operations()) {
+    if (operation.name == name) {
+      return operation;
+    }
+  }
+  throw UsageError("no operation '" + name + "'" + DidYouMean(name, OperationNames()));
+}
+
+std::vector<std::string> OperationNames() {
+  std::vector<std::string> names;
+  for (const Operation& operation : Operations()) {
+    names.push_back(operation.name);
+  }
+  return names;
+}
+
+std::string Synopsis(const Operation& operation) {
+  std::string text = operation.name;
+  for (const Parameter& parameter : operation.in) {
+    text += " " + parameter.name + ":" + KindName(parameter.kind);
+  }
+  text += std::string(" -> ") + KindName(operation.result);
+  for (const Parameter& parameter : operation.out) {
+    text += ", " + parameter.name + ":" + KindName(parameter.kind);
+  }
+  return text;
+}
+
+std::vector<Value> ParseArguments(const Operation& operation, const std::vector<std::string>& arguments) {
+  if (arguments.size() != operation.in.size()) {
+    throw UsageError(operation.name + " takes " + std::to_string(operation.in.size()) + " arguments, not " +
+                     std::to_string(arguments.size()) + ": " + Synopsis(operation));
+  }
+  std::vector<Value> values;
+  for (std::size_t at = 0; at < arguments.size(); ++at) {
+    try {
+      values.push_back(ParseValue(operation.in[at], arguments[at]));
+    } catch (const UsageError& error) {
+      throw UsageError(operation.name + ": argument " + std::to_string(at + 1) + ", " + error.what());
+    }
+  }
+  return values;
+}
+
+}  // namespace host

@@ -1,0 +1,48 @@
+#include "host/script.h"
+
+#include <cerrno>
+#include <fstream>
+#include <iostream>
+#include <system_error>
+
+#include "host/command.h"
+#include "host/problem.h"
+
+namespace host {
+
+void RunLine(Session& session, const std::string& line) {
+  const Words words = SplitWords(line);
+  if (!words.empty()) {
+    RunCommand(session, words);
+  }
+}
+
+void RunScript(Session& session, std::istream& input, const std::string& name) {
+  int number = 0;
+  for (std::string line; !session.leave && std::getline(input, line);) {
+    ++number;
+    try {
+      RunLine(session, line);
+      session.out.flush();
+    } catch (const std::exception& problem) {
+      throw Failure(name + ":" + std::to_string(number) + ": " + problem.what());
+    }
+  }
+  if (input.bad()) {
+    throw Failure(name + ": cannot be read");
+  }
+}
+
+void RunScriptFile(Session& session, const std::string& file) {
+  if (file == "-") {
+    RunScript(session, std::cin, "stdin");
+    return;
+  }
+  std::ifstream stream(file);
+  if (!stream) {
+    throw Failure(file + ": cannot be opened: " + std::generic_category().message(errno));
+  }
+  RunScript(session, stream, file);
+}
+
+}  // namespace host

@@ -1,0 +1,23 @@
+#ifndef HOST_SCRIPT_H_
+#define HOST_SCRIPT_H_
+
+#include <iosfwd>
+#include <string>
+
+#include "host/session.h"
+
+namespace host {
+
+/// Runs one command line; nothing happens for an empty one. Throws as `RunCommand` does.
+void RunLine(Session& session, const std::string& line);
+
+/// Runs commands, one a line, until the end, `quit` or the first one that goes wrong; for that one throws `Failure` with
+/// "NAME:LINE: message". `name` stands for the input in messages. A line may be of any length.
+void RunScript(Session& session, std::istream& input, const std::string& name);
+
+/// The same with a file, "-" for standard input. Throws `Failure` when it cannot be opened.
+void RunScriptFile(Session& session, const std::string& file);
+
+}  // namespace host
+
+#endif  // HOST_SCRIPT_H_

@@ -1,0 +1,15 @@
+#ifndef HOST_SUGGEST_H_
+#define HOST_SUGGEST_H_
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// "; did you mean NAME?" for the name most like `word`, letter case aside; empty when none is like it: at most
+/// a third of its letters, and at least one, may have to be changed, added, dropped or swapped with the next.
+std::string DidYouMean(const std::string& word, const std::vector<std::string>& names);
+
+}  // namespace host
+
+#endif  // HOST_SUGGEST_H_

@@ -1,0 +1,42 @@
+#include "host/words.h"
+
+#include "host/problem.h"
+
+namespace host {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r";
+constexpr std::string_view kEndsPiece = " \t\r'\"";
+
+/// Appends the word at `at` to `word` and returns the position behind it.
+std::size_t TakeWord(std::string_view line, std::size_t at, std::string& word) {
+  while (at < line.size() && kBlanks.find(line[at]) == std::string_view::npos) {
+    const bool quoted = line[at] == '\'' || line[at] == '"';
+    const std::size_t start = quoted ? at + 1 : at;
+    std::size_t end = quoted ? line.find(line[at], start) : line.find_first_of(kEndsPiece, start);
+    if (end == std::string_view::npos) {
+      if (quoted) {
+        throw UsageError("column " + std::to_string(at + 1) + ": the quote " + line[at] + " is not closed");
+      }
+      end = line.size();
+    }
+    word += line.substr(start, end - start);
+    at = quoted ? end + 1 : end;
+  }
+  return at;
+}
+
+}  // namespace
+
+Words SplitWords(std::string_view line) {
+  Words words;
+  for (std::size_t at = 0;;) {
+    at = line.find_first_not_of(kBlanks, at);
+    if (at == std::string_view::npos || line[at] == '#') {
+      return words;
+    }
+    at = TakeWord(line, at, words.emplace_back());
+  }
+}
+
+}  // namespace host
