@@ -1,6 +1,6 @@
 #include "host/loader.h"
 
-#include <ace/ACE.h>
+#include <ace/DLL_Manager.h>
 #include <ace/Service_Config.h>
 #include <ace/Service_Repository.h>
 #include <ace/Service_Types.h>
@@ -102,6 +102,9 @@ std::string WithReason(const std::string& problem, const std::string& reason) {
 }
 
 }  // namespace
+
+// ACE's default policy leaves the choice to each library, and takes one that makes none for lazy.
+Loader::Loader() { ACE_DLL_Manager::instance()->unload_policy(ACE_DLL_UNLOAD_POLICY_PER_PROCESS); }
 
 Loader::~Loader() {
   while (!bundles_.empty()) {

@@ -36,7 +36,8 @@ struct UnloadReport {
 /// nothing. Threads: one at a time.
 class Loader {
  public:
-  Loader() = default;
+  /// From here on ACE unmaps a library as soon as nobody uses it.
+  Loader();
   Loader(const Loader&) = delete;
   Loader& operator=(const Loader&) = delete;
 
