@@ -94,6 +94,21 @@ TEST(AlarmTable, TellsKeysOfOneHashApart) {
   EXPECT_GT(collisions, 0);
 }
 
+// Looked for by the hash of the stored key, as if two such keys had the same one.
+TEST(AlarmTable, TellsFieldsApartWhereTheirTextsAndHashesAreTheSame) {
+  AlarmTable table;
+  table.Insert({"ab", "c", "d", "1"}, "value");
+  NS_ASCII::TextHash hash;
+  for (const char* const field : {"ab", "c", "d", "1"}) {
+    hash.Add(field);
+  }
+  std::size_t slot = 0;
+  EXPECT_NE(table.Locate(*table.array_, {"ab", "c", "d", "1"}, hash.value(), slot), 0U);
+  EXPECT_EQ(table.Locate(*table.array_, {"a", "bc", "d", "1"}, hash.value(), slot), 0U);
+  EXPECT_EQ(table.Locate(*table.array_, {"ab", "cd", "", "1"}, hash.value(), slot), 0U);
+  EXPECT_EQ(table.Locate(*table.array_, {"ab", "c", "d1", ""}, hash.value(), slot), 0U);
+}
+
 TEST(AlarmTable, ComparesBytesCaseAndBlanksIncluded) {
   AlarmTable table;
   table.Insert({"A", "b", "c", "7"}, "1");
