@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 #include "src/almconfig.h"
@@ -16,6 +17,10 @@ using Records = std::vector<NS_ASCII::AlarmConfigRecord>;
 /// The four key fields of a record. They look into it.
 inline NS_ASCII::AlarmKey KeyOf(const NS_ASCII::AlarmConfigRecord& record) {
   return {record.key1, record.key2, record.key3, record.numKey};
+}
+
+inline bool IsSameKey(const NS_ASCII::AlarmKey& a, const NS_ASCII::AlarmKey& b) {
+  return std::tie(a.key1, a.key2, a.key3, a.numKey) == std::tie(b.key1, b.key2, b.key3, b.numKey);
 }
 
 /// The bundle's decision on one line after the other, as a load makes it. Nothing is decided here.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <tuple>
 #include <utility>
 
 #include "tools/almcfg/progress.h"
@@ -14,10 +13,6 @@ using NS_ASCII::AlarmKey;
 using NS_ASCII::LineFate;
 
 constexpr LineNumber kProgressLines = 4096;
-
-bool IsSameKey(const AlarmKey& a, const AlarmKey& b) {
-  return std::tie(a.key1, a.key2, a.key3, a.numKey) == std::tie(b.key1, b.key2, b.key3, b.numKey);
-}
 
 bool HasKey(const Records& records, const AlarmKey& key) {
   return std::any_of(records.begin(), records.end(),

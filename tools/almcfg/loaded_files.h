@@ -56,6 +56,9 @@ class LineObserver {
 /// Threads: one.
 class LoadedFiles {
  public:
+  /// The number of a line among those of all files, from 1.
+  using LineId = KeyIndex::LineId;
+
   /// Records go to `table`; without one they are only counted and indexed.
   LoadedFiles(LineObserver& observer, Progress& progress, NS_ASCII::Alarm_Config_Param* table = nullptr);
   LoadedFiles(const LoadedFiles&) = delete;
@@ -79,13 +82,12 @@ class LoadedFiles {
   /// Visits every stored line in order with what it stands for, whether a later line replaced it or not.
   void ForEachLine(const std::function<void(Place, const Records&)>& visit) const;
 
+  [[nodiscard]] LineId IdOf(Place place) const;
+
   /// What a stored line stands for. Valid until the next call.
   const Records& RecordsOf(Place place) const;
 
  private:
-  using LineId = KeyIndex::LineId;
-
-  [[nodiscard]] LineId IdOf(Place place) const;
   [[nodiscard]] Place PlaceOf(LineId id) const;
   const Records& RecordsOfId(LineId id) const;
   void TakeLine(const SourceText& text, LineNumber number);

@@ -54,21 +54,27 @@ void AddCommon(CLI::App& app, Options& options, const Formats& formats, const st
   AddChoice(app, "--color", options.color, kColors, "Colors in text; auto: on a terminal (default)");
 }
 
-/// A negative number at the end would be taken for an option; it is put behind a "--" of its own.
-void ProtectNegativeNumber(std::vector<std::string>& arguments) {
-  const bool isLookup = std::find(arguments.begin(), arguments.end(), "lookup") != arguments.end();
-  const bool isProtected = std::find(arguments.begin(), arguments.end(), "--") != arguments.end();
-  if (!isLookup || isProtected || arguments.back().size() < 2 || arguments.back()[0] != '-' ||
-      arguments.back().find_first_not_of("0123456789", 1) != std::string::npos) {
-    return;
+/// Takes off what must not be taken for options: everything behind a "--", or a negative number at the end of
+/// a lookup. Returns it.
+std::vector<std::string> TakePlainArguments(std::vector<std::string>& arguments) {
+  auto first = std::find(arguments.begin(), arguments.end(), "--");
+  const auto behind = first == arguments.end() ? first : first + 1;
+  std::vector<std::string> plain(behind, arguments.end());
+  if (first == arguments.end() && !arguments.empty() && arguments.front() == "lookup") {
+    const std::string& last = arguments.back();
+    if (last.size() > 1 && last[0] == '-' && last.find_first_not_of("0123456789", 1) == std::string::npos) {
+      plain.push_back(last);
+      --first;
+    }
   }
-  arguments.insert(arguments.end() - 1, "--");
+  arguments.erase(first, arguments.end());
+  return plain;
 }
 
 /// The last four of what was given to `lookup` are the key.
 void TakeKey(Options& options) {
   if (options.files.size() <= kKeyParts) {
-    throw CLI::ValidationError("lookup", "needs FILE... KEY1 KEY2 KEY3 NUMBER");
+    throw CLI::ValidationError("lookup", "it needs FILE... KEY1 KEY2 KEY3 NUMBER");
   }
   const std::string number = options.files.back();
   const char* const end = number.data() + number.size();
@@ -84,7 +90,17 @@ void TakeKey(Options& options) {
   options.files.erase(keys, options.files.end());
 }
 
-void RefuseSecondStdin(const Options& options) {
+/// What can only be said once all arguments are known.
+void Complete(Options& options) {
+  if (options.command == Command::kLookup) {
+    TakeKey(options);
+  }
+  if (options.command == Command::kDiff && options.files.size() != 2) {
+    throw CLI::ValidationError("diff", "it needs two files, RUNNING and NEW");
+  }
+  if (options.files.empty()) {
+    throw CLI::ValidationError("FILE", "at least one is needed");
+  }
   if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
     throw CLI::ValidationError("FILE", "standard input (-) can be read only once");
   }
@@ -95,7 +111,7 @@ void AddCheck(CLI::App& app, Options& options) {
       app.add_subcommand("check", "Report everything that is wrong or odd about each file");
   check->add_flag("--strict", options.strict, "Warnings count as findings too");
   AddCommon(*check, options, kCheckFormats, "How to report (default: text)");
-  check->add_option("FILE", options.files, kFileHelp)->required();
+  check->add_option("FILE", options.files, kFileHelp);
   check->footer(kExitHelp);
   check->callback([&options] { options.command = Command::kCheck; });
 }
@@ -105,7 +121,7 @@ void AddShow(CLI::App& app, Options& options) {
       app.add_subcommand("show", "Show the table in force after loading the files in this order");
   show->add_flag("--sort", options.sorted, "In the table's order, not in the files'");
   AddCommon(*show, options, kShowFormats, "How to show it (default: tsv)");
-  show->add_option("FILE", options.files, kFileHelp)->required();
+  show->add_option("FILE", options.files, kFileHelp);
   show->footer("Exit status: 0 shown, 1 shown, but a line never lets a load end, 2 could not run.");
   show->callback([&options] { options.command = Command::kShow; });
 }
@@ -114,25 +130,20 @@ void AddLookup(CLI::App& app, Options& options) {
   CLI::App* const lookup =
       app.add_subcommand("lookup", "Say what GetAlmCfgValue answers for a key, and which line serves it");
   AddCommon(*lookup, options, kAnswerFormats, "How to answer (default: text)");
-  lookup->add_option("FILE", options.files, std::string(kFileHelp) + "; then KEY1 KEY2 KEY3 NUMBER")
-      ->required();
+  lookup->add_option("FILE", options.files, std::string(kFileHelp) + "; then KEY1 KEY2 KEY3 NUMBER");
   lookup->footer(
       "A key that starts with \"-\" goes behind \"--\": almcfg lookup FILE -- KEY1 KEY2 KEY3 NUMBER\n"
       "Exit status: 0 a line serves the key with an integer, 1 it does not, 2 could not run.");
-  lookup->callback([&options] {
-    options.command = Command::kLookup;
-    TakeKey(options);
-  });
+  lookup->callback([&options] { options.command = Command::kLookup; });
 }
 
 void AddDiff(CLI::App& app, Options& options) {
   CLI::App* const diff =
       app.add_subcommand("diff", "Say what a reload changes in a running process, and what a restart");
   AddCommon(*diff, options, kAnswerFormats, "How to report (default: text)");
-  diff->add_option("FILE", options.files,
-                   "RUNNING and NEW: what the process has loaded, and what it will load; - is standard input")
-      ->required()
-      ->expected(2);
+  diff->add_option(
+      "FILE", options.files,
+      "RUNNING and NEW: what the process has loaded, and what it will load; - is standard input");
   diff->footer("Exit status: 0 no difference, 1 differences, 2 could not run.");
   diff->callback([&options] { options.command = Command::kDiff; });
 }
@@ -151,12 +162,11 @@ Parsed ParseArguments(std::vector<std::string> arguments) {
   AddLookup(app, options);
   AddDiff(app, options);
   try {
-    if (!arguments.empty()) {
-      ProtectNegativeNumber(arguments);
-    }
+    const std::vector<std::string> plain = TakePlainArguments(arguments);
     std::reverse(arguments.begin(), arguments.end());  // CLI11 takes them from the end.
     app.parse(std::move(arguments));
-    RefuseSecondStdin(options);
+    options.files.insert(options.files.end(), plain.begin(), plain.end());
+    Complete(options);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {
       return {std::nullopt, app.exit(error)};

@@ -152,6 +152,14 @@ std::string Printable(std::string_view text) {
   return shown;
 }
 
+std::string Marked(std::string_view text) {
+  std::string shown;
+  for (const Glyph& glyph : Glyphs(text, Blanks::kAtEdges)) {
+    shown += glyph.shown;
+  }
+  return shown;
+}
+
 std::string Quoted(std::string_view text) {
   return '"' + Cut(Glyphs(text, Blanks::kAtEdges), kQuotedWidth) + '"';
 }

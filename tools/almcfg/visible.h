@@ -37,6 +37,9 @@ std::size_t CharacterCount(std::string_view text);
 /// The text with everything that does not print escaped; blanks stay.
 std::string Printable(std::string_view text);
 
+/// The text with everything that is easily overlooked marked, TAB, CR and edge blanks among it.
+std::string Marked(std::string_view text);
+
 /// The same in double quotes, cut to a length that fits into a message.
 std::string Quoted(std::string_view text);
 

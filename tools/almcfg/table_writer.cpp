@@ -1,0 +1,75 @@
+#include "tools/almcfg/table_writer.h"
+
+#include <ostream>
+
+#include "tools/almcfg/json_text.h"
+#include "tools/almcfg/visible.h"
+
+namespace almcfg {
+namespace {
+
+class TsvWriter : public TableWriter {
+ public:
+  TsvWriter(std::ostream& out, bool isTerminal) : out_(out), isTerminal_(isTerminal) {
+    out_ << "#key1\tkey2\tkey3\tnumber\tvalue\tsource\n";
+  }
+
+  void Write(const Entry& entry) override {
+    for (const std::string_view column :
+         {entry.key.key1, entry.key.key2, entry.key.key3, entry.key.numKey, entry.value}) {
+      if (isTerminal_) {
+        out_ << Printable(column) << '\t';
+      } else {
+        out_ << column << '\t';
+      }
+    }
+    out_ << Shown(entry.place) << '\n';
+  }
+
+  void End(const LoadedFiles& /*files*/) override {}
+
+ private:
+  std::ostream& out_;
+  bool isTerminal_;
+};
+
+class JsonWriter : public TableWriter {
+ public:
+  explicit JsonWriter(std::ostream& out) : out_(out) { out_ << "{\"records\":["; }
+
+  void Write(const Entry& entry) override {
+    Json json;
+    SetText(json, "key1", entry.key.key1);
+    SetText(json, "key2", entry.key.key2);
+    SetText(json, "key3", entry.key.key3);
+    SetText(json, "number", entry.key.numKey);
+    SetText(json, "value", entry.value);
+    SetText(json, "file", entry.place.text->name());
+    json["line"] = entry.place.line;
+    out_ << (first_ ? "\n" : ",\n") << Dump(json);
+    first_ = false;
+  }
+
+  void End(const LoadedFiles& files) override {
+    Json endless = nullptr;
+    if (const Place place = files.endlessLine()) {
+      SetText(endless, "file", place.text->name());
+      endless["line"] = place.line;
+    }
+    out_ << "\n],\n\"endlessLine\":" << Dump(endless) << "}\n";
+  }
+
+ private:
+  std::ostream& out_;
+  bool first_ = true;
+};
+
+}  // namespace
+
+std::unique_ptr<TableWriter> MakeTsvWriter(std::ostream& out, bool isTerminal) {
+  return std::make_unique<TsvWriter>(out, isTerminal);
+}
+
+std::unique_ptr<TableWriter> MakeJsonWriter(std::ostream& out) { return std::make_unique<JsonWriter>(out); }
+
+}  // namespace almcfg
