@@ -1,11 +1,16 @@
 #include "src/logmgr.h"
 
 #include <ace/Guard_T.h>
+#include <ace/Log_Category.h>
+#include <ace/Log_Msg.h>
 #include <ace/Recursive_Thread_Mutex.h>
 #include <ace/Static_Object_Lock.h>
+#include <ace/Thread.h>
 #include <ace/Thread_Mutex.h>
 
+#include <cerrno>
 #include <map>
+#include <memory>
 #include <new>
 
 #include "src/logmsg.h"
@@ -19,6 +24,16 @@ using NS_LOG_SERVICE1::PosForDbg;
 std::atomic<LogMgr*> theLogMgr{nullptr};
 
 alignas(LogMgr) unsigned char logMgrPlace[sizeof(LogMgr)];
+
+/// ACE's storage has a message of its own for this, but under which line is up to the compiler. Whoever
+/// watches the log knows it by this one.
+void ReportFailedSlot() {
+  const int error = ACE_Log_Msg::last_error_adapter();
+  if (ACE_Log_Category_TSS* const log = ACE_Log_Category::ace_lib().per_thr_obj(); log != nullptr) {
+    log->conditional_set("logmgr", 90, -1, error);
+    log->log(LM_ERROR, "%p\n", "Error: ACE_Thread::setspecific() failed!");
+  }
+}
 
 }  // namespace
 
@@ -47,19 +62,49 @@ namespace {
 ModuleState moduleState;
 }  // namespace
 
-PosForDbg* PosStorage::Record() const {
+PosStorage::~PosStorage() { Close(); }
+
+PosForDbg* PosStorage::Record() {
   // The key's number may belong to somebody else by now.
-  return closed_.load(std::memory_order_acquire) ? nullptr : ts_get();
+  if (closed_.load(std::memory_order_acquire) || !HasKey()) {
+    return nullptr;
+  }
+  if (PosForDbg* const record = ts_value(); record != nullptr) {
+    return record;
+  }
+  std::unique_ptr<PosForDbg> record(new (std::nothrow) PosForDbg);
+  if (record == nullptr) {
+    errno = ENOMEM;
+    return nullptr;
+  }
+  return Store(record.get()) ? record.release() : nullptr;
+}
+
+bool PosStorage::HasKey() {
+  // Acquire: pairs with the release below, behind which the key does not change.
+  if (!hasKey_.load(std::memory_order_acquire)) {
+    if (ts_init() != 0 || !once_) {
+      return false;
+    }
+    hasKey_.store(true, std::memory_order_release);
+  }
+  return true;
+}
+
+bool PosStorage::Store(PosForDbg* record) const {
+  if (ACE_Thread::setspecific(key_, record) == 0) {
+    return true;
+  }
+  ReportFailedSlot();
+  return false;
 }
 
 void PosStorage::Close() {
-  closed_.store(true, std::memory_order_release);
-  if (!once_) {
+  if (closed_.exchange(true, std::memory_order_acq_rel) || !once_) {
     return;
   }
-  PosForDbg* const record = ts_value();
-  ts_value(nullptr);
-  delete record;
+  const std::unique_ptr<PosForDbg> record(ts_value());
+  static_cast<void>(Store(nullptr));
   ACE_OS::thr_key_detach(key_);
   ACE_OS::thr_keyfree(key_);
   once_ = false;  // So the storage's own destructor has no key to free.

@@ -18,15 +18,23 @@ namespace NS_ASCII {
 /// and `Close` gives it back.
 class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
  public:
+  PosStorage() = default;
+  ~PosStorage();
+
   /// The calling thread's record; null when it cannot be made or stored (the latter is reported to ACE's
   /// error log), or the storage is closed.
-  NS_LOG_SERVICE1::PosForDbg* Record() const;
+  NS_LOG_SERVICE1::PosForDbg* Record();
 
   /// Frees the thread key and the calling thread's record. Records of other threads stay allocated: with the
-  /// key gone nobody can reach them. To be called once, while no other thread is in this library.
+  /// key gone nobody can reach them. To be called while no other thread is in this library; a second call
+  /// does nothing.
   void Close();
 
  private:
+  bool HasKey();
+  [[nodiscard]] bool Store(NS_LOG_SERVICE1::PosForDbg* record) const;
+
+  std::atomic<bool> hasKey_{false};  // The base's own flag is read without its lock, so it is not asked.
   std::atomic<bool> closed_{false};
 };
 
