@@ -1,0 +1,370 @@
+#include "src/logmgr.h"
+
+#include <ace/Log_Category.h>
+#include <ace/Log_Msg.h>
+#include <ace/Log_Msg_Callback.h>
+#include <ace/Log_Record.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/recording_fixture.h"
+
+namespace {
+
+std::atomic<const void*> watched{nullptr};  ///< the piece of memory whose end is of interest
+std::atomic<int> watchedFreed{0};
+std::atomic<bool> aceLocksFail{false};
+
+void NoteFreed(const void* piece) noexcept {
+  if (piece != nullptr && piece == watched.load()) {
+    watched = nullptr;
+    ++watchedFreed;
+  }
+}
+
+}  // namespace
+
+// The linker sends ACE's mutex locking here (--wrap), so that a test can make it fail.
+extern "C" int __real__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(pthread_mutex_t*);
+extern "C" int __wrap__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(pthread_mutex_t* mutex) {
+  return aceLocksFail ? -1 : __real__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(mutex);
+}
+
+// Kept out of line: the compiler would otherwise take an inlined pair for a mismatched one.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+  if (void* const piece = std::malloc(size); piece != nullptr) {
+    return piece;
+  }
+  throw std::bad_alloc();
+}
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return std::malloc(size);
+}
+[[gnu::noinline]] void operator delete(void* piece) noexcept {
+  NoteFreed(piece);
+  std::free(piece);
+}
+[[gnu::noinline]] void operator delete(void* piece, std::size_t) noexcept {
+  NoteFreed(piece);
+  std::free(piece);
+}
+
+namespace {
+
+using NS_ASCII::LogMgr;
+using NS_ASCII::PosStorage;
+using NS_LOG_SERVICE1::PosForDbg;
+using recording::Message;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+
+constexpr int kMoreThanAllKeys = 1100;  // A process has 1,024.
+
+class LogMgrTest : public recording::FrameworkTest {
+ protected:
+  LogMgrTest() {
+    framework.logger = [this] { return lastLogger = new recording::Logger; };
+  }
+  // The log manager owns the logger it was given.
+  ~LogMgrTest() override {
+    aceLocksFail = false;
+    LogMgr::Release();
+  }
+
+  recording::Logger* lastLogger = nullptr;
+};
+
+class PosStorageTest : public LogMgrTest {};
+
+/// Runs `work` on a thread of its own and waits for it.
+template <class Work>
+void OnAnotherThread(Work work) {
+  std::thread(work).join();
+}
+
+// --- Instance, LogPos, Release
+// -------------------------------------------------------------------------------
+
+TEST_F(LogMgrTest, ObtainsALoggerOfItsOwnWhenItIsMade) {
+  LogMgr* const manager = LogMgr::Instance();
+  ASSERT_NE(manager, nullptr);
+  EXPECT_THAT(framework.Calls(), ElementsAre(R"(CheckIFBuf("LogSvcInterface"))",
+                                             R"(GetLogger("ii_ascii_bundle", "QueltAni", "corbaoper"))"));
+  framework.ForgetCalls();
+  EXPECT_EQ(LogMgr::Instance(), manager);
+  EXPECT_THAT(framework.Calls(), IsEmpty());
+}
+
+TEST_F(LogMgrTest, LogsAtLevelZeroWithAnEmptyPosition) {
+  LogMgr::Instance()->LogPos("x");
+  EXPECT_THAT(framework.Messages(), ElementsAre(Message{"", "", 0, 0, "x", {}}));
+}
+
+TEST_F(LogMgrTest, LogsThePositionOfTheCallingThread) {
+  PosForDbg* const mine = LogMgr::Instance()->storage_.Record();
+  mine->file = "file";
+  mine->func = "func";
+  mine->line = 12;
+  LogMgr::Instance()->LogPos("here");
+  OnAnotherThread([] { LogMgr::Instance()->LogPos("there"); });
+  EXPECT_THAT(framework.Messages(),
+              ElementsAre(Message{"file", "func", 12, 0, "here", {}}, Message{"", "", 0, 0, "there", {}}));
+}
+
+TEST_F(LogMgrTest, DropsMessagesWhenItGotNoLogger) {
+  framework.logger = [] { return nullptr; };
+  ASSERT_NE(LogMgr::Instance(), nullptr);
+  LogMgr::Instance()->LogPos("dropped");
+  EXPECT_THAT(framework.Messages(), IsEmpty());
+}
+
+// Unlike the message path it does not ask again.
+TEST_F(LogMgrTest, StaysWithoutALoggerWhenTheLogServiceComesLater) {
+  framework.Unregister("LogSvcInterface");
+  LogMgr::Instance();
+  recording::LogService service;
+  framework.Register("LogSvcInterface", &service);
+  framework.ForgetCalls();
+  LogMgr::Instance()->LogPos("dropped");
+  EXPECT_THAT(framework.Calls(), IsEmpty());
+}
+
+TEST_F(LogMgrTest, LetsWhatTheLoggerThrowsReachTheCaller) {
+  framework.On("Log", [] { throw std::runtime_error("logger"); });
+  EXPECT_THROW(LogMgr::Instance()->LogPos("x"), std::runtime_error);
+}
+
+TEST_F(LogMgrTest, IsOneForThreadsThatStartTogether) {
+  std::vector<LogMgr*> seen(4);
+  std::vector<std::thread> threads;
+  for (LogMgr*& manager : seen) {
+    threads.emplace_back([&manager] {
+      manager = LogMgr::Instance();
+      manager->LogPos("x");
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_THAT(seen, ::testing::Each(LogMgr::Instance()));
+  EXPECT_THAT(framework.Messages(), SizeIs(4));
+}
+
+TEST_F(LogMgrTest, InstanceIsNullWhenTheStaticObjectLockCannotBeTaken) {
+  aceLocksFail = true;
+  EXPECT_EQ(LogMgr::Instance(), nullptr);
+  EXPECT_THAT(framework.Calls(), IsEmpty());
+  aceLocksFail = false;
+  EXPECT_NE(LogMgr::Instance(), nullptr);
+}
+
+TEST_F(LogMgrTest, ReleaseDestroysTheLoggerAndTheNextInstanceIsNew) {
+  LogMgr::Instance()->LogPos("first");
+  framework.ForgetCalls();
+  LogMgr::Release();
+  EXPECT_THAT(framework.Calls(), ElementsAre("~Logger()"));
+  LogMgr::Release();
+  EXPECT_THAT(framework.Calls(), SizeIs(1));
+  framework.ForgetCalls();
+  LogMgr::Instance()->LogPos("second");
+  EXPECT_THAT(framework.Calls(), ElementsAre(R"(CheckIFBuf("LogSvcInterface"))",
+                                             R"(GetLogger("ii_ascii_bundle", "QueltAni", "corbaoper"))",
+                                             R"(Log("", "", 0, 0, "second"))"));
+}
+
+TEST_F(LogMgrTest, ReleaseWithoutALogManagerDoesNothing) {
+  LogMgr::Release();
+  EXPECT_THAT(framework.Calls(), IsEmpty());
+}
+
+TEST_F(LogMgrTest, ReleaseDoesNothingWhenTheStaticObjectLockCannotBeTaken) {
+  LogMgr* const manager = LogMgr::Instance();
+  framework.ForgetCalls();
+  aceLocksFail = true;
+  LogMgr::Release();
+  aceLocksFail = false;
+  EXPECT_THAT(framework.Calls(), IsEmpty());
+  EXPECT_EQ(LogMgr::Instance(), manager);
+}
+
+TEST_F(LogMgrTest, ReleaseDestroysTheCallingThreadsRecord) {
+  watched = LogMgr::Instance()->storage_.Record();
+  watchedFreed = 0;
+  LogMgr::Release();
+  EXPECT_EQ(watchedFreed, 1);
+}
+
+TEST_F(LogMgrTest, ReleaseGivesTheThreadKeyBack) {
+  for (int i = 0; i < kMoreThanAllKeys; ++i) {
+    framework.ForgetCalls();
+    LogMgr::Instance()->LogPos("x");
+    ASSERT_THAT(framework.Messages(), SizeIs(1)) << i;
+    LogMgr::Release();
+  }
+}
+
+// --- The records
+// ---------------------------------------------------------------------------------------------
+
+TEST_F(PosStorageTest, MakesAnEmptyRecordAndKeepsIt) {
+  PosStorage storage;
+  PosForDbg* const record = storage.Record();
+  ASSERT_NE(record, nullptr);
+  EXPECT_EQ(record->file, "");
+  EXPECT_EQ(record->func, "");
+  EXPECT_EQ(record->line, 0);
+  EXPECT_EQ(storage.Record(), record);
+}
+
+TEST_F(PosStorageTest, GivesEachThreadARecordOfItsOwn) {
+  PosStorage storage;
+  PosForDbg* const mine = storage.Record();
+  OnAnotherThread([&] {
+    EXPECT_NE(storage.Record(), nullptr);
+    EXPECT_NE(storage.Record(), mine);
+    EXPECT_EQ(storage.Record(), storage.Record());
+  });
+}
+
+TEST_F(PosStorageTest, DestroysAThreadsRecordWhenTheThreadEnds) {
+  PosStorage storage;
+  PosForDbg* const mine = storage.Record();
+  watchedFreed = 0;
+  OnAnotherThread([&] {
+    PosForDbg* const record = storage.Record();
+    record->file = std::string(100, 'x');  // A leak checker sees it when it is freed without its destructor.
+    watched = record;
+    EXPECT_EQ(watchedFreed, 0);
+  });
+  EXPECT_EQ(watchedFreed, 1);
+  EXPECT_EQ(storage.Record(), mine);
+}
+
+TEST_F(PosStorageTest, CloseFreesTheKeyAndTheCallingThreadsRecordAndEndsTheAccess) {
+  for (int i = 0; i < kMoreThanAllKeys; ++i) {
+    auto storage = std::make_unique<PosStorage>();
+    watched = storage->Record();
+    ASSERT_NE(watched.load(), nullptr) << i;
+    watchedFreed = 0;
+    storage->Close();
+    ASSERT_EQ(watchedFreed, 1);
+    ASSERT_EQ(storage->Record(), nullptr);
+  }
+}
+
+TEST_F(PosStorageTest, CloseOfAnUnusedStorageEndsTheAccess) {
+  PosStorage storage;
+  storage.Close();
+  EXPECT_EQ(storage.Record(), nullptr);
+}
+
+/// All thread keys that are left, taken away for as long as this lives.
+class AllKeys {
+ public:
+  AllKeys() {
+    pthread_key_t key;
+    while (pthread_key_create(&key, nullptr) == 0) {
+      keys_.push_back(key);
+    }
+  }
+  ~AllKeys() {
+    for (const pthread_key_t key : keys_) {
+      pthread_key_delete(key);
+    }
+  }
+  AllKeys(const AllKeys&) = delete;
+  AllKeys& operator=(const AllKeys&) = delete;
+
+ private:
+  std::vector<pthread_key_t> keys_;
+};
+
+TEST_F(PosStorageTest, HasNoRecordWithoutAThreadKeyAndTriesAgain) {
+  LogMgr* const manager = LogMgr::Instance();
+  {
+    const AllKeys none;
+    EXPECT_EQ(manager->storage_.Record(), nullptr);
+    manager->LogPos("dropped");
+    EXPECT_THAT(framework.Messages(), IsEmpty());
+  }
+  manager->LogPos("sent");
+  EXPECT_THAT(framework.Messages(), SizeIs(1));
+}
+
+// --- The report of a failed thread slot
+// ----------------------------------------------------------------------
+
+/// What this thread tells ACE's error log while it lives.
+class AceLog : public ACE_Log_Msg_Callback {
+ public:
+  struct Entry {
+    std::string file;
+    int line;
+    ACE_Log_Priority priority;
+    std::string text;
+  };
+
+  AceLog() : flags_(ACE_LOG_MSG->flags()) {
+    // Makes the keys that ACE itself needs, so that it does not take one that a test has taken away.
+    ACE_Log_Category::ace_lib().per_thr_obj();
+    ACE_LOG_MSG->clr_flags(ACE_Log_Msg::STDERR);
+    ACE_LOG_MSG->set_flags(ACE_Log_Msg::MSG_CALLBACK);
+    ACE_LOG_MSG->msg_callback(this);
+  }
+  ~AceLog() override {
+    ACE_LOG_MSG->msg_callback(nullptr);
+    ACE_LOG_MSG->clr_flags(ACE_Log_Msg::MSG_CALLBACK);
+    ACE_LOG_MSG->set_flags(flags_);
+  }
+  AceLog(const AceLog&) = delete;
+  AceLog& operator=(const AceLog&) = delete;
+
+  void log(ACE_Log_Record& record) override {
+    entries.push_back({ACE_LOG_MSG->file(), ACE_LOG_MSG->linenum(),
+                       static_cast<ACE_Log_Priority>(record.type()), record.msg_data()});
+  }
+
+  std::vector<Entry> entries;
+
+ private:
+  u_long flags_;
+};
+
+void ExpectSlotReport(const std::vector<AceLog::Entry>& entries) {
+  ASSERT_THAT(entries, SizeIs(1));
+  EXPECT_EQ(entries[0].file, "logmgr");
+  EXPECT_EQ(entries[0].line, 90);
+  EXPECT_EQ(entries[0].priority, LM_ERROR);
+  EXPECT_EQ(entries[0].text, "Error: ACE_Thread::setspecific() failed!: Invalid argument\n");
+}
+
+// The key is taken away behind the storage's back, which makes its slots invalid.
+TEST_F(PosStorageTest, ReportsASlotThatCannotBeStored) {
+  LogMgr* const manager = LogMgr::Instance();
+  delete manager->storage_.Record();  // Of this thread, which ACE is going to lose sight of.
+  OnAnotherThread([&] {
+    AceLog log;
+    pthread_key_delete(manager->storage_.key_);
+    watchedFreed = 0;
+    EXPECT_EQ(manager->storage_.Record(), nullptr);
+    ExpectSlotReport(log.entries);
+    log.entries.clear();
+    manager->LogPos("dropped");
+    ExpectSlotReport(log.entries);
+    EXPECT_THAT(framework.Messages(), IsEmpty());
+  });
+  const AceLog log;
+  LogMgr::Release();
+  ExpectSlotReport(log.entries);
+}
+
+}  // namespace
