@@ -1,0 +1,16 @@
+#ifndef EXAMPLES_ALARM_AGENT_SETUP_ERROR_H_
+#define EXAMPLES_ALARM_AGENT_SETUP_ERROR_H_
+
+#include <stdexcept>
+
+namespace alarm_agent {
+
+/// The agent cannot start. The message is one line: what is wrong, and what would be right. Never leaves the
+/// service object.
+class SetupError : public std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+}  // namespace alarm_agent
+
+#endif  // EXAMPLES_ALARM_AGENT_SETUP_ERROR_H_
