@@ -1,0 +1,187 @@
+#include "examples/alarm_agent/feed_reader.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <future>
+#include <optional>
+#include <thread>
+
+#include "examples/alarm_agent/setup_error.h"
+#include "tests/agent/temp_dir.h"
+
+namespace alarm_agent {
+namespace {
+
+using testing::ElementsAre;
+
+std::optional<std::string> NextText(FeedReader& reader) {
+  FeedLine line;
+  return reader.Next(line) ? std::optional(line.text) : std::nullopt;
+}
+
+std::vector<std::string> AllTexts(FeedReader& reader) {
+  std::vector<std::string> texts;
+  while (const auto text = NextText(reader)) texts.push_back(*text);
+  return texts;
+}
+
+std::vector<std::string> TextsOf(const std::string& content) {
+  const TempDir dir;
+  FeedReader reader(dir.Write("feed", content));
+  return AllTexts(reader);
+}
+
+std::string ComplaintAbout(const std::string& path) {
+  try {
+    FeedReader reader(path);
+  } catch (const SetupError& error) {
+    return error.what();
+  }
+  return "none";
+}
+
+/// A named pipe with a reader and, once asked for, a writer.
+struct Pipe {
+  TempDir dir;
+  std::string path = dir / "pipe";
+  UniqueFd writer;
+  FeedReader reader;
+
+  Pipe() : writer(Make(path)), reader(path) {}
+  void Write(const std::string& text) const {
+    ASSERT_EQ(::write(writer.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  }
+
+ private:
+  // Opened for both, so that it needs no reader to be opened and does not end.
+  static int Make(const std::string& path) {
+    EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    return ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+  }
+};
+
+TEST(FeedReader, ReadsLinesWithTheirNumbers) {
+  const TempDir dir;
+  FeedReader reader(dir.Write("feed", "a\nb\n"));
+  FeedLine line;
+  ASSERT_TRUE(reader.Next(line));
+  EXPECT_EQ(line.number, 1U);
+  EXPECT_EQ(line.text, "a");
+  ASSERT_TRUE(reader.Next(line));
+  EXPECT_EQ(line.number, 2U);
+  EXPECT_EQ(line.text, "b");
+  EXPECT_TRUE(line.isWhole);
+  EXPECT_FALSE(reader.Next(line));
+  EXPECT_FALSE(reader.Next(line));
+  EXPECT_EQ(reader.Problem(), "");
+}
+
+TEST(FeedReader, AnEmptyFeedHasNoLine) { EXPECT_THAT(TextsOf(""), ElementsAre()); }
+
+TEST(FeedReader, TheLastLineNeedsNoLineFeed) { EXPECT_THAT(TextsOf("a\nb"), ElementsAre("a", "b")); }
+
+TEST(FeedReader, AnEmptyLineIsALine) { EXPECT_THAT(TextsOf("\n\na\n\n"), ElementsAre("", "", "a", "")); }
+
+TEST(FeedReader, ACarriageReturnStaysInTheText) { EXPECT_THAT(TextsOf("a\r\n"), ElementsAre("a\r")); }
+
+TEST(FeedReader, LinesThatStraddleChunksAreWhole) {
+  std::string content;
+  for (int i = 0; i < 30'000; ++i) content += "line " + std::to_string(i) + "\n";
+  ASSERT_GT(content.size(), 4U * 65536U);
+  const std::vector<std::string> texts = TextsOf(content);
+  ASSERT_EQ(texts.size(), 30'000U);
+  for (int i = 0; i < 30'000; ++i) {
+    ASSERT_EQ(texts[static_cast<std::size_t>(i)], "line " + std::to_string(i));
+  }
+}
+
+TEST(FeedReader, ALineOverTheLimitIsCutAndMarkedAndTheNextOneIsWhole) {
+  const TempDir dir;
+  const std::string longest(FeedReader::kMaxLine, 'x');
+  FeedReader reader(
+      dir.Write("feed", longest + "\n" + longest + "y\n" + longest + longest + longest + "\nz\n"));
+  FeedLine line;
+  ASSERT_TRUE(reader.Next(line));
+  EXPECT_TRUE(line.isWhole);
+  EXPECT_EQ(line.text, longest);
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(reader.Next(line));
+    EXPECT_FALSE(line.isWhole);
+    EXPECT_EQ(line.text, longest);
+  }
+  ASSERT_TRUE(reader.Next(line));
+  EXPECT_TRUE(line.isWhole);
+  EXPECT_EQ(line.number, 4U);
+  EXPECT_EQ(line.text, "z");
+}
+
+TEST(FeedReader, AFeedThatDoesNotExistIsRefused) {
+  EXPECT_EQ(ComplaintAbout("/nowhere/feed.txt"),
+            "the feed \"/nowhere/feed.txt\" cannot be opened: No such file or directory");
+}
+
+TEST(FeedReader, ADirectoryIsRefused) {
+  const TempDir dir;
+  EXPECT_EQ(ComplaintAbout(dir / "."),
+            "the feed \"" + (dir / ".") + "\" is a directory; a file or a pipe is needed");
+}
+
+TEST(FeedReader, AFeedThatBreaksOffSaysWhy) {
+  // A process's memory can be opened, and not be read at 0, where nothing is mapped.
+  FeedReader reader("/proc/self/mem");
+  EXPECT_EQ(NextText(reader), std::nullopt);
+  EXPECT_EQ(reader.Problem(), "the feed \"/proc/self/mem\" cannot be read on: Input/output error");
+}
+
+TEST(FeedReader, AFileIsReadToItsEndThoughAnEndIsAskedFor) {
+  const TempDir dir;
+  FeedReader reader(dir.Write("feed", "a\nb\nc\n"));
+  EXPECT_EQ(NextText(reader), "a");
+  reader.Finish();
+  EXPECT_THAT(AllTexts(reader), ElementsAre("b", "c"));
+}
+
+TEST(FeedReader, WhatAPipeHoldsIsStillReadWhenAnEndIsAskedForAndNothingIsWaitedFor) {
+  Pipe pipe;
+  pipe.Write("a\nb\nhalf");
+  pipe.reader.Finish();
+  EXPECT_THAT(AllTexts(pipe.reader), ElementsAre("a", "b", "half"));
+}
+
+TEST(FeedReader, AnEmptyPipeEndsAtOnceWhenAnEndIsAskedFor) {
+  Pipe pipe;
+  pipe.reader.Finish();
+  EXPECT_THAT(AllTexts(pipe.reader), ElementsAre());
+}
+
+TEST(FeedReader, AnEndThatIsAskedForEndsAWait) {
+  Pipe pipe;
+  std::promise<void> hasFirst;
+  std::vector<std::string> texts;
+  std::thread reading([&] {
+    texts.push_back(NextText(pipe.reader).value_or("none"));
+    hasFirst.set_value();
+    while (const auto text = NextText(pipe.reader)) texts.push_back(*text);
+  });
+  pipe.Write("a\n");
+  hasFirst.get_future().wait();
+  pipe.reader.Finish();
+  reading.join();
+  EXPECT_THAT(texts, ElementsAre("a"));
+}
+
+TEST(FeedReader, KnowsItsOwnFile) {
+  const TempDir dir;
+  const FeedReader reader(dir.Write("feed", ""));
+  const UniqueFd same(::open((dir / "feed").c_str(), O_RDONLY));
+  const UniqueFd other(::open(dir.Write("other", "").c_str(), O_RDONLY));
+  EXPECT_TRUE(reader.IsSameFile(same.get()));
+  EXPECT_FALSE(reader.IsSameFile(other.get()));
+}
+
+}  // namespace
+}  // namespace alarm_agent
