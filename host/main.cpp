@@ -75,6 +75,7 @@ void Run(const Options& options) {
     loader.Load(bundle, {});
   }
   host::Session session{loader, std::cout};
+  session.echo = options.echo;
   RunProgramCommand(session, options.command);
 }
 

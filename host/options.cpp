@@ -75,6 +75,7 @@ std::variant<Options, std::string> ParseOptions(int argc, const char* const* arg
   app.add_option("--log-file", options.logFile, "Append the log to FILE instead of writing it to standard error")
       ->type_name("FILE");
   app.add_option("--log-level", level, "The lowest level to log: 0 (everything), 1, 2 or off")->type_name("LEVEL");
+  app.add_flag("--echo", options.echo, "Print the lines of a command file before what they do");
   app.prefix_command();
   app.footer(Footer());
   try {

@@ -16,6 +16,7 @@ struct Options {
   std::vector<std::string> bundles;
   std::string logFile;
   int logLevel = 0;
+  bool echo = false;
   Words command;  ///< `run`, `console` or a command with its arguments; never empty
 };
 

@@ -9,6 +9,15 @@
 #include "host/problem.h"
 
 namespace host {
+namespace {
+
+void Echo(std::ostream& out, const std::string& line) {
+  const std::size_t start = line.find_first_not_of(" \t\r");
+  const bool isCommand = start != std::string::npos && line[start] != '#';
+  out << (isCommand ? "> " : "") << line << '\n' << std::flush;  // Before what the command logs.
+}
+
+}  // namespace
 
 void RunLine(Session& session, const std::string& line) {
   const Words words = SplitWords(line);
@@ -21,6 +30,9 @@ void RunScript(Session& session, std::istream& input, const std::string& name) {
   int number = 0;
   for (std::string line; !session.leave && std::getline(input, line);) {
     ++number;
+    if (session.echo) {
+      Echo(session.out, line);
+    }
     try {
       RunLine(session, line);
       session.out.flush();

@@ -13,6 +13,7 @@ struct Session {
   std::ostream& out;      ///< where results go
   bool headings = false;  ///< `call` shows its answer in sections, with the log records that it caused
   bool leave = false;     ///< set by `quit`
+  bool echo = false;      ///< a file's lines are printed before what they do
 };
 
 }  // namespace host
