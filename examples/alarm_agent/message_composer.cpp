@@ -79,7 +79,7 @@ std::string MessageComposer::Severity(const Alarm& alarm) const {
     return "SEVERITY?";  // Something is configured, but no number.
   }
   if (severity < 0 || severity >= static_cast<std::int64_t>(kSeverities.size())) {
-    return "SEVERITY-" + std::to_string(severity);
+    return "SEVERITY=" + std::to_string(severity);
   }
   const SeverityName& name = kSeverities[static_cast<std::size_t>(severity)];
   return util_.IsTransQueltEnabled() ? name.priority : name.word;

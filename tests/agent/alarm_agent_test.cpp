@@ -124,7 +124,7 @@ TEST_F(AlarmAgentTest, TheExampleFeedGivesAMessageForEachLine) {
       severities,
       ElementsAre("CRITICAL", "CRITICAL", "MAJOR", "MINOR", "MAJOR", "MAJOR", "WARNING", "MINOR", "CRITICAL",
                   "CLEARED", "MAJOR", "MINOR", "MALFORMED", "WARNING", "MAJOR", "INDETERMINATE",
-                  "INDETERMINATE", "MINOR", "SEVERITY?", "SEVERITY--1", "INDETERMINATE", "MALFORMED", "MAJOR",
+                  "INDETERMINATE", "MINOR", "SEVERITY?", "SEVERITY=-1", "INDETERMINATE", "MALFORMED", "MAJOR",
                   "INDETERMINATE", "MALFORMED", "MALFORMED", "MALFORMED", "CRITICAL", "CLEARED", "MAJOR"));
 }
 
@@ -165,7 +165,7 @@ TEST_F(AlarmAgentTest, FourWorkersLoseDoubleAndSwapNothingWhileTheConfigurationI
       continue;
     }
     ASSERT_THAT(message, EndsWith("?id=" + std::to_string(id) + "&at=x%2fy"));
-    ASSERT_EQ(message.substr(19, 10), " SEVERITY-") << message;
+    ASSERT_EQ(message.substr(19, 10), " SEVERITY=") << message;
     seen.push_back(std::stoi(message.substr(29)));
     ASSERT_GE(seen.back(), kFirst) << message;
     ASSERT_LE(seen.back(), newest) << message;

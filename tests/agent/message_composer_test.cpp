@@ -89,8 +89,8 @@ TEST_F(MessageComposerTest, EachConfiguredSeverityHasItsWord) {
   EXPECT_EQ(Severity(3), "MINOR");
   EXPECT_EQ(Severity(4), "WARNING");
   EXPECT_EQ(Severity(5), "CLEARED");
-  EXPECT_EQ(Severity(6), "SEVERITY-6");
-  EXPECT_EQ(Severity(-1), "SEVERITY--1");
+  EXPECT_EQ(Severity(6), "SEVERITY=6");
+  EXPECT_EQ(Severity(-1), "SEVERITY=-1");
 }
 
 TEST_F(MessageComposerTest, WithTheTranslationOnTheSeverityIsTheOperatorsPriority) {
@@ -101,7 +101,7 @@ TEST_F(MessageComposerTest, WithTheTranslationOnTheSeverityIsTheOperatorsPriorit
   EXPECT_EQ(Severity(3), "P3");
   EXPECT_EQ(Severity(4), "P4");
   EXPECT_EQ(Severity(5), "P0");
-  EXPECT_EQ(Severity(6), "SEVERITY-6");
+  EXPECT_EQ(Severity(6), "SEVERITY=6");
 }
 
 TEST_F(MessageComposerTest, AnAlarmThatIsNotConfiguredIsIndeterminate) {
