@@ -171,7 +171,8 @@ std::int64_t AsciiUtilInterfaceImpl::GetMapList(const ListMap& map, const std::s
   if (entry == map.end() || entry->second.empty()) {
     return 1;
   }
-  items = entry->second;
+  std::vector<std::string> copy = entry->second;
+  items.swap(copy);  // Nothing is lost when the copy takes more memory than there is.
   return 0;
 }
 

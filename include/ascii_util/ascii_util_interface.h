@@ -27,7 +27,8 @@ using ListMap = std::map<std::string, std::vector<std::string>>;
 /// drops it before the bundle is unloaded.
 /// Threads: the interface has no state. Every operation may be called from any thread at any time, also
 /// while the configuration is being loaded; maps and lists passed in are the caller's own to protect.
-/// Errors: bad input is answered, never thrown. Only exhausted memory throws, `std::bad_alloc`.
+/// Errors: bad input is answered, never thrown. Only exhausted memory throws, `std::bad_alloc`; a list or map
+/// that was being filled (slots 13 and 15) then keeps what it has, every other out value is left alone.
 class PLATFORM_API AsciiUtilInterface : public NS_BUNDLEMGR1::ServiceInterface {
  public:
   /// Slot 5. Reads `text`, up to its first NUL, as an integer with `strtol` in `base` (0 or 2 to 36).
