@@ -157,8 +157,9 @@ void Framework::Register(const std::string& name, NS_BUNDLEMGR1::ServiceInterfac
 }
 
 void Framework::RegisterEmpty(const std::string& name) {
-  if (registry_[name] == nullptr) {
-    registry_[name] = std::make_unique<Buffer>();
+  if (BufferOf(name) == nullptr) {
+    auto buffer = std::make_unique<Buffer>();
+    registry_.emplace(name, std::move(buffer));
   }
 }
 

@@ -169,7 +169,7 @@ class Framework {
   std::vector<Message> messages_;
   std::atomic<bool> recording_{true};
 
-  std::map<std::string, std::function<void()>> actions_;
+  std::map<std::string, std::function<void()>, std::less<>> actions_;
   std::map<std::string, std::unique_ptr<Buffer>> registry_;
   LogService logService_;
   Logger commonLogger_;
