@@ -1,0 +1,67 @@
+#ifndef TESTS_PROOF_FAULTS_H_
+#define TESTS_PROOF_FAULTS_H_
+
+#include <cstddef>
+#include <ctime>
+
+/// Everything outside the bundle that a test can make fail, by name. A fault lasts as long as its object, so
+/// no test leaves one behind. What the platform does wrong is told to the recording framework instead.
+///
+/// A program that links this file has its memory management replaced and the calls of the bundle's objects to
+/// the functions below led through here (the linker's --wrap; see the CMakeLists.txt beside it). Nothing of
+/// it is in the bundle.
+namespace faults {
+
+/// The `nth` allocation of the calling thread from now on (1 is the next one) fails, once: with
+/// `std::bad_alloc`, or a null pointer where the caller asked for that. One at a time in a thread.
+class AllocationFails {
+ public:
+  explicit AllocationFails(std::size_t nth);
+  ~AllocationFails();
+  AllocationFails(const AllocationFails&) = delete;
+  AllocationFails& operator=(const AllocationFails&) = delete;
+
+  /// Whether it has come to that.
+  [[nodiscard]] bool happened() const;
+};
+
+/// How many allocations of the whole program have not been given back yet.
+std::size_t LiveAllocations();
+
+enum class Fault {
+  kGlobalLock,        ///< taking the framework's global mutex
+  kStaticObjectLock,  ///< taking ACE's static object lock
+  kStorageLock,       ///< taking any other lock, which leaves that of the thread-specific storage
+  kKeyCreation,       ///< creating a thread key
+  kSlotStore,         ///< storing a thread's record; sets the error number to ENOMEM
+  kTimeBreakDown,     ///< `gmtime_r`
+};
+constexpr std::size_t kFaults = 6;
+
+/// While it lives, every call that the bundle's objects make to the named thing fails, on every thread.
+class Failing {
+ public:
+  explicit Failing(Fault fault);
+  ~Failing();
+  Failing(const Failing&) = delete;
+  Failing& operator=(const Failing&) = delete;
+
+  /// How many calls have failed.
+  [[nodiscard]] int hits() const;
+
+ private:
+  Fault fault_;
+};
+
+/// While it lives, the bundle's objects read this clock.
+class ClockAt {
+ public:
+  explicit ClockAt(std::time_t now);
+  ~ClockAt();
+  ClockAt(const ClockAt&) = delete;
+  ClockAt& operator=(const ClockAt&) = delete;
+};
+
+}  // namespace faults
+
+#endif  // TESTS_PROOF_FAULTS_H_
