@@ -1,0 +1,319 @@
+// Locks, thread keys, thread slots, clocks, the formatter, the converter and the log service, each failing.
+// No operation's result changes by more than is promised, and everything works again once the failure is
+// over.
+
+#include <ace/Log_Msg.h>
+#include <ace/Log_Msg_Callback.h>
+#include <ace/Log_Record.h>
+
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ascii_util/text_functions.h"
+#include "framework/process_exception.h"
+#include "src/asciiutilifimpl.h"
+#include "src/asciiutilsvc.h"
+#include "src/logmgr.h"
+#include "src/logmsg.h"
+#include "tests/proof/faults.h"
+#include "tests/recording_fixture.h"
+
+namespace {
+
+using faults::Failing;
+using faults::Fault;
+using recording::Message;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class FailingSurroundings : public recording::FrameworkTest {
+ protected:
+  FailingSurroundings() { framework.intItems["IsTransQuelt"] = 1; }
+
+  /// One message on the message path.
+  void SendMessage() { EXPECT_TRUE(util.IsTransQueltEnabled()); }
+
+  std::vector<std::string> Texts() const {
+    std::vector<std::string> texts;
+    for (const Message& message : framework.Messages()) {
+      texts.push_back(message.text);
+    }
+    return texts;
+  }
+
+  NS_ASCII::AsciiUtilInterfaceImpl util;
+};
+
+/// What goes to ACE's error log while it lives.
+class AceErrorLog : private ACE_Log_Msg_Callback {
+ public:
+  struct Entry {
+    std::string text;
+    std::string file;
+    int line;
+    unsigned long priority;
+  };
+
+  AceErrorLog() {
+    ACE_LOG_MSG->msg_callback(this);
+    ACE_LOG_MSG->set_flags(ACE_Log_Msg::MSG_CALLBACK);
+    ACE_LOG_MSG->clr_flags(ACE_Log_Msg::STDERR);
+  }
+  ~AceErrorLog() override {
+    ACE_LOG_MSG->msg_callback(nullptr);
+    ACE_LOG_MSG->clr_flags(ACE_Log_Msg::MSG_CALLBACK);
+    ACE_LOG_MSG->set_flags(ACE_Log_Msg::STDERR);
+  }
+  AceErrorLog(const AceErrorLog&) = delete;
+  AceErrorLog& operator=(const AceErrorLog&) = delete;
+
+  std::vector<Entry> entries;
+
+ private:
+  void log(ACE_Log_Record& record) override {
+    entries.push_back({record.msg_data(), ACE_LOG_MSG->file(), ACE_LOG_MSG->linenum(), record.type()});
+  }
+};
+
+// --- Locks
+// ------------------------------------------------------------------------------------------------------
+
+TEST_F(FailingSurroundings, AGlobalLockThatFailsDoesNotStopTheNullInterfaceNorTheMessage) {
+  const Failing fault(Fault::kGlobalLock);
+  SendMessage();
+  EXPECT_EQ(fault.hits(), 1);
+  EXPECT_THAT(Texts(), ElementsAre("Trans QueltTools "));
+}
+
+TEST_F(FailingSurroundings, AGlobalLockThatFailsDuringASearchCountsAsNoLogService) {
+  recording::Bundle bundle("bundle");
+  NS_ASCII::ii_ascii_util service;
+  bundle.objects["service"] = &service;
+  framework.bundles = {&bundle};
+  framework.Unregister("LogSvcInterface");
+  framework.ForgetCalls();
+  const Failing fault(Fault::kGlobalLock);
+  SendMessage();
+  EXPECT_EQ(fault.hits(), 2);  // The null interface, the search.
+  EXPECT_THAT(framework.Calls(), Contains(StartsWith("GetAllBundles(")));
+  EXPECT_THAT(framework.Calls(), Not(Contains(StartsWith("GetServiceObjects("))));
+}
+
+TEST_F(FailingSurroundings, AStaticObjectLockThatFailsDropsTheDebugMessage) {
+  {
+    const Failing fault(Fault::kStaticObjectLock);
+    EXPECT_EQ(NS_ASCII::LogMgr::Instance(), nullptr);
+    EXPECT_EQ(util.WriteDbgLog("dropped"), 0);
+    EXPECT_EQ(fault.hits(), 2);
+  }
+  EXPECT_EQ(util.WriteDbgLog("logged"), 0);
+  EXPECT_THAT(Texts(), ElementsAre("logged"));
+}
+
+TEST_F(FailingSurroundings, AStaticObjectLockThatFailsKeepsTheLogManagerFromItsRelease) {
+  framework.logger = [] { return new recording::Logger; };
+  NS_ASCII::LogMgr* const manager = NS_ASCII::LogMgr::Instance();
+  {
+    const Failing fault(Fault::kStaticObjectLock);
+    NS_ASCII::LogMgr::Release();
+    EXPECT_EQ(fault.hits(), 1);
+    EXPECT_EQ(NS_ASCII::LogMgr::Instance(), manager);
+  }
+  EXPECT_THAT(framework.Calls(), Not(Contains("~Logger()")));
+  NS_ASCII::LogMgr::Release();
+  EXPECT_THAT(framework.Calls(), Contains("~Logger()"));
+}
+
+// --- Thread-specific storage
+// ----------------------------------------------------------------------------------------
+
+TEST_F(FailingSurroundings, AStorageLockThatFailsDropsTheDebugMessage) {
+  {
+    const Failing fault(Fault::kStorageLock);
+    EXPECT_EQ(util.WriteDbgLog("dropped"), 0);
+    EXPECT_EQ(fault.hits(), 1);
+  }
+  EXPECT_EQ(util.WriteDbgLog("logged"), 0);
+  EXPECT_THAT(Texts(), ElementsAre("logged"));
+}
+
+TEST_F(FailingSurroundings, AThreadKeyThatCannotBeCreatedDropsTheDebugMessage) {
+  {
+    const Failing fault(Fault::kKeyCreation);
+    EXPECT_EQ(util.WriteDbgLog("dropped"), 0);
+    EXPECT_EQ(util.WriteDbgLog("dropped"), 0);
+    EXPECT_EQ(fault.hits(), 2) << "a failure is not remembered";
+  }
+  EXPECT_EQ(util.WriteDbgLog("logged"), 0);
+  EXPECT_THAT(Texts(), ElementsAre("logged"));
+}
+
+TEST_F(FailingSurroundings, AThreadSlotThatCannotBeStoredIsReportedThroughAce) {
+  EXPECT_EQ(util.WriteDbgLog("key made"), 0);
+  std::thread([&] {
+    AceErrorLog aceLog;
+    std::size_t live = 0;
+    {
+      const Failing fault(Fault::kSlotStore);
+      for (int call = 1; call <= 3; ++call) {
+        EXPECT_EQ(util.WriteDbgLog("dropped"), 0);
+        EXPECT_EQ(fault.hits(), call);
+        ASSERT_EQ(aceLog.entries.size(), 1U);
+        EXPECT_EQ(aceLog.entries[0].text,
+                  "Error: ACE_Thread::setspecific() failed!: Cannot allocate memory\n");
+        EXPECT_EQ(aceLog.entries[0].file, "logmgr");
+        EXPECT_EQ(aceLog.entries[0].line, 90);
+        EXPECT_EQ(aceLog.entries[0].priority, static_cast<unsigned long>(LM_ERROR));
+        aceLog.entries = {};
+        if (call == 2) {
+          live = faults::LiveAllocations();  // ACE has made what it makes once a thread.
+        }
+      }
+      EXPECT_EQ(faults::LiveAllocations(), live) << "the record is destroyed again";
+    }
+    EXPECT_EQ(util.WriteDbgLog("logged"), 0);
+  }).join();
+  EXPECT_THAT(Texts(), ElementsAre("key made", "logged"));
+}
+
+// --- Clock, formatter, converter
+// ------------------------------------------------------------------------------------
+
+TEST_F(FailingSurroundings, ATimeThatCannotBeBrokenDownIsAnEmptyStampWithoutAMessage) {
+  const Failing fault(Fault::kTimeBreakDown);
+  EXPECT_EQ(util.GetTimeStamp(), "");
+  EXPECT_EQ(fault.hits(), 1);
+  EXPECT_THAT(framework.Calls(), IsEmpty());
+}
+
+TEST_F(FailingSurroundings, AFailedReadOfTheClockIsBrokenDownLikeAnyOtherTime) {
+  const faults::ClockAt clock(-1);
+  EXPECT_EQ(util.GetTimeStamp(), "1969-12-31T23:59:59");
+}
+
+TEST_F(FailingSurroundings, AYearOfFiveDigitsIsAnEmptyStampWithAMessage) {
+  const faults::ClockAt clock(253402300800);  // 10000-01-01
+  EXPECT_EQ(util.GetTimeStamp(), "");
+  EXPECT_THAT(framework.Messages(),
+              ElementsAre(Message{"asciiutilifimpl", "unknown", 86, 1, "sprintf_s failed.", std::nullopt}));
+}
+
+TEST_F(FailingSurroundings, AYearBeyondAnIntIsAnEmptyStampToo) {
+  const faults::ClockAt clock(
+      67768036191676799);  // The last second that can be broken down: 2147485547-12-31
+  EXPECT_EQ(util.GetTimeStamp(), "");
+}
+
+TEST_F(FailingSurroundings, AFormatterThatFailsIsAnEmptyStampWithAMessage) {
+  framework.sprintfResult = -1;
+  EXPECT_EQ(util.GetTimeStamp(), "");
+  EXPECT_THAT(Texts(), ElementsAre("sprintf_s failed."));
+}
+
+TEST_F(FailingSurroundings, AFormatterThatFailsWithoutALogServiceIsAnEmptyStamp) {
+  framework.sprintfResult = -22;
+  framework.Unregister("LogSvcInterface");
+  EXPECT_EQ(util.GetTimeStamp(), "");
+  EXPECT_THAT(Texts(), IsEmpty());
+}
+
+TEST_F(FailingSurroundings, WhatAFailingConverterLeavesIsTheResult) {
+  framework.convert = [](const std::string&, const std::string&, const std::string&, std::string& output) {
+    output = "left/";
+    return -1;
+  };
+  EXPECT_EQ(NS_ASCII::utf8toiso8859("text"), "left/");
+  EXPECT_EQ(NS_ASCII::GetURLEncoding("text"), "left%2f");
+}
+
+TEST_F(FailingSurroundings, AConverterThatLeavesNothingMakesAnEmptyResult) {
+  framework.convert = [](const std::string&, const std::string&, const std::string&, std::string&) {
+    return -1;
+  };
+  EXPECT_EQ(NS_ASCII::utf8toiso8859("text"), "");
+  EXPECT_EQ(NS_ASCII::GetURLEncoding("text"), "");
+}
+
+// --- Log service
+// ----------------------------------------------------------------------------------------------------
+
+TEST_F(FailingSurroundings, WithoutALogServiceEveryResultIsTheSame) {
+  framework.Unregister("LogSvcInterface");
+  SendMessage();
+  EXPECT_EQ(util.WriteDbgLog("dropped"), 0);
+  NS_ASCII::ii_ascii_util service;
+  EXPECT_EQ(service.init(0, nullptr), 0);
+  framework.cfgDir = "";
+  EXPECT_EQ(service.init(0, nullptr), -1);
+  EXPECT_THAT(Texts(), IsEmpty());
+}
+
+TEST_F(FailingSurroundings, ALogServiceThatAppearsLateGetsTheLaterMessages) {
+  recording::LogService lateService;
+  framework.Unregister("LogSvcInterface");
+  SendMessage();
+  framework.Register("LogSvcInterface", &lateService);
+  SendMessage();
+  EXPECT_THAT(Texts(), ElementsAre("Trans QueltTools "));
+}
+
+TEST_F(FailingSurroundings, ALogServiceWithoutALoggerIsAskedAgainByTheNextMessage) {
+  framework.logger = [] { return nullptr; };
+  SendMessage();
+  SendMessage();
+  EXPECT_THAT(Texts(), IsEmpty());
+  static recording::Logger logger;
+  framework.logger = [] { return &logger; };
+  SendMessage();
+  EXPECT_THAT(Texts(), ElementsAre("Trans QueltTools "));
+}
+
+TEST_F(FailingSurroundings, ALogServiceThatThrowsIsAskedAgainByTheNextMessage) {
+  framework.logger = []() -> NS_LOG_SERVICE1::Logger* { throw std::runtime_error("no logger today"); };
+  SendMessage();
+  framework.logger = []() -> NS_LOG_SERVICE1::Logger* { throw 42; };
+  SendMessage();
+  framework.logger = []() -> NS_LOG_SERVICE1::Logger* { throw NS_BUNDLEMGR1::InterfaceNotExistException(); };
+  SendMessage();
+  static recording::Logger logger;
+  framework.logger = [] { return &logger; };
+  SendMessage();
+  EXPECT_THAT(Texts(), ElementsAre("Trans QueltTools "));
+}
+
+TEST_F(FailingSurroundings, AnInterfaceOfAnotherTypeUnderTheNameCountsAsNoLogService) {
+  recording::OtherInterface other;
+  framework.Unregister("LogSvcInterface");
+  framework.Register("LogSvcInterface", &other);
+  SendMessage();
+  EXPECT_THAT(Texts(), IsEmpty());
+}
+
+TEST_F(FailingSurroundings, WhatALoggerThrowsReachesTheCaller) {
+  framework.On("Log", [] { throw std::runtime_error("disk full"); });
+  EXPECT_THROW(util.IsTransQueltEnabled(), std::runtime_error);
+  EXPECT_THROW(util.WriteDbgLog("x"), std::runtime_error);
+  framework.On("Log", [] {});
+  SendMessage();
+}
+
+TEST_F(FailingSurroundings, WhatThePlatformThrowsReachesTheCallerAndLeavesTheValueAlone) {
+  framework.trim = [](const std::string&) -> std::string { throw std::runtime_error("platform"); };
+  std::int64_t value = 99;
+  const int number = 7;
+  EXPECT_THROW(util.GetAlmCfgValue(value, "A", "B", "C", number), std::runtime_error);
+  EXPECT_EQ(value, 99);
+}
+
+TEST_F(FailingSurroundings, ARegistryThatThrowsLeavesTheFactoryAndDestroysTheBase) {
+  framework.On("SetIFBuf", [] { throw std::runtime_error("registry full"); });
+  EXPECT_THROW(_make_ii_ascii_util(nullptr), std::runtime_error);
+  EXPECT_THAT(framework.Calls(), Contains(StartsWith("~ServiceObjectBase(")));
+}
+
+}  // namespace
