@@ -318,10 +318,15 @@ TEST_F(FetchInterfaceSearch, AnswersSeveralThreadsAtOnce) {
   throw replacement;
 }
 
-[[noreturn]] void ThrowSomethingElse() { throw std::logic_error("from the handler"); }
+[[noreturn]] void ThrowSomethingElse() { throw NS_BUNDLEMGR1::ProcessException(); }
 
 TEST_F(FetchInterfaceDeath, AnyOtherExceptionEndsTheProcess) {
   framework.On("GetAllBundles", [] { throw std::runtime_error("bundle manager"); });
+  EXPECT_EXIT(Fetch(), ::testing::KilledBySignal(SIGABRT), "");
+}
+
+TEST_F(FetchInterfaceDeath, TheBaseOfTheAnnouncedExceptionEndsTheProcessToo) {
+  framework.On("GetAllBundles", [] { throw NS_BUNDLEMGR1::ProcessException(); });
   EXPECT_EXIT(Fetch(), ::testing::KilledBySignal(SIGABRT), "");
 }
 
