@@ -26,8 +26,8 @@ Snippet MakeSnippet(std::string_view line, std::size_t column, std::size_t lengt
   }
   marked = std::max<std::size_t>(marked, 1);
   // Keep the start of the line in sight while the caret is near it.
-  const std::size_t skip =
-      whole > kWidth && indent + std::min(marked, kContext) > kWidth ? indent - kContext : 0;
+  const bool isFar = indent > kContext && whole > kWidth && indent + std::min(marked, kContext) > kWidth;
+  const std::size_t skip = isFar ? indent - kContext : 0;
   Snippet snippet;
   std::size_t at = 0;
   std::size_t dropped = 0;

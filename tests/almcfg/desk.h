@@ -1,0 +1,36 @@
+#ifndef TESTS_ALMCFG_DESK_H_
+#define TESTS_ALMCFG_DESK_H_
+
+#include <string>
+#include <vector>
+
+#include "src/almconfig.h"
+#include "tools/almcfg/checker.h"
+#include "tools/almcfg/loaded_files.h"
+#include "tools/almcfg/progress.h"
+
+/// The checker's parts put together for a test.
+namespace almcfg_test {
+
+/// Keeps all findings.
+class Findings : public almcfg::FindingSink {
+ public:
+  void Take(const almcfg::SourceText& /*text*/, const almcfg::Finding& finding) override {
+    all.push_back(finding);
+  }
+
+  std::vector<almcfg::Finding> all;
+};
+
+/// "LINE:COLUMN+LENGTH code" of every finding about a file with this content.
+std::vector<std::string> Check(const std::string& content);
+
+/// The findings themselves.
+std::vector<almcfg::Finding> CheckWhole(const std::string& content);
+
+/// The keys and values of a table in its order, in one text each.
+std::vector<std::string> ContentOf(const NS_ASCII::Alarm_Config_Param& table);
+
+}  // namespace almcfg_test
+
+#endif  // TESTS_ALMCFG_DESK_H_

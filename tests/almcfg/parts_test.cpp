@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tools/almcfg/json_text.h"
+#include "tools/almcfg/key_index.h"
+#include "tools/almcfg/nearest.h"
+#include "tools/almcfg/snippet.h"
+#include "tools/almcfg/visible.h"
+
+namespace {
+
+using namespace almcfg;
+
+TEST(Utf8Length, AcceptsExactlyTheWellFormedCharacters) {
+  EXPECT_EQ(Utf8Length("A"), 1U);
+  EXPECT_EQ(Utf8Length("\xC2\x80"), 2U);
+  EXPECT_EQ(Utf8Length("\xE0\xA0\x80"), 3U);
+  EXPECT_EQ(Utf8Length("\xF4\x8F\xBF\xBF"), 4U);
+  for (const std::string bad :
+       {"\x80", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
+        "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xC2", "\xE2\x82", "\xC2\x41"}) {
+    EXPECT_EQ(Utf8Length(bad), 0U) << Printable(bad);
+  }
+}
+
+TEST(Printable, LeavesNothingThatMovesTheCursorOrHides) {
+  EXPECT_EQ(Printable("a b\x1b[31m\x07"), "a b\\x1B[31m\\x07");
+  EXPECT_EQ(Printable("\xE2\x80\xAE"), "\\xE2\\x80\\xAE");
+  EXPECT_EQ(Printable("\xC2\x9B"), "\\xC2\\x9B");
+  EXPECT_EQ(Printable("\xC3\x9C\xFF"), "\xC3\x9C\\xFF");
+}
+
+TEST(Marked, ShowsBlanksOnlyWhereTheyAreOverlooked) {
+  EXPECT_EQ(Marked(" a b  c \td/ e\r"), "·a b··c·→d/·e␍");
+}
+
+TEST(Quoted, CutsWhatIsTooLongForAMessage) {
+  EXPECT_EQ(Quoted("a\"b"), "\"a\"b\"");
+  EXPECT_EQ(Quoted(std::string(100, 'x')), '"' + std::string(48, 'x') + "…\"");
+}
+
+TEST(Grouped, SetsACommaBeforeEveryThreeDigits) {
+  EXPECT_EQ(Grouped(0), "0");
+  EXPECT_EQ(Grouped(999), "999");
+  EXPECT_EQ(Grouped(1000), "1,000");
+  EXPECT_EQ(Grouped(1234567), "1,234,567");
+}
+
+/// The shown character above the caret.
+std::string UnderCaret(const Snippet& snippet) {
+  std::size_t width = 0;
+  for (const Glyph& glyph : Glyphs(snippet.text, Blanks::kAtEdges)) {
+    if (width == snippet.indent) {
+      return glyph.shown;
+    }
+    width += glyph.width;
+  }
+  return "";
+}
+
+TEST(Snippet, PutsTheCaretBelowItsByteWhereverThatIsInALongLine) {
+  std::string line(1000, '.');
+  for (std::size_t at = 0; at < line.size(); at += 37) {
+    line[at] = 'X';
+    const Snippet snippet = MakeSnippet(line, at + 1, 1, Blanks::kAtEdges);
+    EXPECT_EQ(UnderCaret(snippet), "X") << at;
+    EXPECT_LE(CharacterCount(snippet.text), 102U) << at;
+    line[at] = '.';
+  }
+}
+
+TEST(Snippet, CountsWhatIsShownAndNotTheBytes) {
+  const Snippet snippet = MakeSnippet("\xC3\x9C\t\xFFX!", 5, 2, Blanks::kAtEdges);
+  EXPECT_EQ(snippet.text, "\xC3\x9C→\\xFFX!");
+  EXPECT_EQ(snippet.indent, 6U);
+  EXPECT_EQ(snippet.width, 2U);
+}
+
+TEST(Snippet, MarksThePlaceBehindTheLine) {
+  const Snippet snippet = MakeSnippet("abc", 4, 1, Blanks::kAtEdges);
+  EXPECT_EQ(snippet.indent, 3U);
+  EXPECT_EQ(snippet.width, 1U);
+}
+
+TEST(Snippet, DoesNotMarkBeyondWhatItShows) {
+  const Snippet snippet = MakeSnippet(std::string(900, 'x'), 50, 800, Blanks::kAtEdges);
+  EXPECT_LE(snippet.indent + snippet.width, CharacterCount(snippet.text));
+}
+
+TEST(JsonText, KeepsEveryByteThatIsNotUtf8InHexadecimal) {
+  Json json;
+  SetText(json, "a", "x\xFFy");
+  SetText(json, "b", "\xC3\x9C");
+  EXPECT_EQ(Dump(json), "{\"a\":\"x\xEF\xBF\xBDy\",\"aHex\":\"78ff79\",\"b\":\"\xC3\x9C\"}");
+}
+
+TEST(KeyIndex, RemembersTheLastLineOfEachOfManyKeys) {
+  std::map<std::string, KeyIndex::LineId> expected;
+  std::vector<std::string> byLine(1);
+  KeyIndex index(
+      [&byLine](KeyIndex::LineId line, const NS_ASCII::AlarmKey& key) { return byLine[line] == key.key1; });
+  for (KeyIndex::LineId line = 1; line <= 5000; ++line) {
+    const std::string key = "key" + std::to_string(line % 1700);
+    byLine.push_back(key);
+    EXPECT_EQ(index.Put({key, "", "", ""}, line), expected[key]);
+    expected[key] = line;
+  }
+  EXPECT_EQ(index.size(), 1700U);
+  for (const auto& [key, line] : expected) {
+    EXPECT_EQ(index.Find({key, "", "", ""}), line);
+  }
+  EXPECT_EQ(index.Find({"other", "", "", ""}), 0U);
+}
+
+TEST(KeyIndex, DoesNotTrustEqualHashes) {
+  // Whoever has the lines denies, so equal keys count as different ones.
+  KeyIndex index([](KeyIndex::LineId, const NS_ASCII::AlarmKey&) { return false; });
+  EXPECT_EQ(index.Put({"k", "", "", ""}, 1), 0U);
+  EXPECT_EQ(index.Put({"k", "", "", ""}, 2), 0U);
+  EXPECT_EQ(index.size(), 2U);
+}
+
+TEST(Compare, SpellsOutSmallDifferences) {
+  const NS_ASCII::AlarmKey wanted{"Node", "Port", "Down", "7"};
+  EXPECT_EQ(Compare(wanted, {"node", "Port", "Down", "7"}).difference,
+            "column 1 is \"node\", not \"Node\" (another case)");
+  EXPECT_EQ(Compare(wanted, {"Node", "Port ", "Down", "7"}).difference,
+            "column 2 is \"Port·\", not \"Port\" (a blank at the edge)");
+  EXPECT_EQ(Compare(wanted, {"Node", "Port", "7", "Down"}).difference, "columns 3 and 4 are exchanged");
+  EXPECT_EQ(Compare(wanted, {"Node", "Port", "Down", "+07"}).difference,
+            "column 4 is \"+07\", not \"7\" (the same number, written in a way that is never found)");
+  EXPECT_EQ(Compare(wanted, {"Node", "Port", "Up", "7"}).difference, "column 3 is \"Up\", not \"Down\"");
+}
+
+TEST(Compare, SaysNothingWhenTwoColumnsAreAltogetherDifferent) {
+  EXPECT_EQ(Compare({"A", "B", "C", "7"}, {"A", "X", "Y", "7"}).difference, "");
+}
+
+}  // namespace

@@ -1,0 +1,160 @@
+#include "tools/almcfg/source_text.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/almcfg/run_program.h"
+#include "tools/almcfg/progress.h"
+
+namespace {
+
+using almcfg::SourceText;
+using almcfg_test::TempFile;
+
+SourceText Read(const std::string& path) {
+  almcfg::Progress progress(false);
+  return SourceText::Read(path, progress);
+}
+
+SourceText TextOf(const std::string& content) { return Read(TempFile(content).path()); }
+
+std::vector<std::string> LinesOf(const SourceText& text) {
+  std::vector<std::string> lines;
+  for (almcfg::LineNumber number = 1; number <= text.lineCount(); ++number) {
+    lines.emplace_back(text.line(number).text);
+  }
+  return lines;
+}
+
+using Lines = std::vector<std::string>;
+
+TEST(SourceText, HasNoLinesWhenTheFileIsEmpty) {
+  EXPECT_EQ(TextOf("").lineCount(), 0U);
+  EXPECT_TRUE(TextOf("").endsWithLineFeed());
+}
+
+TEST(SourceText, CutsAtLineFeedsOnly) {
+  EXPECT_EQ(LinesOf(TextOf("a\r\n\nb\rc\n")), (Lines{"a\r", "", "b\rc"}));
+}
+
+TEST(SourceText, KeepsALastLineWithoutLineFeed) {
+  const SourceText text = TextOf("a\nb");
+  EXPECT_EQ(LinesOf(text), (Lines{"a", "b"}));
+  EXPECT_FALSE(text.endsWithLineFeed());
+}
+
+TEST(SourceText, CountsNulsLikeOtherBytesButLoadsUpToThem) {
+  const SourceText text = TextOf(std::string("a\0b\n\0c\n", 7));
+  EXPECT_EQ(text.line(1).text, std::string("a\0b", 3));
+  EXPECT_EQ(text.line(1).Loaded(), "a");
+  EXPECT_EQ(text.line(2).Loaded(), "");
+}
+
+TEST(SourceText, PutsANulBehindEveryLine) {
+  const SourceText text = TextOf("abc\nde");
+  EXPECT_STREQ(text.line(1).text.data(), "abc");
+  EXPECT_STREQ(text.line(2).text.data(), "de");
+}
+
+TEST(SourceText, TakesALineOf1022CharactersWhole) {
+  const std::string line = std::string(1021, 'x') + '\r';
+  const SourceText text = TextOf(line + "\n" + line);
+  EXPECT_FALSE(text.line(1).IsOverlong());
+  EXPECT_FALSE(text.line(2).IsOverlong());
+  EXPECT_EQ(text.line(2).text, line);
+}
+
+TEST(SourceText, KeepsTheStartAndTheLengthOfALongerLine) {
+  const SourceText text = TextOf("a\n" + std::string(1022, 'x') + "\r\nb\n" + std::string(300000, 'y'));
+  EXPECT_TRUE(text.line(2).IsOverlong());
+  EXPECT_EQ(text.line(2).text, std::string(1022, 'x'));
+  EXPECT_EQ(text.line(2).length, 1023U);
+  EXPECT_FALSE(text.line(3).IsOverlong());
+  EXPECT_EQ(text.line(4).length, 300000U);
+}
+
+TEST(SourceText, LosesNothingWhereItsBuffersEnd) {
+  std::string content;
+  Lines expected;
+  for (int i = 0; content.size() < (std::size_t{3} << 20); ++i) {
+    expected.push_back(std::to_string(i) + std::string(static_cast<std::size_t>(i % 700), 'z'));
+    content += expected.back() + '\n';
+  }
+  EXPECT_EQ(LinesOf(TextOf(content)), expected);
+}
+
+TEST(SourceText, CutsLikeTheStreamThatALoadReads) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 100; ++round) {
+    std::string content;
+    for (int i = static_cast<int>(random() % 4000); i > 0; --i) {
+      content += "ab\r\0\n\n"[random() % 6];
+    }
+    const TempFile file(content);
+    std::ifstream stream(file.path());
+    Lines expected;
+    char buffer[1024];
+    while (!stream.eof()) {
+      stream.getline(buffer, 1023);
+      if (stream.gcount() > 0 && !(stream.eof() && stream.fail())) {
+        const auto length = static_cast<std::size_t>(stream.gcount()) - (stream.eof() ? 0 : 1);
+        expected.emplace_back(buffer, length);
+      }
+    }
+    EXPECT_EQ(LinesOf(Read(file.path())), expected) << round;
+  }
+}
+
+TEST(SourceText, StaysInPlaceWhenMoved) {
+  SourceText first = TextOf("abc\n");
+  const char* const before = first.line(1).text.data();
+  const SourceText second = std::move(first);
+  EXPECT_EQ(second.line(1).text.data(), before);
+}
+
+TEST(SourceText, RefusesWhatIsMissing) {
+  try {
+    Read("/no/such/file");
+    FAIL();
+  } catch (const almcfg::ReadError& error) {
+    EXPECT_STREQ(error.what(), "No such file or directory");
+    EXPECT_FALSE(error.isDirectory);
+  }
+}
+
+TEST(SourceText, RefusesADirectory) {
+  try {
+    Read("/");
+    FAIL();
+  } catch (const almcfg::ReadError& error) {
+    EXPECT_TRUE(error.isDirectory);
+  }
+}
+
+TEST(SourceText, RefusesAnEndlessDevice) { EXPECT_THROW(Read("/dev/zero"), almcfg::ReadError); }
+
+TEST(SourceText, TakesTheNullDeviceForAnEmptyFile) { EXPECT_EQ(Read("/dev/null").lineCount(), 0U); }
+
+TEST(SourceText, RefusesAPipeThatNobodyWritesToInsteadOfWaiting) {
+  const TempFile file("");
+  unlink(file.path().c_str());
+  ASSERT_EQ(mkfifo(file.path().c_str(), 0600), 0);
+  EXPECT_THROW(Read(file.path()), almcfg::ReadError);
+}
+
+TEST(SourceText, RefusesAFileThatTheUserMayNotRead) {
+  const TempFile file("a\n");
+  chmod(file.path().c_str(), 0);
+  if (access(file.path().c_str(), R_OK) == 0) {
+    GTEST_SKIP() << "this user may read everything";
+  }
+  EXPECT_THROW(Read(file.path()), almcfg::ReadError);
+}
+
+}  // namespace
