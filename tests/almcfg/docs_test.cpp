@@ -1,0 +1,160 @@
+// What is written about the program is what the program does: the man page, the completion, and every command
+// shown in a page together with its output.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/almcfg/run_program.h"
+#include "tools/almcfg/finding.h"
+
+namespace {
+
+using almcfg_test::ProjectFolder;
+using almcfg_test::ReadFile;
+using almcfg_test::RunAlmcfg;
+using almcfg_test::TempFile;
+using testing::HasSubstr;
+
+const std::vector<std::string> kCommands{"check", "show", "lookup", "diff"};
+
+using Words = std::set<std::string>;
+
+Words Matches(const std::string& text, const std::string& pattern) {
+  const std::regex regex(pattern);
+  Words words;
+  for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match) {
+    words.insert(match->str(1));
+  }
+  return words;
+}
+
+std::string HelpOf(const std::string& command) { return RunAlmcfg({command, "--help"}).out; }
+
+/// The options that a help text lists.
+Words OptionsIn(const std::string& help) { return Matches(help, "\n  [^\n]*?(--[a-z]+)"); }
+
+Words Union(Words a, const Words& b) {
+  a.insert(b.begin(), b.end());
+  return a;
+}
+
+/// The man page as one reads it, without its markup.
+std::string ManPage() {
+  const std::string source = ReadFile(ProjectFolder() + "tools/almcfg/almcfg.1");
+  return std::regex_replace(source, std::regex("\\\\"), "");
+}
+
+TEST(ManPage, HasExactlyTheOptionsOfTheHelp) {
+  Words options = OptionsIn(RunAlmcfg({"--help"}).out);
+  for (const std::string& command : kCommands) {
+    options = Union(options, OptionsIn(HelpOf(command)));
+  }
+  EXPECT_EQ(Matches(ManPage(), "(--[a-z]+)"), options);
+  EXPECT_EQ(options, (Words{"--color", "--format", "--help", "--sort", "--strict", "--version"}));
+}
+
+TEST(ManPage, HasTheOptionsOfEachCommandInItsSynopsis) {
+  const std::string page = ManPage();
+  for (const std::string& command : kCommands) {
+    const std::size_t begin = page.find(".B almcfg " + command + "\n");
+    ASSERT_NE(begin, std::string::npos) << command;
+    const std::string synopsis = page.substr(begin, page.find(".br", begin) - begin);
+    const std::string help = HelpOf(command);
+    EXPECT_EQ(Union(Matches(synopsis, "(--[a-z]+)"), {"--help"}), OptionsIn(help)) << command;
+    EXPECT_EQ(Matches(synopsis, "([a-z]+(?:\\|[a-z]+)+)"), Matches(help, "([a-z]+(?:\\|[a-z]+)+)"))
+        << command;
+  }
+}
+
+TEST(ManPage, NamesEveryTrapInItsClass) {
+  const std::string page = ManPage();
+  const std::size_t warnings = page.find("\nWarnings:");
+  const std::size_t notes = page.find("\nNotes:");
+  for (const almcfg::Trap& trap : almcfg::Traps()) {
+    const std::size_t at = page.find(trap.name, page.find(".SH FINDINGS"));
+    ASSERT_NE(at, std::string::npos) << trap.name;
+    const auto severity = at < warnings ? almcfg::Severity::kError
+                          : at < notes  ? almcfg::Severity::kWarning
+                                        : almcfg::Severity::kNote;
+    EXPECT_EQ(severity, trap.severity) << trap.name;
+  }
+}
+
+TEST(ManPage, DescribesEveryCommandOfTheHelp) {
+  EXPECT_EQ(Matches(RunAlmcfg({"--help"}).out, "\n  ([a-z]+) "), Words(kCommands.begin(), kCommands.end()));
+  for (const std::string& command : kCommands) {
+    EXPECT_THAT(ManPage(), HasSubstr(".TP\n.B " + command + "\n"));
+  }
+}
+
+/// What bash offers for the last of `words`.
+Words Complete(const std::string& words) {
+  const TempFile out("");
+  const std::string script =
+      "source " + ProjectFolder() + "tools/almcfg/almcfg.bash; COMP_WORDS=(" + words +
+      "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _almcfg; printf \"%s\\n\" \"${COMPREPLY[@]}\"";
+  EXPECT_EQ(std::system(("bash -c '" + script + "' >" + out.path()).c_str()), 0);
+  std::istringstream lines(ReadFile(out.path()));
+  Words offered;
+  for (std::string line; std::getline(lines, line);) {
+    offered.insert(line);
+  }
+  return offered;
+}
+
+TEST(Completion, OffersTheCommandsAndOptionsOfTheHelp) {
+  EXPECT_EQ(Complete("almcfg \"\""), (Words{"check", "show", "lookup", "diff", "--help", "--version"}));
+  for (const std::string& command : kCommands) {
+    EXPECT_EQ(Complete("almcfg " + command + " --"), OptionsIn(HelpOf(command))) << command;
+  }
+}
+
+TEST(Completion, OffersTheFormatsOfTheHelp) {
+  for (const std::string& command : kCommands) {
+    std::string formats;
+    for (const std::string& format : Complete("almcfg " + command + " --format \"\"")) {
+      formats += (formats.empty() ? "" : "|") + format;
+    }
+    EXPECT_THAT(HelpOf(command), HasSubstr("--format " + formats + " ")) << command;
+  }
+  EXPECT_EQ(Complete("almcfg show --color a"), (Words{"always", "auto"}));
+}
+
+TEST(Page, DescribesEveryTrapUnderItsName) {
+  const std::string page = ReadFile(ProjectFolder() + "docs/alarm-config.md");
+  for (const almcfg::Trap& trap : almcfg::Traps()) {
+    EXPECT_THAT(page, HasSubstr("\n#### `" + std::string(trap.name) + "`\n"));
+  }
+}
+
+/// Splits what a user types at blanks; there is no quoting.
+std::vector<std::string> SplitAtBlanks(const std::string& text) {
+  std::istringstream words(text);
+  return {std::istream_iterator<std::string>(words), {}};
+}
+
+/// Runs every "$ almcfg ..." of a page's blocks and compares what follows; returns how many there were.
+int CheckCommandsIn(const std::string& page) {
+  const std::string text = ReadFile(ProjectFolder() + page);
+  const std::regex block("```\n\\$ almcfg ([^\n]*)\n([^`]*?)```\n");
+  int count = 0;
+  for (std::sregex_iterator match(text.begin(), text.end(), block), end; match != end; ++match, ++count) {
+    EXPECT_EQ(RunAlmcfg(SplitAtBlanks(match->str(1))).out, match->str(2)) << match->str(1);
+  }
+  return count;
+}
+
+TEST(Page, ShowsWhatTheProgramSays) {
+  EXPECT_GT(CheckCommandsIn("docs/alarm-config.md"), static_cast<int>(almcfg::kTrapCount) - 3);
+}
+
+TEST(Readme, ShowsWhatTheProgramSays) { EXPECT_GT(CheckCommandsIn("README.md"), 0); }
+
+}  // namespace
