@@ -142,7 +142,7 @@ TEST_F(LoadConfig, ReadsTheLastLineWithoutALineFeed) {
 }
 
 TEST_F(LoadConfig, EndsALineAtItsFirstNul) {
-  Load(std::string("A\tk\tc\t1\tv\0w\tx\n\0B\tk\tc\t1\tv\nC\tk\tc\t1\tv\n", 37));
+  Load(std::string("A\tk\tc\t1\tv\0w\tx\n\0B\tk\tc\t1\tv\nC\tk\tc\t1\tv\n", 35));
   EXPECT_THAT(Entries(config), ElementsAre("C|k|c|1=v", "A|k|c|1=v"));
   EXPECT_THAT(framework.Calls(), IsEmpty());
 }

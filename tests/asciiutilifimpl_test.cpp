@@ -1,6 +1,7 @@
 #include "src/asciiutilifimpl.h"
 
 #include <cctype>
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
@@ -33,6 +34,12 @@ long __real_strtol(const char*, char**, int);
 long __wrap_strtol(const char* text, char** end, int base) {
   if (strtolTexts != nullptr) {
     strtolTexts->push_back(std::string(text) + " in " + std::to_string(base));
+  }
+  if (base < 0 || base == 1 || base > 36) {
+    // What the C library does, which leaves `end` alone; AddressSanitizer's stand-in for it hands on a
+    // pointer that nobody set.
+    errno = EINVAL;
+    return 0;
   }
   return __real_strtol(text, end, base);
 }
