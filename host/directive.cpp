@@ -1,0 +1,44 @@
+#include "host/directive.h"
+
+namespace host {
+namespace {
+
+constexpr const char* kBlanks = " \t\r\n";
+
+/// Cuts the blanks and the text up to one of `ends` off the front of `rest` and returns that text.
+std::string Take(std::string& rest, const char* ends) {
+  rest.erase(0, rest.find_first_not_of(kBlanks));
+  const std::string taken = rest.substr(0, rest.find_first_of(ends));
+  rest.erase(0, taken.size());
+  return taken;
+}
+
+/// Cuts the blanks and then `text` off the front of `rest`; false, with the blanks gone, when it starts otherwise.
+bool TakeText(std::string& rest, const std::string& text) {
+  rest.erase(0, rest.find_first_not_of(kBlanks));
+  if (rest.compare(0, text.size(), text) != 0) {
+    return false;
+  }
+  rest.erase(0, text.size());
+  return true;
+}
+
+}  // namespace
+
+Directive ParseDirective(const std::string& text) {
+  Directive directive;
+  std::string rest = text;
+  directive.verb = Take(rest, kBlanks);
+  directive.name = Take(rest, kBlanks);
+  if (directive.verb != "dynamic" || !TakeText(rest, "Service_Object") || !TakeText(rest, "*")) {
+    return directive;
+  }
+  const std::string library = Take(rest, " \t\r\n:");
+  if (TakeText(rest, ":")) {
+    directive.library = library;
+    directive.factory = Take(rest, " \t\r\n(");
+  }
+  return directive;
+}
+
+}  // namespace host

@@ -1,0 +1,169 @@
+#!/usr/bin/env python3
+"""The console at a terminal: real keys through a pseudo-terminal, and what the screen then shows.
+
+Usage: console_pty_test.py BUNDLE_HOST LIBII_ASCII_UTIL
+"""
+import os
+import pty
+import re
+import select
+import shutil
+import sys
+import tempfile
+import time
+import unittest
+
+PROMPT = "bundle_host> "
+DEADLINE = 20.0
+
+
+class Terminal:
+    """A console behind a pseudo-terminal. Waits for texts, never for times."""
+
+    def __init__(self, arguments, state_dir):
+        self.screen = ""
+        self.exit_code = None
+        self.pid, self.fd = pty.fork()
+        if self.pid == 0:
+            os.environ.update(TERM="vt100", XDG_STATE_HOME=state_dir)
+            os.environ.pop("BUNDLE_HOST_CONFIG_DIR", None)
+            os.execv(arguments[0], arguments)
+
+    def type(self, keys):
+        os.write(self.fd, keys.encode())
+
+    def wait_for(self, text):
+        """Waits for `text`; returns what came up to and with it, and forgets that."""
+        deadline = time.monotonic() + DEADLINE
+        while text not in self._plain():
+            if not self._read(deadline):
+                raise AssertionError(f"waited for {text!r}, saw {self._plain()!r}")
+        plain = self._plain()
+        end = plain.index(text) + len(text)
+        self.screen = plain[end:]
+        return plain[:end]
+
+    def run(self, line):
+        """Types a command; returns what it printed, up to the next prompt."""
+        self.type(line + "\r")
+        self.wait_for("\r\n")
+        return self.wait_for(PROMPT)[: -len(PROMPT)]
+
+    def wait_for_end(self):
+        deadline = time.monotonic() + DEADLINE
+        while self._read(deadline):
+            pass
+        _, status = os.waitpid(self.pid, 0)
+        self.exit_code = os.waitstatus_to_exitcode(status)
+        return self.exit_code
+
+    def close(self):
+        os.close(self.fd)
+        if self.exit_code is None:
+            os.kill(self.pid, 9)
+            os.waitpid(self.pid, 0)
+
+    def _plain(self):
+        return re.sub(r"\x1b\[[0-9;]*[A-Za-z]|\x1b[()][A-Z0-9]|\x07|\x0f", "", self.screen)
+
+    def _read(self, deadline):
+        ready, _, _ = select.select([self.fd], [], [], max(0.0, deadline - time.monotonic()))
+        if not ready:
+            return False
+        try:
+            data = os.read(self.fd, 65536)
+        except OSError:  # The other end is closed.
+            return False
+        self.screen += data.decode(errors="replace")
+        return bool(data)
+
+
+class ConsoleAtATerminal(unittest.TestCase):
+    def setUp(self):
+        self.state_dir = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, self.state_dir)
+
+    def start(self, *options):
+        terminal = Terminal([HOST, "--log-file", "/dev/null", *options, "console"], self.state_dir)
+        self.addCleanup(terminal.close)
+        terminal.wait_for(PROMPT)
+        return terminal
+
+    def start_with_bundle(self):
+        config_dir = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, config_dir)
+        return self.start("--config-dir", config_dir, "--bundle", BUNDLE)
+
+    def test_tab_completes_a_command_and_puts_a_blank_behind_it(self):
+        terminal = self.start()
+        terminal.type("hel\tlog\r")
+        self.assertIn("log [LEVEL]\r\n  show or set the lowest level", terminal.wait_for(PROMPT))
+
+    def test_tab_completes_an_operation_of_a_call(self):
+        terminal = self.start_with_bundle()
+        terminal.type("call GetSv\t\r")
+        self.assertIn("result: AsciiUtilService", terminal.wait_for(PROMPT))
+
+    def test_tab_completes_the_name_of_a_loaded_bundle(self):
+        terminal = self.start_with_bundle()
+        terminal.type("unload ii\t\r")
+        self.assertRegex(terminal.wait_for(PROMPT), r"unloaded ii_ascii_util; .*libii_ascii_util.so is unmapped")
+
+    def test_tab_completes_the_name_of_an_item(self):
+        terminal = self.start()
+        terminal.run("set IsTransQuelt 7")
+        terminal.type("unset IsT\t\r")
+        terminal.wait_for(PROMPT)
+        self.assertNotIn("IsTransQuelt", terminal.run("items"))
+
+    def test_tab_lists_the_candidates_when_there_are_several(self):
+        terminal = self.start()
+        terminal.type("call Get\t")
+        listed = terminal.wait_for(PROMPT)
+        self.assertRegex(listed, r"GetAlmCfgValue  GetKeyValue  GetMapList  GetSvcName  GetTimeStamp")
+
+    def test_ctrl_c_abandons_the_line_and_the_console_goes_on(self):
+        terminal = self.start()
+        terminal.type("set Gone 1\x03")
+        terminal.wait_for("^C")
+        terminal.wait_for(PROMPT)
+        self.assertNotIn("Gone", terminal.run("items"))
+
+    def test_ctrl_d_on_an_empty_line_leaves_with_success(self):
+        terminal = self.start_with_bundle()
+        terminal.type("\x04")
+        self.assertEqual(terminal.wait_for_end(), 0)
+
+    def test_quit_leaves_with_success(self):
+        terminal = self.start()
+        terminal.type("quit\r")
+        self.assertEqual(terminal.wait_for_end(), 0)
+
+    def test_a_wrong_command_says_what_was_meant_and_the_console_goes_on(self):
+        terminal = self.start()
+        self.assertIn("no command 'bundels'; did you mean bundles?", terminal.run("bundels"))
+        self.assertIn("log level: 0", terminal.run("log"))
+
+    def test_the_arrow_key_brings_back_a_line_of_the_run_before(self):
+        first = self.start()
+        first.run("set Kept 41")
+        first.type("\x04")
+        first.wait_for_end()
+        second = self.start()
+        self.assertNotIn("Kept", second.run("items"))
+        second.type("\x1b[A\x1b[A\r")
+        second.wait_for(PROMPT)
+        self.assertRegex(second.run("items"), r"Kept +41 +yes")
+
+    def test_an_abandoned_line_is_not_in_the_history(self):
+        terminal = self.start()
+        terminal.run("log")
+        terminal.type("set Gone 1\x03")
+        terminal.wait_for(PROMPT)
+        terminal.type("\x1b[A\r")
+        self.assertIn("log level: 0", terminal.wait_for(PROMPT))
+
+
+if __name__ == "__main__":
+    HOST, BUNDLE = sys.argv[1:3]
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
