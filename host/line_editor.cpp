@@ -57,6 +57,8 @@ class LineEditor::Impl {
   std::optional<std::string> Read() {
     int length = 0;
     abandoned_ = false;
+    // Before the prompt, not behind it: a Ctrl-D or Ctrl-C that comes at once would still be the terminal's.
+    el_set(editor_.get(), EL_PREP_TERM, 1);
     const char* const text = el_gets(editor_.get(), &length);
     if (text == nullptr || length <= 0) {
       std::fputs("\n", stdout);

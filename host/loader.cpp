@@ -7,10 +7,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
-#include <regex>
+#include <memory>
 
 #include "host/bundle_table.h"
+#include "host/directive.h"
 #include "host/log_sink.h"
 #include "host/mapped_library.h"
 #include "host/problem.h"
@@ -136,18 +138,15 @@ const LoadedBundle& Loader::Load(const std::string& library, const Words& argume
 }
 
 void Loader::Process(const std::string& directive) {
-  static const std::regex dynamic(
-      R"re(\s*dynamic\s+(\S+)\s+Service_Object\s*\*\s*"?([^\s":]+)"?\s*:\s*(\w+)\s*\([\s\S]*)re");
-  static const std::regex removal(R"re(\s*remove\s+(\S+)\s*)re");
-  std::smatch part;
-  if (std::regex_match(directive, part, dynamic)) {
-    const LibraryHandle handle = OpenLibrary(part[2]);
-    RequireFactory(handle, part[2], part[3]);
-    Dynamic(part[1], directive);
+  const Directive parts = ParseDirective(directive);
+  if (!parts.factory.empty()) {
+    const LibraryHandle handle = OpenLibrary(parts.library);
+    RequireFactory(handle, parts.library, parts.factory);
+    Dynamic(parts.name, directive);
     return;
   }
-  if (std::regex_match(directive, part, removal)) {
-    Unload(part[1]);
+  if (parts.verb == "remove") {
+    Unload(parts.name);
     return;
   }
   const AceComplaints complaints;

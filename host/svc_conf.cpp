@@ -10,7 +10,7 @@ namespace host {
 namespace {
 
 /// A directive being gathered from lines.
-struct Directive {
+struct GatheredDirective {
   std::string text;
   int firstLine = 0;
   int openBraces = 0;
@@ -38,7 +38,7 @@ struct Directive {
   }
 };
 
-void Process(Loader& loader, const std::string& file, const Directive& directive) {
+void Process(Loader& loader, const std::string& file, const GatheredDirective& directive) {
   const std::string place = file + ":" + std::to_string(directive.firstLine) + ": ";
   if (directive.IsOpen()) {
     throw Failure(place + "the directive has a brace or a quote that is not closed");
@@ -57,7 +57,7 @@ void ProcessSvcConf(Loader& loader, const std::string& file) {
   if (!stream) {
     throw Failure(file + ": cannot be opened: " + std::generic_category().message(errno));
   }
-  Directive directive;
+  GatheredDirective directive;
   int number = 0;
   for (std::string line; std::getline(stream, line);) {
     ++number;

@@ -53,6 +53,8 @@ class Terminal:
         deadline = time.monotonic() + DEADLINE
         while self._read(deadline):
             pass
+        if time.monotonic() >= deadline:
+            raise AssertionError(f"the console did not end, saw {self._plain()!r}")
         _, status = os.waitpid(self.pid, 0)
         self.exit_code = os.waitstatus_to_exitcode(status)
         return self.exit_code
