@@ -27,7 +27,8 @@ AsciiUtilInterface* FetchAsciiUtil() {
     }
     return interface;
   } catch (NS_BUNDLEMGR1::InterfaceNotExistException&) {
-    throw Failure("no AsciiUtilInterface is registered; load a bundle that brings it, as libii_ascii_util.so");
+    throw Failure(
+        "no AsciiUtilInterface is registered; load a bundle that brings it, as libii_ascii_util.so");
   }
 }
 
@@ -97,9 +98,10 @@ void CheckTime(const Words& arguments) {
   CheckCall(Rest(arguments, 2));
 }
 
-/// Nanoseconds of each call. Many short ones are measured in batches, since reading the clock costs as much as they.
-std::vector<double> Measure(const Operation& operation, const Target& target, const std::vector<Value>& values,
-                            int repeats) {
+/// Nanoseconds of each call. Many short ones are measured in batches, since reading the clock costs as much
+/// as they.
+std::vector<double> Measure(const Operation& operation, const Target& target,
+                            const std::vector<Value>& values, int repeats) {
   using Clock = std::chrono::steady_clock;
   constexpr int kMostSamples = 1000;
   const int batch = std::max(1, repeats / kMostSamples);
@@ -138,7 +140,8 @@ std::string OperationList() {
     text += "  " + Synopsis(operation) + "\n";
   }
   return text +
-         "In texts \\xNN stands for a byte. A map is NAME=ITEM|ITEM,NAME=ITEM. Out values start as 0 or empty.\n";
+         "In texts \\xNN stands for a byte. A map is NAME=ITEM|ITEM,NAME=ITEM. Out values start as 0 or "
+         "empty.\n";
 }
 
 }  // namespace
@@ -148,8 +151,8 @@ std::vector<Command> CallCommands() {
       {"call", "OPERATION [ARGUMENT...]", "call an operation of AsciiUtilInterface or a text function",
        OperationList(), 1, kAnyNumber, Completes::kOperations, CheckCall, RunCall},
       {"time", "COUNT call OPERATION [ARGUMENT...]", "repeat a call, print the median and the rate",
-       "The time includes turning the arguments into values. Log records are counted, not shown.\n", 3, kAnyNumber,
-       Completes::kOperations, CheckTime, RunTime},
+       "The time includes turning the arguments into values. Log records are counted, not shown.\n", 3,
+       kAnyNumber, Completes::kOperations, CheckTime, RunTime},
   };
 }
 

@@ -24,8 +24,8 @@ void RunHelp(Session& session, const Words& arguments) {
     width = std::max(width, Usage(command).size());
   }
   for (const Command& command : Commands()) {
-    session.out << "  " << std::left << std::setw(static_cast<int>(width) + 2) << Usage(command) << command.summary
-                << '\n';
+    session.out << "  " << std::left << std::setw(static_cast<int>(width) + 2) << Usage(command)
+                << command.summary << '\n';
   }
 }
 
@@ -35,9 +35,10 @@ void RunQuit(Session& session, const Words& /*arguments*/) { session.leave = tru
 
 std::vector<Command> HelpCommands() {
   return {
-      {"help", "[COMMAND]", "list the commands, or explain one", "", 0, 1, Completes::kCommands, CheckHelp, RunHelp},
-      {"quit", "", "unload everything, the last one loaded first, and leave", "", 0, 0, Completes::kNothing, nullptr,
-       RunQuit},
+      {"help", "[COMMAND]", "list the commands, or explain one", "", 0, 1, Completes::kCommands, CheckHelp,
+       RunHelp},
+      {"quit", "", "unload everything, the last one loaded first, and leave", "", 0, 0, Completes::kNothing,
+       nullptr, RunQuit},
   };
 }
 

@@ -40,7 +40,8 @@ void RunUnset(Session& /*session*/, const Words& arguments) {
 
 std::vector<Command> ItemCommands() {
   return {
-      {"items", "[--json]", "list the configuration items", "", 0, 1, Completes::kNothing, CheckListing, RunItems},
+      {"items", "[--json]", "list the configuration items", "", 0, 1, Completes::kNothing, CheckListing,
+       RunItems},
       {"set", "ITEM INTEGER", "set a configuration item", "The next read of the item sees it.\n", 2, 2,
        Completes::kItems, CheckSet, RunSet},
       {"unset", "ITEM", "remove a configuration item", "", 1, 1, Completes::kItems, nullptr, RunUnset},

@@ -10,7 +10,9 @@ namespace {
 
 using NS_BUNDLEMGR1::ServiceInterface;
 
-std::string NameOf(ServiceInterface* interface) { return interface == nullptr ? "-" : interface->GetSvcName(); }
+std::string NameOf(ServiceInterface* interface) {
+  return interface == nullptr ? "-" : interface->GetSvcName();
+}
 
 std::string ValidityOf(ServiceInterface* interface) {
   return interface == nullptr ? "-" : std::to_string(interface->IsValid());
@@ -18,9 +20,8 @@ std::string ValidityOf(ServiceInterface* interface) {
 
 /// The bundle names that a loaded library's service object is listed under.
 const ServiceEntry* EntryOf(const std::vector<ServiceEntry>& services, const LoadedBundle& bundle) {
-  const auto found =
-      std::find_if(services.begin(), services.end(),
-                   [&](const ServiceEntry& entry) { return entry.object == bundle.service; });
+  const auto found = std::find_if(services.begin(), services.end(),
+                                  [&](const ServiceEntry& entry) { return entry.object == bundle.service; });
   return found == services.end() ? nullptr : &*found;
 }
 
@@ -72,7 +73,8 @@ std::vector<Command> LookCommands() {
        "INTERFACE is what the interface calls itself; VALID is its answer to IsValid.\n", 0, 1,
        Completes::kNothing, CheckListing, RunServices},
       {"interfaces", "[--json]", "list the names of the interface registry",
-       "A name that is \"never registered\" was looked up by somebody and is still missing. COUNT tells how many\n"
+       "A name that is \"never registered\" was looked up by somebody and is still missing. COUNT tells how "
+       "many\n"
        "living interfaces have the name; the one registered last is used.\n",
        0, 1, Completes::kNothing, CheckListing, RunInterfaces},
   };

@@ -7,7 +7,8 @@
 #include "host/session.h"
 #include "host/words.h"
 
-/// The commands, as a table: the same ones on the program's command line, in a command file and in the console.
+/// The commands, as a table: the same ones on the program's command line, in a command file and in the
+/// console.
 namespace host {
 
 /// What the arguments of a command are names of, for completion.
@@ -45,12 +46,12 @@ std::string Usage(const Command& command);
 /// The row of that name; throws `UsageError` with a suggestion when there is none.
 const Command& FindCommand(const std::string& name);
 
-/// Checks a command line, name first, without doing anything; throws `UsageError` when it is wrong. `NAME --help` is
-/// always right.
+/// Checks a command line, name first, without doing anything; throws `UsageError` when it is wrong. `NAME
+/// --help` is always right.
 void CheckCommand(const Words& words);
 
-/// Checks and runs a command line. Throws `UsageError` or `Failure` with one line; anything that a bundle throws counts
-/// as a failure of the command.
+/// Checks and runs a command line. Throws `UsageError` or `Failure` with one line; anything that a bundle
+/// throws counts as a failure of the command.
 void RunCommand(Session& session, const Words& words);
 
 }  // namespace host

@@ -31,7 +31,8 @@ std::vector<std::string> ItemNames() {
   return names;
 }
 
-/// The files of the directory that `word` begins to name, with the directory in front; directories end in '/'.
+/// The files of the directory that `word` begins to name, with the directory in front; directories end in
+/// '/'.
 std::vector<std::string> FileNames(const std::string& word) {
   const std::string directory = word.substr(0, word.rfind('/') + 1);
   std::vector<std::string> names;
@@ -60,8 +61,9 @@ std::vector<std::string> NamesFor(const Session& session, const Words& before, c
       return isFirst ? CommandNames() : std::vector<std::string>();
     case Completes::kOperations:
       if (command->name == "time") {
-        return before.size() == 2 ? std::vector<std::string>{"call"}
-                                  : before.size() == 3 ? OperationNames() : std::vector<std::string>();
+        return before.size() == 2   ? std::vector<std::string>{"call"}
+               : before.size() == 3 ? OperationNames()
+                                    : std::vector<std::string>();
       }
       return isFirst ? OperationNames() : std::vector<std::string>();
     case Completes::kBundles:

@@ -8,9 +8,9 @@
 
 namespace host {
 
-/// What the last word of `line` could become, in byte order: a command's name at the start; behind it what the command
-/// takes: commands, operations, loaded bundles, configuration items, files. The first argument is completed; for
-/// `time` the operation behind "call"; a file in any place.
+/// What the last word of `line` could become, in byte order: a command's name at the start; behind it what
+/// the command takes: commands, operations, loaded bundles, configuration items, files. The first argument is
+/// completed; for `time` the operation behind "call"; a file in any place.
 std::vector<std::string> Complete(const Session& session, const std::string& line);
 
 }  // namespace host

@@ -21,12 +21,14 @@ ItemStore& TheStore() {
   return store;
 }
 
-void AddSection(ACE_Configuration& configuration, const ACE_Configuration_Section_Key& section, ItemMap& items) {
+void AddSection(ACE_Configuration& configuration, const ACE_Configuration_Section_Key& section,
+                ItemMap& items) {
   ACE_TString name;
   ACE_Configuration::VALUETYPE type{};
   for (int index = 0; configuration.enumerate_values(section, index, name, type) == 0; ++index) {
     ACE_TString value;
-    if (type == ACE_Configuration::STRING && configuration.get_string_value(section, name.c_str(), value) == 0) {
+    if (type == ACE_Configuration::STRING &&
+        configuration.get_string_value(section, name.c_str(), value) == 0) {
       items[name.c_str()] = value.c_str();
     }
   }

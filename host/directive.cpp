@@ -13,7 +13,8 @@ std::string Take(std::string& rest, const char* ends) {
   return taken;
 }
 
-/// Cuts the blanks and then `text` off the front of `rest`; false, with the blanks gone, when it starts otherwise.
+/// Cuts the blanks and then `text` off the front of `rest`; false, with the blanks gone, when it starts
+/// otherwise.
 bool TakeText(std::string& rest, const std::string& text) {
   rest.erase(0, rest.find_first_not_of(kBlanks));
   if (rest.compare(0, text.size(), text) != 0) {

@@ -9,13 +9,12 @@
 
 namespace host {
 
-/// Reads lines from the terminal: editing keys as in most shells, history with the arrow keys, completion with Tab.
-/// Ctrl-C abandons the line, Ctrl-D on an empty line ends the input. Bytes outside ASCII are not typed here; commands
-/// take them as \xNN.
+/// Reads lines from the terminal: editing keys as in most shells, history with the arrow keys, completion
+/// with Tab. Ctrl-C abandons the line, Ctrl-D on an empty line ends the input. Bytes outside ASCII are not
+/// typed here; commands take them as \xNN.
 ///
-/// The history is read from and added to `historyFile`, at most a thousand lines; when the file cannot be used the
-/// history just ends with the process.
-/// Threads: one.
+/// The history is read from and added to `historyFile`, at most a thousand lines; when the file cannot be
+/// used the history just ends with the process. Threads: one.
 class LineEditor {
  public:
   /// Answers what the last word of `line` could become; `line` is the text in front of the cursor.

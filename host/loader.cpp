@@ -61,8 +61,9 @@ std::string BundleNameOf(const std::string& library) {
 
 void RequireFactory(const LibraryHandle& library, const std::string& request, const std::string& factory) {
   if (library.Symbol(factory) == nullptr) {
-    throw Failure(request + ": has no factory " + factory + "; it must export extern \"C\" ACE_Service_Object* " +
-                  factory + "(ACE_Service_Object_Exterminator*)");
+    throw Failure(request + ": has no factory " + factory +
+                  "; it must export extern \"C\" ACE_Service_Object* " + factory +
+                  "(ACE_Service_Object_Exterminator*)");
   }
 }
 
@@ -71,7 +72,8 @@ std::string QuoteForAce(const Words& arguments) {
   std::string text;
   for (const std::string& argument : arguments) {
     if (argument.find_first_of("\"'\\$\n") != std::string::npos) {
-      throw UsageError("argument '" + argument + "' holds a quote, a backslash, a '$' or a line end, which ACE's "
+      throw UsageError("argument '" + argument +
+                       "' holds a quote, a backslash, a '$' or a line end, which ACE's "
                        "directives cannot pass on");
     }
     text += (text.empty() ? "'" : " '") + argument + "'";
@@ -82,7 +84,8 @@ std::string QuoteForAce(const Words& arguments) {
 ACE_Service_Object* ServiceOf(const std::string& name) {
   const ACE_Service_Type* type = nullptr;
   const bool found = ACE_Service_Repository::instance()->find(name.c_str(), &type, false) == 0;
-  if (!found || type == nullptr || type->type() == nullptr || type->type()->service_type() != ACE_Service_Type::SERVICE_OBJECT) {
+  if (!found || type == nullptr || type->type() == nullptr ||
+      type->type()->service_type() != ACE_Service_Type::SERVICE_OBJECT) {
     return nullptr;
   }
   return static_cast<ACE_Service_Object*>(type->type()->object());
@@ -149,9 +152,15 @@ void Loader::Process(const std::string& directive) {
     Unload(parts.name);
     return;
   }
+  // ACE passes over a word that it does not know without counting it as a problem.
+  const std::vector<std::string> verbs{"dynamic", "static", "suspend", "resume", "stream"};
+  if (std::find(verbs.begin(), verbs.end(), parts.verb) == verbs.end()) {
+    throw Failure("'" + parts.verb +
+                  "' is no directive; there are dynamic, static, remove, suspend, resume and stream");
+  }
   const AceComplaints complaints;
-  if (ACE_Service_Config::process_directive(directive.c_str()) != 0) {
-    throw Failure(WithReason("the directive is not understood or failed", complaints.Text()));
+  if (ACE_Service_Config::process_directive(directive.c_str()) != 0 || !complaints.Text().empty()) {
+    throw Failure(WithReason("the directive failed", complaints.Text()));
   }
 }
 
@@ -213,10 +222,11 @@ UnloadReport Loader::Unload(const std::string& name, bool evenIfNeeded) {
     const AceComplaints complaints;
     const int result = ACE_Service_Config::remove(name.c_str());
     if (bundle.service != nullptr && IsListed(bundle.service)) {
-      report.problem = name + ": fini failed; the service object was destroyed all the same";
+      report.problem =
+          name + ": its exterminator left the service object behind; it was destroyed all the same";
       delete bundle.service;
     } else if (result != 0) {
-      report.problem = WithReason(name + ": fini failed", complaints.Text());
+      report.problem = WithReason(name + ": ACE could not remove it", complaints.Text());
     }
   }
   Forget(name);

@@ -21,19 +21,20 @@ struct LoadedBundle {
 
 /// What an unload found.
 struct UnloadReport {
-  std::string problem;    ///< what went wrong on the way; empty when nothing did. The bundle is gone all the same.
+  std::string
+      problem;  ///< what went wrong on the way; empty when nothing did. The bundle is gone all the same.
   std::string whyMapped;  ///< why the library is still mapped; empty when it is not
 };
 
 /// Loads bundles through ACE's service configurator, one directive each, and unloads them again.
 ///
 /// Who keeps what mapped: ACE holds the library from the directive to the removal. The loader holds a second
-/// reference only while it works on it, so that an object which ACE left behind, because its `init` or `fini`
-/// failed, can still be destroyed; an interface therefore never outlives its code. Loggers are the log service's and
-/// stay. What other bundles have fetched they must drop before the unload.
+/// reference only while it works on it, so that an object which was left behind, as by an exterminator that
+/// does nothing, can still be destroyed; an interface therefore never outlives its code. Loggers are the log
+/// service's and stay. What other bundles have fetched they must drop before the unload.
 ///
-/// Everything throws `Failure` (or `UsageError`, for what is not a right request) with one line and then has changed
-/// nothing. Threads: one at a time.
+/// Everything throws `Failure` (or `UsageError`, for what is not a right request) with one line and then has
+/// changed nothing. Threads: one at a time.
 class Loader {
  public:
   /// From here on ACE unmaps a library as soon as nobody uses it.
@@ -44,9 +45,9 @@ class Loader {
   /// Unloads what is left, the last one loaded first.
   ~Loader();
 
-  /// Loads `library`, a path or a name that the dynamic linker finds (NAME also stands for libNAME.so). The bundle
-  /// gets the library's name without "lib" and ".so"; its factory is "_make_" and that name. The arguments go to
-  /// its `init`. Returns the bundle.
+  /// Loads `library`, a path or a name that the dynamic linker finds (NAME also stands for libNAME.so). The
+  /// bundle gets the library's name without "lib" and ".so"; its factory is "_make_" and that name. The
+  /// arguments go to its `init`. Returns the bundle.
   const LoadedBundle& Load(const std::string& library, const Words& arguments);
 
   /// Processes one directive of a svc.conf.
@@ -55,8 +56,8 @@ class Loader {
   /// Calls `init` of a loaded bundle once more.
   void Init(const std::string& name, const Words& arguments);
 
-  /// Calls `fini`, destroys the service object and gives the library back. Refused while another loaded bundle is
-  /// linked against the library, unless `evenIfNeeded`.
+  /// Calls `fini`, whose result ACE does not look at, destroys the service object and gives the library back.
+  /// Refused while another loaded bundle is linked against the library, unless `evenIfNeeded`.
   UnloadReport Unload(const std::string& name, bool evenIfNeeded = false);
 
   /// In the order in which they were loaded.

@@ -11,8 +11,8 @@
 ///
 /// One record is one line, `TIME [LEVEL] TAG:LINE FUNCTION: TEXT`, as in
 ///   2026-11-21T08:15:02.417Z [1] almconfig:118 unknown: almconfig.cfg file error. line=s%
-/// with UTC time to the millisecond, "-" for an empty tag or function, and bytes outside printable ASCII in the
-/// text as \xNN, so that no text can pretend to be another line.
+/// with UTC time to the millisecond, "-" for an empty tag or function, and bytes outside printable ASCII in
+/// the text as \xNN, so that no text can pretend to be another line.
 ///
 /// Levels are what the callers pass: the higher, the more it matters. 0 is detail for debugging, 1 tells of
 /// decisions and of errors in configuration, 2 of starts and of what keeps a service from starting.
@@ -48,8 +48,8 @@ PLATFORM_API void SetLogLevel(int level);
 PLATFORM_API int LogLevel();
 
 /// While it lives, ACE's output of the process goes to the sink: to `file`, appended to, or to standard error
-/// when that is empty. One at a time. `Problem` is empty, or says why the file cannot be opened; then standard
-/// error is used.
+/// when that is empty. One at a time. `Problem` is empty, or says why the file cannot be opened; then
+/// standard error is used.
 class PLATFORM_API LogOutput {
  public:
   explicit LogOutput(const std::string& file);

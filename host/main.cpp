@@ -38,7 +38,8 @@ void SetUpConfiguration(const Options& options) {
     throw Failure("configuration directory " + directory + ": " + std::generic_category().message(errno));
   }
   const std::string items = directory + host::kItemsFile;
-  if (std::unique_ptr<std::FILE, int (*)(std::FILE*)>(std::fopen(items.c_str(), "re"), std::fclose) == nullptr) {
+  if (std::unique_ptr<std::FILE, int (*)(std::FILE*)>(std::fopen(items.c_str(), "re"), std::fclose) ==
+      nullptr) {
     if (errno != ENOENT) {
       throw Failure(items + ": " + std::generic_category().message(errno));
     }

@@ -14,8 +14,8 @@ class LibraryHandle {
  public:
   LibraryHandle() = default;
 
-  /// Loads `library`, a path or a name that the dynamic linker finds, with all its symbols. Throws `Failure` with the
-  /// linker's own words.
+  /// Loads `library`, a path or a name that the dynamic linker finds, with all its symbols. Throws `Failure`
+  /// with the linker's own words.
   static LibraryHandle Load(const std::string& library);
 
   /// A reference to a library that is loaded already; an empty handle when it is not.

@@ -136,7 +136,8 @@ struct TextFunction<Result (*)(Args...)> {
     Operation row = RowMaker<Result, Args...>::Make(name, names, [](const Target& target, Args... args) {
       return reinterpret_cast<Result (*)(Args...)>(target.function)(static_cast<Args>(args)...);
     });
-    // A string that only comes back is not part of the parameters' spelling and is marked at the name instead.
+    // A string that only comes back is not part of the parameters' spelling and is marked at the name
+    // instead.
     constexpr bool kTakesString = (std::is_same_v<Plain<Args>, std::string> || ...);
     row.symbol = "_ZN8NS_ASCII" + std::to_string(name.size()) + name + (kTakesString ? "E" : "B5cxx11E") +
                  (LinkerName<Args>() + ...);

@@ -11,8 +11,8 @@
 /// The operations that `call` knows, as a table. To add one, add a row in operations.cpp.
 namespace host {
 
-/// What an operation is called on: the interface for an operation of the interface, the function's address for
-/// an exported text function.
+/// What an operation is called on: the interface for an operation of the interface, the function's address
+/// for an exported text function.
 struct Target {
   NS_ASCII::AsciiUtilInterface* interface = nullptr;
   void* function = nullptr;

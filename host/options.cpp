@@ -19,13 +19,15 @@ namespace {
 std::string Footer() {
   std::ostringstream text;
   text << "Commands:\n"
-       << "  run FILE                                    run commands from a file, one a line; - is standard input\n"
+       << "  run FILE                                    run commands from a file, one a line; - is standard "
+          "input\n"
        << "  console                                     read commands from the terminal, or from a pipe\n"
        << "or one of these, which a file and the console take too:\n";
   Loader none;
   Session session{none, text};
   FindCommand("help").run(session, {});
-  text << "\n'bundle_host help COMMAND' tells more about one. Words of a line are separated by blanks; between '...' or\n"
+  text << "\n'bundle_host help COMMAND' tells more about one. Words of a line are separated by blanks; "
+          "between '...' or\n"
        << "\"...\" every byte stands for itself; # at the start of a word begins a comment.\n"
        << "Exit code: 0 done, 1 failed, 2 wrong usage. The environment variable " << kConfigDirVariable
        << "\nnames the configuration directory when --config-dir does not.\n";
@@ -42,7 +44,8 @@ void CheckProgramCommand(const Words& command) {
   }
   const std::size_t arguments = command.size() - 1;
   if (command[0] == "run" && arguments != 1) {
-    throw UsageError("run takes 1 argument, not " + std::to_string(arguments) + ": run FILE, or run - for standard input");
+    throw UsageError("run takes 1 argument, not " + std::to_string(arguments) +
+                     ": run FILE, or run - for standard input");
   }
   if (command[0] == "console" && arguments != 0) {
     throw UsageError("console takes no arguments, not " + std::to_string(arguments));
@@ -62,19 +65,23 @@ void CheckProgramCommand(const Words& command) {
 std::variant<Options, std::string> ParseOptions(int argc, const char* const* argv) {
   Options options;
   std::string level = "0";
-  CLI::App app("Loads bundles with ACE's service configurator, and calls and inspects them:\n"
-               "bundle_host [OPTION]... COMMAND [ARGUMENT]...",
-               "bundle_host");
+  CLI::App app(
+      "Loads bundles with ACE's service configurator, and calls and inspects them:\n"
+      "bundle_host [OPTION]... COMMAND [ARGUMENT]...",
+      "bundle_host");
   app.set_version_flag("--version", "bundle_host " BUNDLE_HOST_VERSION);
   app.set_help_flag("-h,--help", "Show this and leave");
   app.add_option("-c,--config-dir", options.configDir, "The configuration directory")->type_name("DIR");
-  app.add_option("-f,--svc-conf", options.svcConf, "Directives of ACE's service configurator to process")->type_name("FILE");
+  app.add_option("-f,--svc-conf", options.svcConf, "Directives of ACE's service configurator to process")
+      ->type_name("FILE");
   app.add_option("-b,--bundle", options.bundles, "A bundle to load, behind the directives; repeat for more")
       ->type_name("LIBRARY")
       ->allow_extra_args(false);
-  app.add_option("--log-file", options.logFile, "Append the log to FILE instead of writing it to standard error")
+  app.add_option("--log-file", options.logFile,
+                 "Append the log to FILE instead of writing it to standard error")
       ->type_name("FILE");
-  app.add_option("--log-level", level, "The lowest level to log: 0 (everything), 1, 2 or off")->type_name("LEVEL");
+  app.add_option("--log-level", level, "The lowest level to log: 0 (everything), 1, 2 or off")
+      ->type_name("LEVEL");
   app.add_flag("--echo", options.echo, "Print the lines of a command file before what they do");
   app.prefix_command();
   app.footer(Footer());

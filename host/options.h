@@ -20,8 +20,8 @@ struct Options {
   Words command;  ///< `run`, `console` or a command with its arguments; never empty
 };
 
-/// The options, or the text that --help or --version asks for. Throws `UsageError` with one line when something is
-/// wrong, also for a command that is.
+/// The options, or the text that --help or --version asks for. Throws `UsageError` with one line when
+/// something is wrong, also for a command that is.
 std::variant<Options, std::string> ParseOptions(int argc, const char* const* argv);
 
 }  // namespace host

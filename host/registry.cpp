@@ -56,7 +56,8 @@ std::vector<InterfaceName> ListInterfaces() {
   std::vector<InterfaceName> list;
   list.reserve(registry.names.size());
   for (const auto& [text, name] : registry.names) {
-    list.push_back({text, name.current == nullptr ? Buffer{} : *name.current, name.lookups, name.everRegistered});
+    list.push_back(
+        {text, name.current == nullptr ? Buffer{} : *name.current, name.lookups, name.everRegistered});
   }
   return list;
 }

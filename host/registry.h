@@ -15,7 +15,8 @@
 /// handed out, and whoever still reads the withdrawn interface then has lost anyway. Emptied buffers are
 /// used again for the same name, so loading and unloading for ever does not grow.
 ///
-/// Threads: any, at any time. Changes are made under `_g_actualmutex`, as an interface search may be appending.
+/// Threads: any, at any time. Changes are made under `_g_actualmutex`, as an interface search may be
+/// appending.
 namespace host {
 
 /// One name of the registry, as it is now.
@@ -29,8 +30,8 @@ struct InterfaceName {
 /// Every name that was ever registered or looked up, in byte order.
 PLATFORM_API std::vector<InterfaceName> ListInterfaces();
 
-/// Takes `interface` out of every buffer of every name. The one registered before it, if it still lives, leads
-/// again. Nothing happens when it is not registered.
+/// Takes `interface` out of every buffer of every name. The one registered before it, if it still lives,
+/// leads again. Nothing happens when it is not registered.
 PLATFORM_API void WithdrawInterface(const NS_BUNDLEMGR1::ServiceInterface* interface);
 
 }  // namespace host

@@ -5,8 +5,9 @@
 
 namespace host {
 
-/// Where the console keeps its history: "bundle_host/history" in the user's state directory, that is $XDG_STATE_HOME
-/// or ~/.local/state. The directories are made when they are missing. Empty when there is no such place.
+/// Where the console keeps its history: "bundle_host/history" in the user's state directory, that is
+/// $XDG_STATE_HOME or ~/.local/state. The directories are made when they are missing. Empty when there is no
+/// such place.
 std::string HistoryFile();
 
 }  // namespace host

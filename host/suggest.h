@@ -6,8 +6,9 @@
 
 namespace host {
 
-/// "; did you mean NAME?" for the name most like `word`, letter case aside; empty when none is like it: at most
-/// a third of its letters, and at least one, may have to be changed, added, dropped or swapped with the next.
+/// "; did you mean NAME?" for the name most like `word`, letter case aside; empty when none is like it: at
+/// most a third of its letters, and at least one, may have to be changed, added, dropped or swapped with the
+/// next.
 std::string DidYouMean(const std::string& word, const std::vector<std::string>& names);
 
 }  // namespace host

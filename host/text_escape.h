@@ -15,8 +15,8 @@ PLATFORM_API std::string EscapeBytes(std::string_view text);
 /// The same for a value on a line of its own: a blank at either end is escaped too, so that it is seen.
 PLATFORM_API std::string EscapeValue(std::string_view text);
 
-/// `text` with every \xNN (two hexadecimal digits, either case) as its byte. A backslash without them is a plain
-/// backslash.
+/// `text` with every \xNN (two hexadecimal digits, either case) as its byte. A backslash without them is a
+/// plain backslash.
 PLATFORM_API std::string UnescapeBytes(std::string_view text);
 
 }  // namespace host

@@ -24,15 +24,15 @@ struct Parameter {
   bool mayBeEmpty = true;  ///< for texts
 };
 
-/// Reads the argument of a parameter. \xNN stands for a byte in every text. An integer is one that fits 32 bits.
-/// A map is NAME=ITEM|ITEM,NAME=ITEM...: a name without "=" has an empty list, and a ',', '|' or '=' that belongs
-/// to a text is written as \x2c, \x7c, \x3d.
-/// Throws `UsageError` that names the parameter, the argument and what was expected.
+/// Reads the argument of a parameter. \xNN stands for a byte in every text. An integer is one that fits 32
+/// bits. A map is NAME=ITEM|ITEM,NAME=ITEM...: a name without "=" has an empty list, and a ',', '|' or '='
+/// that belongs to a text is written as \x2c, \x7c, \x3d. Throws `UsageError` that names the parameter, the
+/// argument and what was expected.
 Value ParseValue(const Parameter& parameter, const std::string& argument);
 
-/// Writes "LABEL: VALUE" for a truth, a number or a text; a list as "LABEL:" and its items on lines of their own, two
-/// blanks further in; a map as "LABEL:", its names each with ":", and their items below. Every line starts with
-/// `indent` blanks. Texts are escaped, a blank at either end too.
+/// Writes "LABEL: VALUE" for a truth, a number or a text; a list as "LABEL:" and its items on lines of their
+/// own, two blanks further in; a map as "LABEL:", its names each with ":", and their items below. Every line
+/// starts with `indent` blanks. Texts are escaped, a blank at either end too.
 void PrintValue(std::ostream& out, const std::string& label, const Value& value, std::size_t indent = 0);
 
 }  // namespace host

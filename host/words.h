@@ -17,8 +17,8 @@ using Words = std::vector<std::string>;
 ///   blank = space | tab | carriage return
 ///
 /// Between quotes every byte stands for itself, also the other quote, '#' and the backslash; a text with both
-/// quotes is written in pieces side by side: 'say "it'"'"'s"'. '' is an empty word. '#' starts a comment only where
-/// a word could start. The splitter leaves \xNN alone; the commands that take such texts resolve it.
+/// quotes is written in pieces side by side: 'say "it'"'"'s"'. '' is an empty word. '#' starts a comment only
+/// where a word could start. The splitter leaves \xNN alone; the commands that take such texts resolve it.
 ///
 /// Throws `UsageError` with the column, counted from 1, of a quote that is not closed.
 Words SplitWords(std::string_view line);

@@ -167,5 +167,5 @@ class ConsoleAtATerminal(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    HOST, BUNDLE = sys.argv[1:3]
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    HOST, BUNDLE = sys.argv[1:3]  # The third is for other tests.
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])

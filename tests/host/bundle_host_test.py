@@ -1,0 +1,314 @@
+#!/usr/bin/env python3
+"""The program from outside: real bundles, real files, exit codes and output as scripts see them.
+
+Usage: bundle_host_test.py BUNDLE_HOST LIBII_ASCII_UTIL DIRECTORY_OF_BROKEN_BUNDLES
+"""
+import json
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ALARMS = "# kind\tequipment\tcause\tnumber\tvalue\nLINK\tRTR\tdown\t7\t15\n"
+ITEMS = "[items]\nIsTransQuelt=0\n"
+
+
+class HostTest(unittest.TestCase):
+    def setUp(self):
+        self.dir = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, self.dir)
+        self.config = os.path.join(self.dir, "config")
+        self.write("config/ii_asciiagent_bundle/AlarmConfig.csv", ALARMS)
+        self.write("config/config_items.ini", ITEMS)
+
+    def write(self, name, text):
+        path = os.path.join(self.dir, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "w", encoding="latin-1", newline="") as file:
+            file.write(text)
+        return path
+
+    def host(self, *arguments, stdin="", environment=None):
+        env = {k: v for k, v in os.environ.items() if k != "BUNDLE_HOST_CONFIG_DIR"}
+        env.update(environment or {})
+        return subprocess.run([HOST, *arguments], input=stdin, env=env, capture_output=True, text=True, timeout=60,
+                              check=False)
+
+    def loaded(self, *arguments, stdin=""):
+        return self.host("--config-dir", self.config, "--log-level", "off", "--bundle", BUNDLE, *arguments, stdin=stdin)
+
+    def call(self, *arguments):
+        done = self.loaded("call", *arguments)
+        self.assertEqual((done.returncode, done.stderr), (0, ""), done)
+        return done.stdout
+
+    def assert_fails(self, done, code, message):
+        self.assertEqual(done.returncode, code, done)
+        self.assertEqual(done.stderr.count("\n"), 1, done.stderr)
+        self.assertIn(message, done.stderr)
+
+
+class Call(HostTest):
+    def test_every_operation_of_the_interface_answers(self):
+        for arguments, answer in [
+            (["GetSvcName"], "result: AsciiUtilService\n"),
+            (["IsValid"], "result: 1\n"),
+            (["Str2Num", "12abc", "10"], "result: false\nvalue: 12\n"),
+            (["Str2Num", "0x1A", "0"], "result: true\nvalue: 26\n"),
+            (["IsTransQueltEnabled"], "result: false\n"),
+            (["GetAlmCfgValue", "LINK", "RTR", "down", "7"], "result: 0\nvalue: 15\n"),
+            (["GetAlmCfgValue", "LINK", "RTR", "down", "8"], "result: 0\nvalue: 0\n"),
+            (["ToUpper", "abc-Xy9"], "result: ABC-XY9\n"),
+            (["IsContain", "bc", "abc"], "result: true\n"),
+            (["IsKeyValueAboveOne", "A", "A=2,B=1"], "result: true\n"),
+            (["GetKeyValue", "B", "A=2,B=one"], "result: one\n"),
+            (["ParseListMap", "A=1|2,PATH=x-y"], "result: 0\nmap:\n  A:\n    1\n    2\n  PATH:\n    x\n    y\n"),
+            (["GetMapList", "A=1|2,B", "A"], "result: 0\nitems:\n  1\n  2\n"),
+            (["GetMapList", "A=1|2,B", "B"], "result: 1\nitems:\n"),
+            (["SplitStr", "a; b;", ";"], "result: 0\npieces:\n  a\n  b\n  \n"),
+            (["WriteDbgLog", "x"], "result: 0\n"),
+        ]:
+            with self.subTest(arguments=arguments):
+                self.assertEqual(self.call(*arguments), answer)
+
+    def test_the_time_stamp_has_its_form(self):
+        self.assertRegex(self.call("GetTimeStamp"), r"^result: \d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\n$")
+
+    def test_every_text_function_answers(self):
+        for arguments, answer in [
+            (["Trim", " a b\t"], "a b"),
+            (["StrToUpper", "aB1"], "AB1"),
+            (["StrToLower", "aB1"], "ab1"),
+            (["Num2Str", "-2147483648"], "-2147483648"),
+            (["GetURLEncoding", "a b\\xc3\\xa9"], "a+b%e9"),
+            (["GetURLDecoding", "a+b%e9"], "a b\\xe9"),
+            (["SetURLDecoding", "50%"], "50%25"),
+            (["utf8toiso8859", "\\xc3\\xa9\\xe2\\x82\\xac\\xff"], "\\xe9??"),
+        ]:
+            with self.subTest(arguments=arguments):
+                self.assertEqual(self.call(*arguments), f"result: {answer}\n")
+
+    def test_a_wrong_argument_is_named_and_nothing_is_loaded(self):
+        done = self.host("--bundle", BUNDLE, "call", "Str2Num", "1", "ten")
+        self.assert_fails(done, 2, "Str2Num: argument 2, base: 'ten' is no integer")
+        self.assertEqual(done.stdout, "")
+
+    def test_a_wrong_number_of_arguments_is_told_with_the_right_one(self):
+        self.assert_fails(self.loaded("call", "ToUpper"), 2, "ToUpper takes 1 arguments, not 0: ToUpper text:text")
+
+    def test_an_unknown_operation_says_what_was_meant(self):
+        self.assert_fails(self.loaded("call", "touper", "a"), 2, "no operation 'touper'; did you mean ToUpper?")
+
+    def test_an_empty_separator_is_refused_since_the_operation_would_never_end(self):
+        self.assert_fails(self.loaded("call", "SplitStr", "a", ""), 2, "separator: '' is empty")
+
+    def test_without_the_bundle_there_is_no_interface_and_no_function(self):
+        self.assert_fails(self.host("call", "ToUpper", "a"), 1, "no AsciiUtilInterface is registered")
+        self.assert_fails(self.host("call", "Trim", "a"), 1, "no loaded library exports NS_ASCII::Trim")
+
+
+class Options(HostTest):
+    def test_wrong_usage_is_one_line_and_exit_code_2(self):
+        for arguments, message in [
+            ([], "a command is missing"),
+            (["--nonsense"], "no option '--nonsense'"),
+            (["bundels"], "no command 'bundels'; did you mean bundles?"),
+            (["consol"], "did you mean console?"),
+            (["--log-level", "7", "help"], "--log-level: '7' is no log level; there are 0, 1, 2 and off"),
+            (["--bundle"], "--bundle"),
+            (["run"], "run takes 1 argument, not 0"),
+            (["bundles", "--jason"], "'--jason' is no argument of a listing"),
+            (["set", "A", "b"], "set: 'b' is no integer"),
+            (["time", "0", "call", "IsValid"], "'0' is no number of repeats"),
+            (["time", "5", "bundles", "x"], "'bundles' cannot be timed"),
+        ]:
+            with self.subTest(arguments=arguments):
+                self.assert_fails(self.host(*arguments), 2, message)
+
+    def test_help_and_version_are_given(self):
+        self.assertIn("call OPERATION [ARGUMENT...]", self.host("--help").stdout)
+        self.assertRegex(self.host("--version").stdout, r"^bundle_host \d+\.\d+\.\d+\n$")
+        self.assertIn("SplitStr text:text separator:text -> integer, pieces:list", self.host("help", "call").stdout)
+        self.assertEqual(self.host("unload", "--help").stdout, self.host("help", "unload").stdout)
+
+    def test_an_unreadable_configuration_directory_is_told(self):
+        self.assert_fails(self.host("-c", self.dir + "/none", "bundles"), 1, "/none/: No such file or directory")
+
+    def test_the_environment_names_the_configuration_directory_too(self):
+        done = self.host("--log-level", "off", "--bundle", BUNDLE, "call", "GetAlmCfgValue", "LINK", "RTR", "down", "7",
+                         environment={"BUNDLE_HOST_CONFIG_DIR": self.config})
+        self.assertEqual(done.stdout, "result: 0\nvalue: 15\n")
+
+    def test_items_that_are_not_understood_stop_the_program(self):
+        self.write("config/config_items.ini", "[items]\nwhat is this\n")
+        self.assert_fails(self.loaded("items"), 1, "config_items.ini: a line is neither")
+
+    def test_the_log_goes_to_the_file_and_respects_the_level(self):
+        log = os.path.join(self.dir, "log")
+        arguments = ["--config-dir", self.config, "--bundle", BUNDLE, "--log-file", log]
+        self.assertEqual(self.host(*arguments, "--log-level", "2", "call", "IsTransQueltEnabled").stderr, "")
+        with open(log, encoding="ascii") as file:
+            self.assertRegex(file.read(), r"^\S+Z \[2\] asciiutilsvc:32 unknown: run successfull!! \n$")
+        self.host(*arguments, "call", "IsTransQueltEnabled")
+        with open(log, encoding="ascii") as file:
+            self.assertRegex(file.read(), r" \[1\] asciiutilifimpl:53 unknown: acces QueltTools \n$")
+
+    def test_a_log_file_that_cannot_be_opened_is_told(self):
+        self.assert_fails(self.host("--log-file", self.dir, "bundles"), 1, "cannot be opened for writing")
+
+
+class Loading(HostTest):
+    def broken(self, kind):
+        return os.path.join(BROKEN, f"libbroken_{kind}.so")
+
+    def test_a_missing_library_is_told(self):
+        self.assert_fails(self.host("-b", "/none.so", "bundles"), 1, "/none.so: no such library")
+        self.assert_fails(self.host("-b", "none", "bundles"), 1, "none: cannot be loaded: libnone.so")
+
+    def test_a_file_that_is_no_library_is_told(self):
+        path = self.write("libtext.so", "text")
+        self.assert_fails(self.host("-b", path, "bundles"), 1, "libtext.so: cannot be loaded")
+
+    def test_a_missing_factory_is_told_with_what_it_should_be(self):
+        self.assert_fails(self.host("-b", self.broken("no_factory"), "bundles"), 1, "has no factory _make_broken_no_factory")
+
+    def test_a_failing_init_leaves_nothing_behind(self):
+        for kind, reason in [("init_fails", "init failed"), ("null_factory", "the factory or init failed"),
+                             ("throwing", "no wheels")]:
+            with self.subTest(kind=kind):
+                self.assert_fails(self.host("-b", self.broken(kind), "bundles"), 1, reason)
+                lines = f"load {self.broken(kind)}\n"
+                done = self.host("run", "-", stdin=lines)
+                self.assert_fails(done, 1, "stdin:1: ")
+
+    def test_an_init_without_a_configuration_directory_fails(self):
+        self.assert_fails(self.host("--log-level", "off", "-b", BUNDLE, "bundles"), 1, "init failed")
+
+    def test_a_failing_fini_does_not_keep_a_bundle_loaded(self):
+        done = self.host("-b", self.broken("fini_fails"), "unload", "broken_fini_fails")
+        self.assertIn("libbroken_fini_fails.so is unmapped", done.stdout)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+
+    def test_an_object_that_its_exterminator_leaves_behind_is_told_and_destroyed(self):
+        library = self.broken("lazy_exterminator")
+        done = self.host("run", "-", stdin=f"load {library}\nunload broken_lazy_exterminator\n")
+        self.assertIn("libbroken_lazy_exterminator.so is unmapped", done.stdout)
+        self.assert_fails(done, 1, "its exterminator left the service object behind")
+
+    def test_a_library_that_stays_mapped_is_told_with_the_reason(self):
+        done = self.host("-b", self.broken("pinned"), "unload", "broken_pinned")
+        self.assertEqual(done.returncode, 0, done)
+        self.assertIn("is still mapped: it is linked with -z nodelete", done.stdout)
+
+    def test_a_second_bundle_of_one_name_is_refused(self):
+        self.assert_fails(self.loaded("load", BUNDLE), 2, "a bundle ii_ascii_util is loaded already; unload it first")
+
+    def test_an_argument_that_directives_cannot_pass_is_refused(self):
+        self.assert_fails(self.host("load", BUNDLE, "a'b"), 2, "which ACE's directives cannot pass on")
+
+    def test_a_svc_conf_loads_bundles(self):
+        conf = self.write("svc.conf", f"# one\n\ndynamic util Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n")
+        done = self.host("-c", self.config, "--log-level", "off", "--svc-conf", conf, "bundles", "--json")
+        self.assertEqual([row["name"] for row in json.loads(done.stdout)], ["util"])
+
+    def test_a_wrong_directive_is_told_with_its_place(self):
+        for text, place, reason in [
+            ("\n\nnonsense here\n", ":3: ", "'nonsense' is no directive"),
+            ("suspend nobody\n", ":1: ", "the directive failed"),
+            ("# x\ndynamic a Service_Object * /none.so:_make_a() \"\"\n", ":2: ", "/none.so: no such library"),
+            (f"dynamic a Service_Object * {BUNDLE}:_make_b() \"\"\n", ":1: ", "has no factory _make_b"),
+            ("dynamic a Service_Object * x:_y() \"open\n", ":1: ", "not closed"),
+            ("remove nobody\n", ":1: ", "no bundle 'nobody' is loaded"),
+        ]:
+            with self.subTest(text=text):
+                conf = self.write("svc.conf", text)
+                done = self.host("--svc-conf", conf, "bundles")
+                self.assert_fails(done, 1, conf + place)
+                self.assertIn(reason, done.stderr)
+
+    def test_loading_and_unloading_again_and_again_leaves_nothing(self):
+        once = f"load {BUNDLE}\ncall IsTransQueltEnabled\ncall WriteDbgLog x\nunload ii_ascii_util\n"
+        done = self.host("-c", self.config, "--log-level", "off", "run", "-", stdin=once * 300 + "services\ninterfaces --json\n")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertEqual(done.stdout.count("is unmapped\n"), 300)
+        self.assertNotIn("ii_ascii_util\n", done.stdout.splitlines()[-4:])
+        self.assertIn('"name":"AsciiUtilInterface","state":"withdrawn","count":"0"', done.stdout)
+
+
+class Console(HostTest):
+    def test_the_commands_of_a_file_run_in_order(self):
+        file = self.write("commands", "# comment\nset A 7\n\nitems\ncall ToUpper 'a  \"b'\nquit\nnonsense\n")
+        done = self.loaded("run", file)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertEqual(done.stdout, "ITEM          VALUE  READABLE\nA             7      yes\n"
+                                      "IsTransQuelt  0      yes\nresult: A  \"B\n")
+
+    def test_a_file_stops_at_the_first_bad_line_and_names_it(self):
+        file = self.write("commands", "call IsValid\n\ncall Nonsense\ncall IsValid\n")
+        done = self.loaded("run", file)
+        self.assertEqual(done.stdout, "result: 1\n")
+        self.assert_fails(done, 1, f"{file}:3: no operation 'Nonsense'")
+
+    def test_a_quote_that_is_not_closed_is_told_with_line_and_column(self):
+        self.assert_fails(self.loaded("run", "-", stdin="\ncall ToUpper 'a\n"), 1, "stdin:2: column 14: the quote ' is not closed")
+
+    def test_a_piped_console_shows_answer_out_values_and_records_under_headings(self):
+        done = self.loaded("console", stdin="call Str2Num 7 10\ncall WriteDbgLog hello\n")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertRegex(done.stdout, r"^Returned\n  result: true\nOut values\n  value: 7\nLog records\n  none\n"
+                                      r"Returned\n  result: 0\nOut values\n  none\nLog records\n  \S+Z \[0\] -:0 -: hello\n$")
+
+    def test_a_piped_console_stops_at_the_first_bad_line(self):
+        done = self.loaded("console", stdin="log\nunlod ii_ascii_util\nlog\n")
+        self.assertEqual(done.stdout, "log level: off\n")
+        self.assert_fails(done, 1, "stdin:2: no command 'unlod'; did you mean unload?")
+
+    def test_items_can_be_set_and_unset_while_the_bundle_runs(self):
+        done = self.loaded("run", "-", stdin="call IsTransQueltEnabled\nset IsTransQuelt 1\ncall IsTransQueltEnabled\n"
+                                             "set IsTransQuelt 2\ncall IsTransQueltEnabled\n"
+                                             "unset IsTransQuelt\ncall IsTransQueltEnabled\n")
+        self.assertEqual(done.stdout, "result: false\nresult: true\nresult: false\nresult: true\n")
+
+    def test_unsetting_a_missing_item_fails(self):
+        self.assert_fails(self.loaded("unset", "IsTransQuel"), 1, "there is no item 'IsTransQuel'; did you mean IsTransQuelt?")
+
+    def test_init_reads_the_configuration_again(self):
+        self.write("new.csv", "LINK\tRTR\tdown\t7\t16\n")
+        with subprocess.Popen([HOST, "-c", self.config, "--log-level", "off", "-b", BUNDLE, "run", "-"], text=True,
+                              stdin=subprocess.PIPE, stdout=subprocess.PIPE) as process:
+            process.stdin.write("call GetAlmCfgValue LINK RTR down 7\n")
+            process.stdin.flush()
+            self.assertEqual([process.stdout.readline() for _ in range(2)], ["result: 0\n", "value: 15\n"])
+            os.replace(self.dir + "/new.csv", self.config + "/ii_asciiagent_bundle/AlarmConfig.csv")
+            out, _ = process.communicate("init ii_ascii_util\ncall GetAlmCfgValue LINK RTR down 7\n", timeout=60)
+        self.assertEqual(out, "initialised ii_ascii_util\nresult: 0\nvalue: 16\n")
+
+    def test_listings_are_json_when_wanted(self):
+        done = self.loaded("run", "-", stdin="services --json\n")
+        self.assertEqual(json.loads(done.stdout),
+                         [{"bundle": "bundle_host", "service": "log", "interface": "BundleHostLog", "valid": "1"},
+                          {"bundle": "ii_asciiagent_bundle", "service": "ii_ascii_util", "interface": "AsciiUtilService",
+                           "valid": "1"}])
+
+    def test_a_name_that_was_looked_up_and_never_registered_is_listed(self):
+        library = os.path.join(BROKEN, "libbroken_pinned.so")
+        done = self.host("-b", library, "run", "-", stdin="interfaces --json\ninterfaces\n")
+        rows = json.loads(done.stdout[: done.stdout.index("\n]\n") + 3])
+        self.assertEqual([(row["name"], row["state"]) for row in rows],
+                         [("BrokenInterface", "registered"), ("LogSvcInterface", "registered"),
+                          ("WantedInterface", "never registered")])
+        self.assertRegex(done.stdout, r"WantedInterface  never registered  0      1        -              -\n")
+
+    def test_a_call_is_timed(self):
+        done = self.loaded("time", "1000", "call", "IsTransQueltEnabled")
+        self.assertRegex(done.stdout, r"^calls: 1000\nmedian: \d+ ns\nrate: \d+ per second\nlog records: 1000\n$")
+
+    def test_unloading_an_unknown_bundle_says_what_was_meant(self):
+        self.assert_fails(self.loaded("unload", "ii_asci_util"), 2, "no bundle 'ii_asci_util' is loaded; did you mean ii_ascii_util?")
+
+
+if __name__ == "__main__":
+    HOST, BUNDLE, BROKEN = sys.argv[1:4]
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])

@@ -1,0 +1,37 @@
+#include "host/directive.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using host::ParseDirective;
+
+TEST(Directive, ADynamicOneNamesServiceLibraryAndFactory) {
+  const auto parts = ParseDirective(" dynamic\tName Service_Object  * /a/b.so:_make_b() \"-x y\"");
+  EXPECT_EQ(parts.verb, "dynamic");
+  EXPECT_EQ(parts.name, "Name");
+  EXPECT_EQ(parts.library, "/a/b.so");
+  EXPECT_EQ(parts.factory, "_make_b");
+}
+
+TEST(Directive, BlanksMayStandAroundTheStarAndTheColon) {
+  const auto parts = ParseDirective("dynamic N Service_Object*lib : _make_b ()");
+  EXPECT_EQ(parts.library, "lib");
+  EXPECT_EQ(parts.factory, "_make_b");
+}
+
+TEST(Directive, AnotherVerbHasOnlyAName) {
+  const auto parts = ParseDirective("remove Name");
+  EXPECT_EQ(parts.verb, "remove");
+  EXPECT_EQ(parts.name, "Name");
+  EXPECT_EQ(parts.library, "");
+}
+
+TEST(Directive, ADynamicOneOfAnotherKindNamesNoLibrary) {
+  EXPECT_EQ(ParseDirective("dynamic N Module * lib:_make_b()").library, "");
+  EXPECT_EQ(ParseDirective("dynamic N Service_Object lib:_make_b()").library, "");
+  EXPECT_EQ(ParseDirective("dynamic N Service_Object * lib").library, "");
+  EXPECT_EQ(ParseDirective("").verb, "");
+}
+
+}  // namespace

@@ -1,0 +1,163 @@
+#include "host/log_service.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <ace/Log_Msg.h>
+
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <thread>
+
+#include "framework/interface_lookup.h"
+#include "framework/interface_registry.h"
+#include "host/log_sink.h"
+
+namespace {
+
+using NS_LOG_SERVICE1::Logger;
+using NS_LOG_SERVICE1::LogSvcInterface;
+
+LogSvcInterface* Fetch() {
+  NS_BUNDLEMGR1::InterfaceRef ref;
+  ref.buffer = NS_BUNDLEMGR1::CheckIFBuf("LogSvcInterface");
+  ref.lock = &NS_BUNDLEMGR1::_g_actualmutex;
+  return NS_BUNDLEMGR1::FetchInterface<LogSvcInterface>(ref);
+}
+
+class LogToFile : public testing::Test {
+ protected:
+  LogToFile() { host::SetLogLevel(0); }
+  ~LogToFile() override { std::remove(file_.c_str()); }
+
+  std::string Written() const {
+    std::ostringstream text;
+    text << std::ifstream(file_).rdbuf();
+    return text.str();
+  }
+
+  const std::string file_ = testing::TempDir() + "log_service_test.log";
+  const host::LogService service_;
+  Logger* const logger_ = Fetch()->GetLogger("a", "b", "c");
+};
+
+TEST_F(LogToFile, ALineShowsTimeLevelTagLineFunctionAndText) {
+  const host::LogOutput output(file_);
+  logger_->Log("unit", "unknown", 42, 1, "what happened ");
+  EXPECT_THAT(
+      Written(),
+      testing::MatchesRegex(
+          "[0-9]+-[0-9]+-[0-9]+T[0-9]+:[0-9]+:[0-9]+\\.[0-9]+Z \\[1\\] unit:42 unknown: what happened \n"));
+}
+
+TEST_F(LogToFile, EmptyTagAndFunctionAreDashes) {
+  EXPECT_THAT(host::LogLine({{}, 0, "", "", 0, "x"}), testing::HasSubstr(" [0] -:0 -: x"));
+}
+
+TEST_F(LogToFile, ATextCannotPretendToBeAnotherLine) {
+  const host::LogOutput output(file_);
+  logger_->Log("unit", "f", 1, 1, std::string("a\nb\0c", 5));
+  EXPECT_THAT(Written(), testing::EndsWith(": a\\x0ab\\x00c\n"));
+}
+
+TEST_F(LogToFile, AFormatIsFilledInAndABrokenOneIsVerbatim) {
+  const host::LogOutput output(file_);
+  logger_->LogF("unit", "f", 1, 1, "n=%d", 7);
+  logger_->LogF("unit", "f", 1, 1, "almconfig.cfg file error. line=s%", "bad");
+  EXPECT_THAT(Written(), testing::HasSubstr(": n=7\n"));
+  EXPECT_THAT(Written(), testing::EndsWith(": almconfig.cfg file error. line=s%\n"));
+}
+
+TEST_F(LogToFile, RecordsBelowTheLevelAreNotWritten) {
+  const host::LogOutput output(file_);
+  host::SetLogLevel(1);
+  logger_->Log("unit", "f", 1, 0, "low");
+  logger_->Log("unit", "f", 1, 1, "high");
+  host::SetLogLevel(host::kLogOff);
+  logger_->Log("unit", "f", 1, 2, "off");
+  EXPECT_THAT(Written(), testing::Not(testing::HasSubstr("low")));
+  EXPECT_THAT(Written(), testing::HasSubstr("high"));
+  EXPECT_THAT(Written(), testing::Not(testing::HasSubstr("off")));
+}
+
+TEST_F(LogToFile, ALongTextIsWhole) {
+  const host::LogOutput output(file_);
+  const std::string text(50'000, 'x');
+  logger_->Log("unit", "f", 1, 1, text);
+  EXPECT_THAT(Written(), testing::HasSubstr(": " + text + "\n"));
+}
+
+TEST_F(LogToFile, WhatAceComplainsAboutStandsThereToo) {
+  const host::LogOutput output(file_);
+  ACE_ERROR((LM_ERROR, ACE_TEXT("ace says %d\n"), 7));
+  EXPECT_THAT(Written(), testing::HasSubstr(" [-] ACE:0 -: ace says 7\n"));
+}
+
+TEST_F(LogToFile, ComplaintsOfAceAreCollectedWhenWanted) {
+  const host::LogOutput output(file_);
+  const host::AceComplaints complaints;
+  ACE_ERROR((LM_ERROR, ACE_TEXT("one\n")));
+  ACE_ERROR((LM_ERROR, ACE_TEXT("two\n")));
+  EXPECT_EQ(complaints.Text(), "one; two");
+  EXPECT_EQ(Written(), "");
+}
+
+TEST_F(LogToFile, LinesOfSeveralThreadsAllArriveWhole) {
+  const host::LogOutput output(file_);
+  std::thread threads[4];
+  for (std::thread& thread : threads) {
+    thread = std::thread([this] {
+      for (int i = 0; i < 250; ++i) logger_->Log("unit", "f", 1, 1, "0123456789");
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  std::istringstream lines(Written());
+  int count = 0;
+  for (std::string line; std::getline(lines, line); ++count)
+    EXPECT_THAT(line, testing::EndsWith("f: 0123456789"));
+  EXPECT_EQ(count, 1000);
+}
+
+TEST_F(LogToFile, AFileThatCannotBeOpenedIsReported) {
+  const host::LogOutput output("/nonexistent/log");
+  EXPECT_THAT(output.Problem(), testing::HasSubstr("/nonexistent/log: cannot be opened"));
+}
+
+TEST_F(LogToFile, ACaptureKeepsRecordsWhateverTheLevel) {
+  const host::LogOutput output(file_);
+  host::SetLogLevel(host::kLogOff);
+  const host::LogCapture capture;
+  logger_->Log("unit", "f", 9, 0, "seen");
+  ASSERT_EQ(capture.Count(), 1U);
+  EXPECT_EQ(capture.Records()[0].tag, "unit");
+  EXPECT_EQ(capture.Records()[0].line, 9);
+  EXPECT_EQ(capture.Records()[0].text, "seen");
+}
+
+TEST_F(LogToFile, OneLoggerServesATripleOfNames) {
+  EXPECT_EQ(Fetch()->GetLogger("a", "b", "c"), logger_);
+  EXPECT_NE(Fetch()->GetLogger("a", "b", "d"), logger_);
+}
+
+TEST_F(LogToFile, ALoggerThatAClientDestroysIsReplacedForTheNextOne) {
+  delete Fetch()->GetLogger("x", "y", "z");
+  Logger* const next = Fetch()->GetLogger("x", "y", "z");
+  ASSERT_NE(next, nullptr);
+  EXPECT_EQ(next->Log("unit", "f", 1, 1, "works"), 0);
+}
+
+TEST(LogService, ItsLoggersOutliveIt) {
+  Logger* logger = nullptr;
+  {
+    const host::LogService service;
+    logger = Fetch()->GetLogger("a", "b", "outlives");
+  }
+  EXPECT_EQ(NS_BUNDLEMGR1::CheckIFBuf("LogSvcInterface"), nullptr);
+  const host::LogCapture capture;
+  logger->Log("unit", "f", 1, 1, "still here");
+  EXPECT_EQ(capture.Count(), 1U);
+}
+
+}  // namespace

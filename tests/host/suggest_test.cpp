@@ -1,0 +1,25 @@
+#include "host/suggest.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using host::DidYouMean;
+
+TEST(DidYouMean, NamesTheNearestOne) {
+  EXPECT_EQ(DidYouMean("bundels", {"services", "bundles"}), "; did you mean bundles?");
+  EXPECT_EQ(DidYouMean("touper", {"ToUpper", "ToLower"}), "; did you mean ToUpper?");
+  EXPECT_EQ(DidYouMean("cal", {"call"}), "; did you mean call?");
+}
+
+TEST(DidYouMean, LettersCaseCountsNothing) {
+  EXPECT_EQ(DidYouMean("CALL", {"call"}), "; did you mean call?");
+}
+
+TEST(DidYouMean, IsSilentWhenNothingIsNear) {
+  EXPECT_EQ(DidYouMean("xyz", {"call", "bundles"}), "");
+  EXPECT_EQ(DidYouMean("", {"call"}), "");
+  EXPECT_EQ(DidYouMean("call", {}), "");
+}
+
+}  // namespace
