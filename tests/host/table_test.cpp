@@ -22,7 +22,7 @@ TEST(Table, WithoutRowsOnlyTheColumnNamesAreShown) {
 TEST(Table, BytesThatWouldBreakTheLineAreEscaped) {
   std::ostringstream out;
   host::PrintTable(out, {{"A", "B"}, {{"x\ny", "z"}}});
-  EXPECT_EQ(out.str(), "A        B\nx\\x0ay  z\n");
+  EXPECT_EQ(out.str(), "A       B\nx\\x0ay  z\n");
 }
 
 TEST(Table, JsonIsAnArrayOfObjectsWithLowerCaseKeys) {
