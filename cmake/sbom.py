@@ -1,0 +1,154 @@
+#!/usr/bin/env python3
+"""Writes a software bill of materials (CycloneDX 1.5, JSON) for built files, from what they are really linked to.
+
+  sbom.py --name NAME --version VERSION --output FILE [--compiled-in PACKAGE]... BINARY...
+
+Each BINARY becomes a component of NAME. What it needs is read from its dynamic section, what that needs from there on, and
+every library is looked up in the package database of the system it is built on, so names and versions are those of the
+Debian packages. --compiled-in names packages of headers only, which leave no trace in a file. The same input gives the same
+output.
+"""
+import argparse
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import uuid
+
+
+class Failure(Exception):
+    """What could not be found out, in one line."""
+
+
+def run(*command):
+    done = subprocess.run(command, text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+    if done.returncode != 0:
+        raise Failure(f"{' '.join(command)}: {done.stderr.strip() or 'failed'}")
+    return done.stdout
+
+
+def needed(path):
+    """The names that the file's dynamic section asks for, in its order."""
+    return re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "--dynamic", "--wide", str(path)))
+
+
+def system_libraries():
+    """Path of each library that the dynamic linker knows, by name; the first one counts, as it does for the linker."""
+    paths = {}
+    for name, path in re.findall(r"^\s*(\S+) \(.*\) => (\S+)$", run("/sbin/ldconfig", "-p"), re.MULTILINE):
+        paths.setdefault(name, path)
+    return paths
+
+
+def owner(path):
+    """The package that brought the file. The database may know it by its path before or behind a merged /usr."""
+    for candidate in [path, f"/usr{path}", path.removeprefix("/usr"), str(pathlib.Path(path).resolve())]:
+        done = subprocess.run(["dpkg-query", "--search", candidate], text=True, stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL, check=False)
+        if done.returncode == 0:
+            return done.stdout.splitlines()[0].split(",")[0].rsplit(": ", 1)[0]
+    raise Failure(f"{path} belongs to no package")
+
+
+def package_component(package):
+    name, version, architecture = run("dpkg-query", "--show", "--showformat=${Package}\t${Version}\t${Architecture}",
+                                      package).split("\t")
+    purl = f"pkg:deb/debian/{name}@{version.replace('+', '%2B').replace(':', '%3A')}?arch={architecture}"
+    return {"type": "library", "bom-ref": purl, "name": name, "version": version, "purl": purl, "properties": []}
+
+
+class Bill:
+    def __init__(self, own):
+        self.own = own              # our files by the name they are asked for
+        self.libraries = system_libraries()
+        self.components = {}        # package components by reference
+        self.reference_of = {}      # package reference by library name
+        self.depends = {}           # references by reference
+
+    def package_of(self, library):
+        """The reference of the package that a library is from. Follows what that library needs in turn."""
+        if library in self.reference_of:
+            return self.reference_of[library]
+        if library not in self.libraries:
+            raise Failure(f"{library} is needed, but the dynamic linker does not know it")
+        path = self.libraries[library]
+        reference = self.add_package(owner(path))
+        self.reference_of[library] = reference
+        self.components[reference]["properties"].append({"name": "linked:soname", "value": library})
+        for name in needed(path):
+            below = self.package_of(name)
+            if below != reference:
+                self.depends[reference].add(below)
+        return reference
+
+    def add_package(self, package):
+        component = package_component(package)
+        reference = component["bom-ref"]
+        if reference not in self.components:
+            self.components[reference] = component
+            self.depends[reference] = set()
+        return reference
+
+    def add_own(self, path, compiled_in):
+        """One of our files. Names in compiled_in are for programs, the only ones with header libraries inside."""
+        reference = f"file:{path.name}"
+        self.depends[reference] = {
+            f"file:{name}" if name in self.own else self.package_of(name) for name in needed(path)}
+        if not path.name.endswith(".so"):
+            self.depends[reference] |= set(compiled_in)
+        return {"type": "library" if path.name.endswith(".so") else "application", "bom-ref": reference, "name": path.name}
+
+
+def bill_of_materials(options):
+    binaries = [pathlib.Path(path) for path in options.binaries]
+    bill = Bill({path.name for path in binaries})
+    compiled_in = []
+    for package in options.compiled_in:
+        reference = bill.add_package(package)
+        bill.components[reference]["properties"].append({"name": "linked:headers", "value": "compiled in"})
+        compiled_in.append(reference)
+    parts = [dict(bill.add_own(path, compiled_in), version=options.version) for path in binaries]
+
+    root = f"{options.name}@{options.version}"
+    bill.depends[root] = {part["bom-ref"] for part in parts}
+    for component in bill.components.values():
+        component["properties"].sort(key=lambda entry: (entry["name"], entry["value"]))
+    document = {
+        "$schema": "http://cyclonedx.org/schema/bom-1.5.schema.json",
+        "bomFormat": "CycloneDX",
+        "specVersion": "1.5",
+        "version": 1,
+        "metadata": {
+            "component": {"type": "library", "bom-ref": root, "name": options.name, "version": options.version,
+                          "components": parts},
+        },
+        "components": [bill.components[reference] for reference in sorted(bill.components)],
+        "dependencies": [{"ref": reference, "dependsOn": sorted(bill.depends[reference])}
+                         for reference in sorted(bill.depends)],
+    }
+    # A serial number that follows from the contents, so that equal bills are equal files.
+    serial = uuid.uuid5(uuid.NAMESPACE_URL, json.dumps(document, sort_keys=True))
+    document["serialNumber"] = f"urn:uuid:{serial}"
+    return document
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("--name", required=True)
+    parser.add_argument("--version", required=True)
+    parser.add_argument("--output", required=True)
+    parser.add_argument("--compiled-in", action="append", default=[], metavar="PACKAGE")
+    parser.add_argument("binaries", nargs="+", metavar="BINARY")
+    options = parser.parse_args()
+    try:
+        document = bill_of_materials(options)
+    except Failure as failure:
+        print(f"sbom.py: {failure}", file=sys.stderr)
+        return 1
+    pathlib.Path(options.output).write_text(json.dumps(document, indent=2) + "\n")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,229 @@
+#!/usr/bin/env python3
+"""Looks at the Debian packages, installs them into an empty root and uses them from there; and holds the bill of materials
+against what is really linked.
+
+Inputs, from the environment: PACKAGES (where the packages are), ROOT (an empty directory to install into), BUILD (the build
+directory), BINARIES (our files, separated by ":"), CALLER (the caller of docs/interface.md), CXX.
+"""
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import unittest
+
+PACKAGES = pathlib.Path(os.environ["PACKAGES"])
+ROOT = pathlib.Path(os.environ["ROOT"])
+BUILD = pathlib.Path(os.environ["BUILD"])
+BINARIES = [pathlib.Path(path) for path in os.environ["BINARIES"].split(":")]
+NAMES = ["libii-ascii-util", "libii-ascii-util-dev", "ii-ascii-util-tools"]
+
+
+def run(*command, **options):
+    done = subprocess.run([str(word) for word in command], text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                          check=False, **options)
+    assert done.returncode == 0, f"{command}: {done.stdout}"
+    return done.stdout
+
+
+def package_file(name):
+    found = list(PACKAGES.glob(f"{name}_*.deb"))
+    assert len(found) == 1, found
+    return found[0]
+
+
+def field(name, what):
+    return run("dpkg-deb", "--field", package_file(name), what).strip()
+
+
+def depends(name):
+    """Package names that the package depends on."""
+    return {entry.split()[0] for entry in field(name, "Depends").split(", ")}
+
+
+def files(name):
+    """Everything in the package that is not a directory, by absolute path."""
+    listing = run("dpkg-deb", "--contents", package_file(name)).splitlines()
+    return {line.split()[5].removeprefix(".") for line in listing if not line.startswith("d")}
+
+
+def source_of(package):
+    return run("dpkg-query", "--show", "--showformat=${source:Package}", package)
+
+
+def owner(path):
+    for candidate in [path, path.removeprefix("/usr"), f"/usr{path}"]:
+        done = subprocess.run(["dpkg", "-S", candidate], text=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                              check=False)
+        if done.returncode == 0:
+            return done.stdout.splitlines()[0].split(": ")[0].split(",")[0].split(":")[0]
+    raise AssertionError(f"{path} belongs to no package")
+
+
+class Metadata(unittest.TestCase):
+    def test_three_packages_are_made(self):
+        made = {path.name.split("_")[0] for path in PACKAGES.glob("*.deb")}
+        self.assertEqual(made, set(NAMES))
+
+    def test_dependencies_are_computed_from_what_is_linked(self):
+        system = {"libace-7.0.8", "libc6", "libgcc-s1", "libstdc++6"}
+        self.assertEqual(depends("libii-ascii-util"), system)
+        self.assertLess(system | {"libii-ascii-util"}, depends("ii-ascii-util-tools") | {"nothing else"})
+        self.assertEqual(depends("libii-ascii-util-dev"), {"libii-ascii-util", "libace-dev"})
+
+    def test_sister_packages_are_wanted_in_the_same_version(self):
+        version = field("libii-ascii-util", "Version")
+        for name in NAMES[1:]:
+            self.assertIn(f"libii-ascii-util (= {version})", field(name, "Depends"))
+
+    @unittest.skipUnless(shutil.which("lintian"), "lintian is not installed")
+    def test_lintian_finds_nothing_wrong(self):
+        run("lintian", "--fail-on", "error,warning", *PACKAGES.glob("*.deb"))
+
+
+class Layout(unittest.TestCase):
+    def test_files_are_where_debian_expects_them(self):
+        triplet = run("gcc", "-print-multiarch").strip()
+        self.assertLessEqual({
+            f"/usr/lib/{triplet}/libii_ascii_util.so",
+            f"/usr/lib/{triplet}/libbundle_host.so",
+            "/usr/share/ii_ascii_util/svc.conf",
+            "/usr/share/ii_ascii_util/ii_ascii_util.cdx.json",
+        }, files("libii-ascii-util"))
+        self.assertLessEqual({
+            "/usr/include/ii_ascii_util/ascii_util/ascii_util_interface.h",
+            "/usr/include/ii_ascii_util/framework/service_interface.h",
+            f"/usr/lib/{triplet}/cmake/ii_ascii_util/ii_ascii_utilConfig.cmake",
+            f"/usr/lib/{triplet}/pkgconfig/ii_ascii_util.pc",
+            "/usr/share/doc/libii-ascii-util-dev/interface.md",
+        }, files("libii-ascii-util-dev"))
+        self.assertLessEqual({
+            "/usr/bin/bundle_host",
+            "/usr/bin/almcfg",
+            "/usr/share/man/man1/bundle_host.1.gz",
+            "/usr/share/man/man1/almcfg.1.gz",
+        }, files("ii-ascii-util-tools"))
+        for name in NAMES:
+            self.assertLessEqual({f"/usr/share/doc/{name}/copyright", f"/usr/share/doc/{name}/changelog.gz"}, files(name))
+
+    def test_no_file_is_in_two_packages(self):
+        runtime, development, tools = map(files, NAMES)
+        self.assertEqual((runtime & development) | (runtime & tools) | (development & tools), set())
+
+    def test_no_binary_has_a_run_path(self):
+        for name in ["libii-ascii-util", "ii-ascii-util-tools"]:
+            for path in files(name):
+                if path.endswith(".so") or path.startswith("/usr/bin/"):
+                    self.assertNotRegex(run("readelf", "--dynamic", f"{ROOT}{path}"), r"RPATH|RUNPATH")
+
+
+class CleanRoot(unittest.TestCase):
+    """The packages as a stranger finds them: nothing of ours but what they bring."""
+
+    @classmethod
+    def setUpClass(cls):
+        libraries = next(ROOT.glob("usr/lib/*/libii_ascii_util.so")).parent
+        cls.environment = {**os.environ, "LD_LIBRARY_PATH": str(libraries),
+                           "PKG_CONFIG_PATH": str(libraries / "pkgconfig")}
+        cls.work = ROOT / "home"
+        (cls.work / "config/ii_asciiagent_bundle").mkdir(parents=True, exist_ok=True)
+        (cls.work / "config/ii_asciiagent_bundle/AlarmConfig.csv").write_text("RNC/BSC\tLOF\tLINK\t7\t42\n")
+
+    def host(self, *words):
+        return run(ROOT / "usr/bin/bundle_host", "--config-dir", "config", *words, cwd=self.work, env=self.environment)
+
+    def svc_conf(self, more=""):
+        """The packaged sample; what it names is in the root here."""
+        sample = (ROOT / "usr/share/ii_ascii_util/svc.conf").read_text()
+        self.assertIn("* /usr/lib/", sample)
+        path = self.work / "svc.conf"
+        path.write_text(sample.replace("* /usr/lib/", f"* {ROOT}/usr/lib/") + more)
+        return path
+
+    def test_host_loads_the_installed_bundle_and_calls_it(self):
+        output = self.host("--svc-conf", self.svc_conf(), "call", "GetAlmCfgValue", "BSC", "LOF", "LINK", "7")
+        self.assertRegex(output, r"(?m)\b42$")
+
+    def test_caller_written_from_the_page_runs_in_the_host(self):
+        flags = run("pkg-config", "--cflags", "--libs", "ii_ascii_util-headers", env=self.environment).split()
+        library = self.work / "libcaller.so"
+        run(os.environ["CXX"], "-std=c++17", "-shared", "-fPIC", os.environ["CALLER"], "-o", library, *flags)
+        output = self.host("--svc-conf", self.svc_conf(f'dynamic caller Service_Object * {library}:_make_caller() ""\n'),
+                           "call", "ToUpper", "abc")
+        self.assertIn("LINK DOWN", output.splitlines())
+
+    def test_text_functions_link_by_pkg_config(self):
+        flags = run("pkg-config", "--cflags", "--libs", "ii_ascii_util", env=self.environment).split()
+        program = self.work / "text"
+        source = pathlib.Path(__file__).resolve().parent.parent / "consumers/text.cpp"
+        run(os.environ["CXX"], "-std=c++17", source, "-o", program, *flags)
+        self.assertEqual(run(program, env=self.environment).splitlines()[0], "ab c")
+
+    def test_manual_pages_format_without_a_complaint(self):
+        pages = list(ROOT.glob("usr/share/man/man1/*.1.gz"))
+        self.assertGreaterEqual(len(pages), 2)
+        for page in pages:
+            source = run("zcat", page)
+            # groff knows when a page asks for something that is not there.
+            self.assertEqual(run("groff", "-man", "-Tutf8", "-ww", "-z", input=source), "")
+
+
+class Bill(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.bill = json.loads((BUILD / "ii_ascii_util.cdx.json").read_text())
+        cls.names = {component["name"]: component for component in cls.bill["components"]}
+        cls.linked = {name for name, component in cls.names.items()
+                      if any(entry["name"] == "linked:soname" for entry in component["properties"])}
+
+    def test_is_a_cyclonedx_document_whose_references_hold(self):
+        self.assertEqual((self.bill["bomFormat"], self.bill["specVersion"]), ("CycloneDX", "1.5"))
+        self.assertRegex(self.bill["serialNumber"], r"^urn:uuid:[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}$")
+        root = self.bill["metadata"]["component"]
+        known = [component["bom-ref"] for component in [root, *root["components"], *self.bill["components"]]]
+        self.assertEqual(len(known), len(set(known)))
+        self.assertEqual(sorted(entry["ref"] for entry in self.bill["dependencies"]), sorted(known))
+        for entry in self.bill["dependencies"]:
+            self.assertLessEqual(set(entry["dependsOn"]), set(known))
+
+    def test_lists_our_files(self):
+        parts = {part["name"] for part in self.bill["metadata"]["component"]["components"]}
+        self.assertEqual(parts, {binary.name for binary in BINARIES})
+
+    def test_lists_exactly_the_packages_that_the_dynamic_linker_loads(self):
+        ours = {binary.name for binary in BINARIES}
+        loaded = set()
+        for binary in BINARIES:
+            for name, path in re.findall(r"^\s*(\S+)(?: => (\S+))? \(0x", run("ldd", binary), re.MULTILINE):
+                # The kernel's own object is no file, and belongs to nobody.
+                if name not in ours and (path or name).startswith("/"):
+                    loaded.add(owner(path or name))
+        self.assertEqual(self.linked, loaded)
+
+    def test_versions_are_those_of_the_installed_packages(self):
+        for name, component in self.names.items():
+            self.assertEqual(component["version"], run("dpkg-query", "--show", "--showformat=${Version}", name))
+
+    def test_agrees_with_the_computed_package_dependencies(self):
+        named = depends("libii-ascii-util") | depends("ii-ascii-util-tools")
+        self.assertLessEqual(named - set(NAMES), self.linked)
+
+    def test_every_header_that_was_compiled_in_is_of_a_listed_source(self):
+        """By the compiler's own lists of the headers it read. The kernel's headers hold no code."""
+        objects = run("ninja", "-C", BUILD, "-t", "deps")
+        ours = [block for block in objects.split("\n\n") if re.match(r"(?:ninja: .*\n)?(src|host|tools)/", block)]
+        headers = {line.strip() for block in ours for line in block.splitlines() if line.startswith("    /usr/")}
+        self.assertGreater(len(headers), 100)
+        # One header for each directory will do: packages do not share them below these depths.
+        one_each = {str(pathlib.Path(header).parent): header for header in sorted(headers)}
+        sources = {source_of(owner(header)) for header in one_each.values()}
+        self.assertLessEqual(sources - {"linux"}, {source_of(name) for name in self.names})
+
+    def test_is_the_one_in_the_package(self):
+        packaged = (ROOT / "usr/share/ii_ascii_util/ii_ascii_util.cdx.json").read_bytes()
+        self.assertEqual(packaged, (BUILD / "ii_ascii_util.cdx.json").read_bytes())
+
+
+if __name__ == "__main__":
+    unittest.main()
