@@ -18,7 +18,7 @@ case "${1:-}" in
   *) echo "test.sh: unknown preset '$1'; there are release, debug, asan, tsan and coverage" >&2; exit 2 ;;
 esac
 
-scripts/setup.sh build test check
+scripts/setup.sh build test check package
 
 # Quiet while it goes well; the whole story when it does not.
 quietly() {

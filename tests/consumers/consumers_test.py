@@ -132,7 +132,8 @@ class PkgConfig(Consumer):
         self.must("cmake", "--install", root / "build", "--component", "development")
         self.assertEqual(pkg_config("--cflags", "ii_ascii_util", below=root / "here"),
                          f"-I{root}/there/include/ii_ascii_util")
-        self.assertEqual(pkg_config("--libs", "ii_ascii_util", below=root / "here"), f"-L{root}/here/lib -lii_ascii_util")
+        self.assertEqual(pkg_config("--libs", "ii_ascii_util", below=root / "here"),
+                         f"-L{root}/here/lib -Wl,-rpath-link,{root}/here/lib -lii_ascii_util")
         self.assertTrue((root / "there/include/ii_ascii_util/ascii_util/text_functions.h").is_file())
 
 

@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""Compares the manual page of bundle_host with what the program says of itself: manual_test.py PROGRAM PAGE.
+
+Options and commands must be the same, with the same arguments, and each must be explained beginning with the words that
+--help has for it.
+"""
+import pathlib
+import re
+import subprocess
+import sys
+import unittest
+
+PROGRAM, PAGE = sys.argv[1:3]
+
+
+def plain(text):
+    """A line of the page without its marks."""
+    return re.sub(r"\\f.", "", text).replace(r"\-", "-").replace(r"\(aq", "'").replace(r"\e", "\\")
+
+
+def entries(section):
+    """Head and first words of every .TP entry of a section of the page."""
+    page = pathlib.Path(PAGE).read_text()
+    body = re.search(rf"^\.SH {section}\n(.*?)(?=^\.SH |\Z)", page, re.MULTILINE | re.DOTALL).group(1)
+    found = re.findall(r"^\.TP\n\.B (.*)\n(.*)$", body, re.MULTILINE)
+    return {plain(head): plain(words) for head, words in found}
+
+
+def helped():
+    """What --help lists: options, then commands, each as head and words."""
+    text = subprocess.run([PROGRAM, "--help"], text=True, stdout=subprocess.PIPE, check=True).stdout
+    options, commands = text.split("\nCommands:\n")
+    rows = {"OPTIONS": re.findall(r"^  (-\S.*?) {2,}(\S.*)$", options, re.MULTILINE),
+            "COMMANDS": re.findall(r"^  ([a-z]\S*.*?) {2,}(\S.*)$", commands, re.MULTILINE)}
+    return {section: {head.replace(",--", ", --").replace(" ...", ""): words for head, words in pairs}
+            for section, pairs in rows.items()}
+
+
+class ManualPage(unittest.TestCase):
+    def compare(self, section):
+        said = helped()[section]
+        written = entries(section)
+        self.assertGreater(len(said), 5)
+        self.assertEqual(sorted(said), sorted(written))
+        for head, words in said.items():
+            self.assertTrue(written[head].lower().startswith(words.lower()), f"{head}: {written[head]!r}, --help: {words!r}")
+
+    def test_options_are_those_of_the_program(self):
+        self.compare("OPTIONS")
+
+    def test_commands_are_those_of_the_program(self):
+        self.compare("COMMANDS")
+
+    def test_environment_variable_is_the_one_in_help(self):
+        text = subprocess.run([PROGRAM, "--help"], text=True, stdout=subprocess.PIPE, check=True).stdout
+        named = re.search(r"environment variable (\w+)", text).group(1)
+        self.assertIn(named, entries("ENVIRONMENT"))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
