@@ -11,7 +11,7 @@ usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
 packages_of() {
   case "$1" in
     build) echo "g++ cmake ninja-build pkg-config python3 libace-dev libcli11-dev nlohmann-json3-dev libedit-dev" ;;
-    test) echo "libgtest-dev libgmock-dev binutils valgrind python3 abigail-tools" ;;
+    test) echo "libgtest-dev locales libgmock-dev binutils valgrind python3 abigail-tools" ;;
     check) echo "clang clang-format clang-tidy libclang-rt-14-dev" ;;
     bench) echo "libbenchmark-dev libabsl-dev libboost1.81-dev libboost-url1.81-dev libpoco-dev libglib2.0-dev" \
                 "libcurl4-openssl-dev libfmt-dev libtbb-dev gnuplot-nox" ;;

@@ -11,11 +11,13 @@
 /// is loaded.
 ///
 /// Threads: any. The shared logger is read and written without a lock: of several first messages at the
-/// same time each may fetch a logger, and the last one stored stays. `_g_actualmutex` is held only while the
-/// library's null interface is made, never across a call into the log service.
+/// same time each may fetch a logger, and the last one stored stays. `_g_actualmutex` is held while the
+/// library's null interface is made and while an interface is searched for, never across a call into the log
+/// service.
 ///
-/// Errors: what goes wrong while a logger is obtained never reaches the caller (an exception that an
-/// interface lookup must not let out ends the process); what the logger itself throws does.
+/// Errors: a log service that is missing, cannot be looked up, or throws when asked for a logger never
+/// reaches the caller; it only costs the message. (An exception that an interface lookup must not let out
+/// ends the process.) What the registry or the logger itself throws does reach the caller.
 namespace NS_ASCII {
 
 /// Sends `text` (NUL-terminated) from the source unit `tag` and its line `line`.
