@@ -11,11 +11,12 @@ namespace {
 bool IsCallForHelp(const Words& words) { return words.size() == 2 && words[1] == "--help"; }
 
 std::string CountText(const Command& command) {
+  const std::string least = std::to_string(command.least);
   if (command.least == command.most) {
-    return std::to_string(command.least);
+    return least + (command.least == 1 ? " argument" : " arguments");
   }
-  const std::string atLeast = std::to_string(command.least);
-  return command.most == kAnyNumber ? atLeast + " or more" : atLeast + " to " + std::to_string(command.most);
+  const std::string most = command.most == kAnyNumber ? " or more" : " to " + std::to_string(command.most);
+  return least + most + " arguments";
 }
 
 }  // namespace
@@ -61,7 +62,7 @@ void CheckCommand(const Words& words) {
   }
   const Words arguments(words.begin() + 1, words.end());
   if (arguments.size() < command.least || arguments.size() > command.most) {
-    throw UsageError(command.name + " takes " + CountText(command) + " arguments, not " +
+    throw UsageError(command.name + " takes " + CountText(command) + ", not " +
                      std::to_string(arguments.size()) + ": " + Usage(command));
   }
   if (command.check != nullptr) {

@@ -223,7 +223,8 @@ std::string Synopsis(const Operation& operation) {
 
 std::vector<Value> ParseArguments(const Operation& operation, const std::vector<std::string>& arguments) {
   if (arguments.size() != operation.in.size()) {
-    throw UsageError(operation.name + " takes " + std::to_string(operation.in.size()) + " arguments, not " +
+    throw UsageError(operation.name + " takes " + std::to_string(operation.in.size()) +
+                     (operation.in.size() == 1 ? " argument, not " : " arguments, not ") +
                      std::to_string(arguments.size()) + ": " + Synopsis(operation));
   }
   std::vector<Value> values;

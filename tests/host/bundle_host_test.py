@@ -96,7 +96,7 @@ class Call(HostTest):
         self.assertEqual(done.stdout, "")
 
     def test_a_wrong_number_of_arguments_is_told_with_the_right_one(self):
-        self.assert_fails(self.loaded("call", "ToUpper"), 2, "ToUpper takes 1 arguments, not 0: ToUpper text:text")
+        self.assert_fails(self.loaded("call", "ToUpper"), 2, "ToUpper takes 1 argument, not 0: ToUpper text:text")
 
     def test_an_unknown_operation_says_what_was_meant(self):
         self.assert_fails(self.loaded("call", "touper", "a"), 2, "no operation 'touper'; did you mean ToUpper?")

@@ -113,7 +113,7 @@ std::string Problem(const std::string& name, const std::vector<std::string>& arg
 TEST(OperationArguments, AProblemNamesTheArgumentAndWhatWasExpected) {
   EXPECT_EQ(Problem("Str2Num", {"42", "ten"}),
             "Str2Num: argument 2, base: 'ten' is no integer from -2147483648 to 2147483647");
-  EXPECT_EQ(Problem("ToUpper", {}), "ToUpper takes 1 arguments, not 0: ToUpper text:text -> text");
+  EXPECT_EQ(Problem("ToUpper", {}), "ToUpper takes 1 argument, not 0: ToUpper text:text -> text");
   EXPECT_EQ(Problem("SplitStr", {"a", ""}),
             "SplitStr: argument 2, separator: '' is empty, and the operation would never end");
   EXPECT_EQ(Problem("touper", {}), "no operation 'touper'; did you mean ToUpper?");
