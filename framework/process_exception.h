@@ -17,6 +17,7 @@ class PLATFORM_API ProcessException : public std::exception {
  public:
   ProcessException() = default;
 
+  /// Copies the numbers and takes the texts out of `other`, whose streams are empty afterwards.
   ProcessException(ProcessException& other) : std::exception(other), code(other.code), detail(other.detail) {
     Drain(other.stream1, stream1);
     Drain(other.stream2, stream2);
@@ -27,12 +28,12 @@ class PLATFORM_API ProcessException : public std::exception {
   ProcessException& operator=(const ProcessException&) = delete;
   ~ProcessException() override = default;
 
-  std::int32_t code = 0;    ///< which failure
-  std::int32_t detail = 0;  ///< a second number that belongs to it
-  std::stringstream stream1;
-  std::stringstream stream2;
-  std::stringstream stream3;
-  std::stringstream stream4;
+  std::int32_t code = 0;      ///< which failure
+  std::int32_t detail = 0;    ///< a second number that belongs to it
+  std::stringstream stream1;  ///< the first text
+  std::stringstream stream2;  ///< the second text
+  std::stringstream stream3;  ///< the third text
+  std::stringstream stream4;  ///< the fourth text
 
  private:
   static void Drain(std::stringstream& from, std::stringstream& to) {

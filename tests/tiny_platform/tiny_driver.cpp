@@ -1,5 +1,5 @@
-// Loads a bundle on the tiny platform and takes it through its life: tiny_driver BUNDLE. Prints what it is answered,
-// one line each, for a test to compare; exits 1 when the bundle cannot be loaded.
+// Loads a bundle on the tiny platform and takes it through its life: tiny_driver BUNDLE. Prints what it is
+// answered, one line each, for a test to compare; exits 1 when the bundle cannot be loaded.
 
 #include <dlfcn.h>
 

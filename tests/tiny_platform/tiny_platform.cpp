@@ -1,6 +1,6 @@
-// The smallest provider of the platform that a bundle can live on: a registry, a configuration directory from the
-// environment, no configuration items, no other bundles, no log service. It shows how much a provider has to bring,
-// and proves that the bundle asks for nothing that only the host has.
+// The smallest provider of the platform that a bundle can live on: a registry, a configuration directory from
+// the environment, no configuration items, no other bundles, no log service. It shows how much a provider has
+// to bring, and proves that the bundle asks for nothing that only the host has.
 
 #include <cstdarg>
 #include <cstdio>

@@ -1,0 +1,116 @@
+#!/usr/bin/env python3
+"""Holds what the pages say against the sources: pages_test.py [TEST]. TABLE_MEMORY in the environment is that program."""
+import os
+import pathlib
+import re
+import subprocess
+import unittest
+
+PROJECT = pathlib.Path(__file__).resolve().parent.parent.parent
+DOCS = PROJECT / "docs"
+PAGES = [PROJECT / name for name in ["README.md", "CONTRIBUTING.md", "CHANGELOG.md"]] + sorted(DOCS.glob("*.md"))
+SOURCES = (".h", ".cpp")
+
+
+def rows(page, heading):
+    """The cells of each line of the table whose first head cell is given."""
+    lines = page.read_text().splitlines()
+    start = next(number for number, line in enumerate(lines) if line.startswith(f"| {heading} |")) + 2
+    for line in lines[start:]:
+        if not line.startswith("|"):
+            return
+        yield [cell.strip() for cell in re.split(r"(?<!\\)\|", line)[1:-1]]
+
+
+def code(cell):
+    return re.findall(r"`([^`]+)`", cell)
+
+
+class Architecture(unittest.TestCase):
+    page = DOCS / "architecture.md"
+
+    def test_every_include_is_one_that_the_house_allows(self):
+        rooms = {code(room)[0]: code(allowed) for room, _, allowed in rows(self.page, "room")}
+        self.assertEqual(len(rooms), 6)
+        for room, allowed in rooms.items():
+            # What callers include is found below include/, everything else from the root.
+            prefixes = tuple(folder.removeprefix("include/") for folder in allowed)
+            files = [path for path in (PROJECT / room).rglob("*") if path.suffix in SOURCES]
+            self.assertTrue(files, room)
+            for path in files:
+                for include in re.findall(r'^#include "([^"]+)"', path.read_text(), re.MULTILINE):
+                    self.assertTrue(include.startswith(prefixes), f"{path} includes {include}")
+
+    def test_units_are_those_of_the_source_folder(self):
+        named = [unit for units, _ in rows(self.page, "unit") for unit in code(units)]
+        there = {path.stem for path in (PROJECT / "src").iterdir() if path.suffix in SOURCES}
+        self.assertEqual(sorted(named), sorted(there))
+
+    def test_memory_of_the_table_is_as_measured(self):
+        written = [f"{entries} {table}" for entries, table, _ in rows(self.page, "entries")]
+        measured = subprocess.run([os.environ["TABLE_MEMORY"]], text=True, stdout=subprocess.PIPE, check=True).stdout
+        self.assertEqual(written, measured.splitlines(), "write the measured figures, and the arithmetic above them, anew")
+
+
+class BinaryContract(unittest.TestCase):
+    page = DOCS / "binary-contract.md"
+
+    def test_slots_are_those_of_the_header(self):
+        header = (PROJECT / "include/ascii_util/ascii_util_interface.h").read_text()
+        declared = re.findall(r"/// Slot (\d+)\..*?virtual [^(]*?(\w+)\(", header, re.DOTALL)
+        self.assertEqual(len(declared), 12)
+        slots = {code(name)[0]: text for name, text in rows(self.page, "class")}
+        written = re.findall(r"(\d+) `(\w+)`", slots["AsciiUtilInterface"])
+        self.assertEqual(written, declared)
+
+    def test_exported_functions_are_those_of_the_version_script(self):
+        script = (PROJECT / "src/exports.map").read_text()
+        exported = re.findall(r"^\s+(?:_ZN8NS_ASCII\d+([A-Za-z0-9]+?)(?:E\*|B5cxx11Ei)|(_make\w+));", script, re.MULTILINE)
+        written = [name.removeprefix("NS_ASCII::") for cell, _ in rows(self.page, "symbol") for name in code(cell)]
+        self.assertEqual(sorted(written), sorted(mangled or plain for mangled, plain in exported))
+
+
+class Everywhere(unittest.TestCase):
+    def test_links_lead_somewhere(self):
+        checked = 0
+        for page in PAGES:
+            for target in re.findall(r"\]\(([^)\s]+)\)", page.read_text()):
+                if "://" in target:
+                    continue
+                name, _, anchor = target.partition("#")
+                to = (page.parent / name).resolve() if name else page
+                self.assertTrue(to.exists(), f"{page.name}: {target}")
+                if anchor:
+                    headings = re.findall(r"^#+ (.*)$", to.read_text(), re.MULTILINE)
+                    anchors = {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-") for heading in headings}
+                    self.assertIn(anchor, anchors, page.name)
+                checked += 1
+        self.assertGreater(checked, 10)
+
+    def test_scripts_that_pages_name_are_there_and_say_what_they_do(self):
+        named = {name for page in PAGES for name in re.findall(r"\bscripts/\w+\.sh\b", page.read_text())}
+        there = {f"scripts/{path.name}" for path in (PROJECT / "scripts").glob("*.sh")}
+        self.assertEqual(named - there, set())
+        for script in sorted(there):
+            done = subprocess.run([PROJECT / script, "--help"], text=True, stdout=subprocess.PIPE, check=False)
+            self.assertEqual(done.returncode, 0, script)
+            self.assertIn(script, done.stdout)
+            self.assertGreater(len(done.stdout.splitlines()), 2, script)
+
+    def test_configure_options_that_pages_name_exist(self):
+        recipes = "".join(path.read_text() for path in [PROJECT / "CMakeLists.txt", *(PROJECT / "cmake").glob("*.cmake")])
+        defined = set(re.findall(r"(?:option|set)\((ASCII_UTIL_\w+)", recipes))
+        for page in PAGES:
+            for name in re.findall(r"\bASCII_UTIL_[A-Z_]*[A-Z]\b", page.read_text()):
+                self.assertIn(name, defined, page.name)
+
+    def test_changelog_has_the_version_and_lines_that_fit_a_terminal(self):
+        version = re.search(r"VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text().split("project(")[1]).group(1)
+        changelog = (PROJECT / "CHANGELOG.md").read_text()
+        self.assertRegex(changelog, rf"(?m)^## {re.escape(version)} - \d\d\d\d-\d\d-\d\d$")
+        self.assertEqual([line for line in changelog.splitlines() if len(line) > 78], [])
+        self.assertIn(f'"ii_ascii_util {version}"', (DOCS / "man/bundle_host.1").read_text().splitlines()[0])
+
+
+if __name__ == "__main__":
+    unittest.main()
