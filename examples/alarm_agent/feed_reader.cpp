@@ -55,7 +55,7 @@ FeedReader::FeedReader(const std::string& path)
 }
 
 bool FeedReader::Next(FeedLine& line) {
-  line = {number_ + 1, {}, true};
+  line = {++number_, {}, true};
   bool hasBegun = false;
   while (!rest_.empty() || Fill()) {
     hasBegun = true;
@@ -66,7 +66,6 @@ bool FeedReader::Next(FeedLine& line) {
       break;
     }
   }
-  number_ += hasBegun ? 1 : 0;
   return hasBegun;
 }
 

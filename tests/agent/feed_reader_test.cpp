@@ -119,6 +119,14 @@ TEST(FeedReader, ALineOverTheLimitIsCutAndMarkedAndTheNextOneIsWhole) {
   EXPECT_EQ(line.text, "z");
 }
 
+TEST(FeedReader, ALineThatWasCutStaysMarkedThoughItsEndComesInAChunkOfItsOwn) {
+  const TempDir dir;
+  FeedReader reader(dir.Write("feed", std::string(2 * FeedReader::kMaxLine, 'x') + "\n"));
+  FeedLine line;
+  ASSERT_TRUE(reader.Next(line));
+  EXPECT_FALSE(line.isWhole);
+}
+
 TEST(FeedReader, AFeedThatDoesNotExistIsRefused) {
   EXPECT_EQ(ComplaintAbout("/nowhere/feed.txt"),
             "the feed \"/nowhere/feed.txt\" cannot be opened: No such file or directory");
