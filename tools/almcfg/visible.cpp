@@ -136,6 +136,7 @@ std::size_t CharacterCount(std::string_view text) {
 
 std::vector<Glyph> Glyphs(std::string_view text, Blanks blanks) {
   std::vector<Glyph> glyphs;
+  glyphs.reserve(text.size());
   for (std::size_t at = 0; at < text.size(); at += glyphs.back().bytes) {
     glyphs.push_back(OneGlyph(text, at, blanks));
   }
