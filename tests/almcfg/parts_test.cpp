@@ -54,7 +54,7 @@ std::string UnderCaret(const Snippet& snippet) {
   std::size_t width = 0;
   for (const Glyph& glyph : Glyphs(snippet.text, Blanks::kAtEdges)) {
     if (width == snippet.indent) {
-      return glyph.shown;
+      return std::string(glyph.bytes);
     }
     width += glyph.width;
   }

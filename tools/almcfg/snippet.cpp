@@ -35,7 +35,7 @@ Snippet MakeSnippet(std::string_view line, std::size_t column, std::size_t lengt
     if (at < skip) {
       dropped = at + glyph.width;
     } else if (at + glyph.width <= skip + kWidth) {
-      snippet.text += glyph.shown;
+      Append(snippet.text, glyph);
     } else {
       snippet.text += kEllipsis;
       break;

@@ -27,18 +27,19 @@ std::string Painted(bool color, const char* paint, const std::string& text) {
   return color ? paint + text + kReset : text;
 }
 
-void WriteSource(std::ostream& out, const SourceText& text, const Finding& finding, bool color) {
+void AppendSource(std::string& out, const SourceText& text, const Finding& finding, bool color) {
   if (finding.line > text.lineCount()) {
     return;
   }
   const Blanks blanks = finding.code == Code::kWrongSeparator ? Blanks::kAll : Blanks::kAtEdges;
   const Line line = text.line(finding.line);
   const Snippet snippet = MakeSnippet(line.text, finding.column, finding.length, blanks);
-  out << "  " << snippet.text << (finding.column > kLongestLine ? "…" : "") << "\n  "
-      << std::string(snippet.indent, ' ') << Painted(color, kGreen, '^' + std::string(snippet.width - 1, '~'))
-      << '\n';
+  out += "  " + snippet.text + (finding.column > kLongestLine ? "…" : "") + "\n  " +
+         std::string(snippet.indent, ' ');
+  out += Painted(color, kGreen, '^' + std::string(snippet.width - 1, '~')) + '\n';
   if (finding.otherLine != 0) {
-    out << "  line " << finding.otherLine << ": " << LineExcerpt(text.line(finding.otherLine).text) << '\n';
+    out += "  line " + std::to_string(finding.otherLine) + ": " +
+           LineExcerpt(text.line(finding.otherLine).text) + '\n';
   }
 }
 
@@ -72,11 +73,11 @@ void WriteFinding(std::ostream& out, const SourceText& text, const Finding& find
   const Trap& trap = TrapOf(finding.code);
   const std::string where = Printable(text.name()) + ':' + std::to_string(finding.line) + ':' +
                             std::to_string(finding.column) + ':';
-  out << Painted(color, kBold, where) << ' '
-      << Painted(color, ColorOf(trap.severity), NameOf(trap.severity) + std::string(":")) << ' '
-      << finding.message << " [" << trap.name << "]\n";
-  WriteSource(out, text, finding, color);
-  out << "  hint: " << finding.hint << '\n';
+  std::string lines = Painted(color, kBold, where) + ' ' +
+                      Painted(color, ColorOf(trap.severity), NameOf(trap.severity) + std::string(":")) + ' ' +
+                      finding.message + " [" + trap.name + "]\n";
+  AppendSource(lines, text, finding, color);
+  out << lines << "  hint: " << finding.hint << '\n';
 }
 
 std::string Summary(const Tally& tally) {

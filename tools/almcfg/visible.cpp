@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 
 namespace almcfg {
 namespace {
@@ -34,17 +33,6 @@ bool IsUnprintable(std::uint32_t code) {
          IsBetween(code, 0xE0000, 0xE0FFF);
 }
 
-std::string Escape(std::string_view bytes) {
-  std::string escaped;
-  for (const char byte : bytes) {
-    std::array<char, 5> text;
-    std::snprintf(text.data(), text.size(), "\\x%02X",
-                  static_cast<unsigned>(static_cast<unsigned char>(byte)));
-    escaped += text.data();
-  }
-  return escaped;
-}
-
 bool IsEdge(std::string_view text, std::size_t at) {
   return at >= text.size() || text[at] == '\t' || text[at] == '/' || text[at] == '\r';
 }
@@ -59,26 +47,37 @@ bool IsMarkedBlank(std::string_view text, std::size_t at) {
   return first == 0 || IsEdge(text, first - 1) || IsEdge(text, behind) || behind - first > 1;
 }
 
+/// The mark that stands for the byte; empty when it has none.
+std::string_view MarkFor(std::string_view text, std::size_t at, Blanks blanks) {
+  switch (text[at]) {
+    case '\t':
+      return "→";
+    case '\r':
+      return "␍";
+    case '\0':
+      return "␀";
+    case ' ':
+      return blanks == Blanks::kAll || IsMarkedBlank(text, at) ? "·" : "";
+    default:
+      return "";
+  }
+}
+
 Glyph OneGlyph(std::string_view text, std::size_t at, Blanks blanks) {
   const std::string_view rest = text.substr(at);
-  switch (rest[0]) {
-    case '\t':
-      return {at, 1, "→", 1};
-    case '\r':
-      return {at, 1, "␍", 1};
-    case '\0':
-      return {at, 1, "␀", 1};
-    case ' ':
-      return {at, 1, blanks == Blanks::kAll || IsMarkedBlank(text, at) ? "·" : " ", 1};
-    default:
-      break;
+  if (rest[0] > ' ' && rest[0] < 0x7F) {
+    return {at, 1, rest.substr(0, 1), {}, false};
+  }
+  const std::string_view mark = MarkFor(text, at, blanks);
+  if (!mark.empty() || rest[0] == ' ') {
+    return {at, 1, rest.substr(0, 1), mark, false};
   }
   const std::size_t length = Utf8Length(rest);
   const std::string_view bytes = rest.substr(0, std::max<std::size_t>(length, 1));
   if (length != 0 && !IsUnprintable(CodePoint(bytes, length))) {
-    return {at, length, std::string(bytes), 1};
+    return {at, 1, bytes, {}, false};
   }
-  return {at, bytes.size(), Escape(bytes), 4 * bytes.size()};
+  return {at, 4 * bytes.size(), bytes, {}, true};
 }
 
 std::string Cut(const std::vector<Glyph>& glyphs, std::size_t widest) {
@@ -89,7 +88,7 @@ std::string Cut(const std::vector<Glyph>& glyphs, std::size_t widest) {
     if (width > widest) {
       return text + "…";
     }
-    text += glyph.shown;
+    Append(text, glyph);
   }
   return text;
 }
@@ -134,10 +133,22 @@ std::size_t CharacterCount(std::string_view text) {
   return count;
 }
 
+void Append(std::string& shown, const Glyph& glyph) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  if (!glyph.isEscaped) {
+    shown += glyph.mark.empty() ? glyph.bytes : glyph.mark;
+    return;
+  }
+  for (const char byte : glyph.bytes) {
+    const auto value = static_cast<unsigned char>(byte);
+    shown += {'\\', 'x', kDigits[value >> 4], kDigits[value & 0xF]};
+  }
+}
+
 std::vector<Glyph> Glyphs(std::string_view text, Blanks blanks) {
   std::vector<Glyph> glyphs;
   glyphs.reserve(text.size());
-  for (std::size_t at = 0; at < text.size(); at += glyphs.back().bytes) {
+  for (std::size_t at = 0; at < text.size(); at += glyphs.back().bytes.size()) {
     glyphs.push_back(OneGlyph(text, at, blanks));
   }
   return glyphs;
@@ -146,9 +157,10 @@ std::vector<Glyph> Glyphs(std::string_view text, Blanks blanks) {
 std::string Printable(std::string_view text) {
   std::string shown;
   for (std::size_t at = 0; at < text.size();) {
-    const Glyph glyph = OneGlyph(text, at, Blanks::kAtEdges);
-    shown += text[at] == ' ' ? " " : glyph.shown;
-    at += glyph.bytes;
+    Glyph glyph = OneGlyph(text, at, Blanks::kAtEdges);
+    glyph.mark = text[at] == ' ' ? std::string_view() : glyph.mark;
+    Append(shown, glyph);
+    at += glyph.bytes.size();
   }
   return shown;
 }
@@ -156,7 +168,7 @@ std::string Printable(std::string_view text) {
 std::string Marked(std::string_view text) {
   std::string shown;
   for (const Glyph& glyph : Glyphs(text, Blanks::kAtEdges)) {
-    shown += glyph.shown;
+    Append(shown, glyph);
   }
   return shown;
 }

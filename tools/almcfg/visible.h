@@ -11,13 +11,17 @@
 /// cursor, change the direction of writing, or disappear. Pure functions.
 namespace almcfg {
 
-/// One character of a text as it is shown.
+/// One character of a text as it is shown. It looks into the text.
 struct Glyph {
   std::size_t offset = 0;  ///< its first byte in the text
-  std::size_t bytes = 0;   ///< how many it takes there
-  std::string shown;
-  std::size_t width = 0;  ///< columns that `shown` takes, one for each code point
+  std::size_t width = 0;   ///< columns that it takes, one for each code point shown
+  std::string_view bytes;  ///< what it stands for
+  std::string_view mark;   ///< shown instead; empty for a character that shows as itself
+  bool isEscaped = false;  ///< the bytes are shown as escapes
 };
+
+/// Appends what is shown.
+void Append(std::string& shown, const Glyph& glyph);
 
 /// Which blanks are shown as a mark.
 enum class Blanks { kAtEdges, kAll };
