@@ -140,7 +140,7 @@ class PkgConfig(Consumer):
 class Subdirectory(Consumer):
     def test_project_builds_and_runs_with_a_platform_of_its_own(self):
         build = fresh("subdirectory")
-        done = self.configure(HERE / "subdirectory", build, f"-DII_ASCII_UTIL={PROJECT}", "-DCMAKE_BUILD_TYPE=Debug")
+        done = self.configure(HERE / "subdirectory", build, f"-DII_ASCII_UTIL={PROJECT}")
         self.assertEqual(done.returncode, 0, done.stdout)
         self.must("cmake", "--build", build, "--target", "text", "own_platform")
         self.assertEqual(self.must(build / "text").splitlines(), TEXT_OUTPUT)
