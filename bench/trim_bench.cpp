@@ -40,7 +40,10 @@ void EnterTrim(const std::string& inputName, const std::string& text) {
 
 const bool entered = [] {
   EnterTrim("12 B, no blanks", Words(12));
+  EnterTrim("12 B, a blank at each end", ' ' + Words(10) + '\n');
+  EnterTrim("12 B of blanks", Blanks(12));
   EnterTrim("40 B, 2 blanks at each end", "\t " + Words(36) + "\r\n");
+  EnterTrim("40 B of blanks", Blanks(40));
   EnterTrim("4 KiB of blanks", Blanks(4096));
   EnterTrim("4 KiB of blanks around a word", Blanks(2048) + Words(10) + Blanks(2038));
   return true;

@@ -1,7 +1,9 @@
 #include "src/asciiutilifimpl.h"
 
+#include <ctype.h>
+
+#include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdlib>
 #include <ctime>
 #include <string_view>
@@ -9,6 +11,7 @@
 #include "framework/config_items.h"
 #include "framework/platform_util.h"
 #include "src/almconfig.h"
+#include "src/casemap.h"
 #include "src/logmgr.h"
 #include "src/logmsg.h"
 #include "src/strfunctions.h"
@@ -25,6 +28,33 @@ constexpr char kValueSeparator = '=';
 std::string_view UpToNul(std::string_view text) { return text.substr(0, text.find('\0')); }
 
 bool StartsWithText(std::string_view text) { return !text.empty() && text.front() != '\0'; }
+
+/// Upper case for characters taken as signed, which is how far down the C library's tables reach.
+class SignedUpper {
+ public:
+  char operator()(char c) const {
+    const int code = static_cast<signed char>(c);
+    return IsLower(code) ? static_cast<char>(upper_[code]) : c;
+  }
+
+  /// Whether all bytes, or at least the ASCII ones, are mapped as in the "C" locale.
+  [[nodiscard]] bool IsPlain(bool ascii) const {
+    const auto plain = kPlainUpper.mapped.begin();
+    int common = _ISlower;
+    for (int letter = 'a'; letter <= 'z'; ++letter) {
+      common &= classes_[letter];
+    }
+    // -128 to -2 stand for the bytes 128 to 254. -1 is no character to the C library and never changes.
+    return common != 0 && std::equal(plain, plain + 128, upper_) &&
+           (ascii || std::equal(plain + 128, plain + 255, upper_ - 128));
+  }
+
+ private:
+  [[nodiscard]] bool IsLower(int code) const { return (classes_[code] & _ISlower) != 0; }
+
+  const unsigned short* classes_ = *__ctype_b_loc();
+  const std::int32_t* upper_ = *__ctype_toupper_loc();
+};
 
 /// Looks for `key` in the pair that `piece` is, once trimmed; the value goes to `value`.
 bool TakeValue(std::string_view key, std::string_view piece, std::string_view& value) {
@@ -124,12 +154,8 @@ std::int64_t AsciiUtilInterfaceImpl::GetAlmCfgValue(std::int64_t& value, const s
 
 std::string AsciiUtilInterfaceImpl::ToUpper(const std::string& text) {
   std::string upper = text;
-  for (char& c : upper) {
-    const int code = static_cast<signed char>(c);  // The C library's tables reach down to -128.
-    if (std::islower(code) != 0) {
-      c = static_cast<char>(std::toupper(code));
-    }
-  }
+  const SignedUpper mapByte;
+  MapCase(upper, kPlainUpper, mapByte, [&mapByte](bool ascii) { return mapByte.IsPlain(ascii); });
   return upper;
 }
 

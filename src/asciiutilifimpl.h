@@ -16,7 +16,7 @@ namespace NS_ASCII {
 /// (`GetAlmCfgValue`, `IsKeyValueAboveOne`: `Str2Num`; `ParseListMap` and its entries: `SplitStr`) call it
 /// through the virtual table, so that a derived object is obeyed.
 ///
-/// Platform functions (`strtol`, `islower`, `toupper`, `time`, `gmtime_r`, `sprintf_s`, `NSTE_util`, the
+/// Platform functions (`strtol`, `time`, `gmtime_r`, `sprintf_s`, `NSTE_util`, the case tables, the
 /// configuration items) are called each time, nothing of theirs is kept.
 class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
  public:

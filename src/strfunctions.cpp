@@ -1,21 +1,72 @@
 #include "src/strfunctions.h"
 
-#include <array>
-#include <cctype>
-#include <charconv>
+#include <ctype.h>
+
+#include <algorithm>
+
 #include <functional>
+#include "src/casemap.h"
 
 namespace NS_ASCII {
 namespace {
 
-std::string_view WithoutLeading(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  return first == std::string_view::npos ? std::string_view() : text.substr(first);
+constexpr bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+/// Long runs of blanks are passed in blocks. A loop of constant length without exits becomes a few vector
+/// instructions, and a count is the form in which compilers see that.
+constexpr std::size_t kBlankBlock = 128;
+
+bool IsBlankBlock(const char* block) {
+  unsigned char blanks = 0;
+  for (std::size_t i = 0; i < kBlankBlock; ++i) {
+    const char c = block[i];
+    blanks = static_cast<unsigned char>(blanks + (c == ' ') + (c == '\t') + (c == '\n') + (c == '\r'));
+  }
+  return blanks == kBlankBlock;
 }
 
-std::string_view WithoutTrailing(std::string_view text) {
-  // An all-blank text gives npos, and npos + 1 is the length that is left: none.
-  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+/// The blanks at the start of `text` (a multiple of the block), as long as whole blocks are blank.
+[[gnu::noinline]] std::size_t LeadingBlankBlocks(std::string_view text) {
+  std::size_t size = 0;
+  while (text.size() - size >= kBlankBlock && IsBlankBlock(text.data() + size)) {
+    size += kBlankBlock;
+  }
+  return size;
+}
+
+/// What is left of `text` without such blocks at its end.
+[[gnu::noinline]] std::size_t SizeWithoutBlankBlocks(std::string_view text) {
+  std::size_t size = text.size();
+  while (size >= kBlankBlock && IsBlankBlock(text.data() + size - kBlankBlock)) {
+    size -= kBlankBlock;
+  }
+  return size;
+}
+
+inline std::string_view WithoutLeading(std::string_view text) {
+  // The far end of a block is a cheap first look.
+  if (text.size() > kBlankBlock && IsBlank(text[kBlankBlock])) {
+    text.remove_prefix(LeadingBlankBlocks(text));
+  }
+  const char* const first = std::find_if_not(text.begin(), text.end(), IsBlank);
+  return {first, static_cast<std::size_t>(text.end() - first)};
+}
+
+inline std::string_view WithoutTrailing(std::string_view text) {
+  if (text.size() > kBlankBlock && IsBlank(text[text.size() - kBlankBlock])) {
+    text = text.substr(0, SizeWithoutBlankBlocks(text));
+  }
+  const auto last = std::find_if_not(text.rbegin(), text.rend(), IsBlank);
+  return text.substr(0, static_cast<std::size_t>(text.rend() - last));
+}
+
+/// `table` is the C library's for the locale in force; it maps bytes as unsigned values.
+void MapByTable(std::string& text, const std::int32_t* table, const PlainCase& plain) {
+  MapCase(
+      text, plain, [table](char c) { return static_cast<char>(table[static_cast<unsigned char>(c)]); },
+      [table, &plain](bool ascii) {
+        return std::equal(table, table + (ascii ? 128 : 256), plain.mapped.begin());
+      });
 }
 
 }  // namespace
@@ -35,23 +86,15 @@ std::string TrimRight(const std::string& text) { return std::string(WithoutTrail
 std::string Trim(const std::string& text) { return std::string(TrimView(text)); }
 
 std::string StrToUpper(std::string text) {
-  for (char& c : text) {
-    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  }
+  MapByTable(text, *__ctype_toupper_loc(), kPlainUpper);
   return text;
 }
 
 std::string StrToLower(std::string text) {
-  for (char& c : text) {
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  }
+  MapByTable(text, *__ctype_tolower_loc(), kPlainLower);
   return text;
 }
 
-std::string Num2Str(int number) {
-  std::array<char, 16> digits;  // The longest text, that of the smallest int, has 11 characters.
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  return std::string(digits.data(), end);
-}
+std::string Num2Str(int number) { return std::to_string(number); }
 
 }  // namespace NS_ASCII

@@ -1,0 +1,69 @@
+#ifndef SRC_CASEMAP_H_
+#define SRC_CASEMAP_H_
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Case mapping of whole texts, the same as the C library's byte by byte in the locale in force.
+///
+/// Nearly all text is ASCII, nearly every locale maps ASCII as the "C" locale does, and UTF-8 locales map
+/// other single bytes to themselves. A text for which that holds is mapped without looking its bytes up.
+/// Whether it holds is established anew for each text: the locale may be another one next time, at the same
+/// address.
+///
+/// The loops here are plain and without exits, so that they become vector instructions.
+namespace NS_ASCII {
+
+/// Texts shorter than this are mapped before anything is established about the locale.
+inline constexpr std::size_t kShortText = 32;
+
+constexpr char FlipLetter(char c, char firstLetter) {
+  return static_cast<char>(c ^ (static_cast<unsigned char>(c - firstLetter) < 26 ? 0x20 : 0));
+}
+
+/// The "C" locale's mapping of the bytes 0 to 255: the 26 letters from `firstLetter` on change case.
+struct PlainCase {
+  char firstLetter;
+  std::array<std::int32_t, 256> mapped;
+};
+
+constexpr PlainCase MakePlainCase(char firstLetter) {
+  PlainCase plain{firstLetter, {}};
+  for (std::size_t c = 0; c < plain.mapped.size(); ++c) {
+    plain.mapped[c] = static_cast<unsigned char>(FlipLetter(static_cast<char>(c), firstLetter));
+  }
+  return plain;
+}
+
+inline constexpr PlainCase kPlainUpper = MakePlainCase('a');
+inline constexpr PlainCase kPlainLower = MakePlainCase('A');
+
+inline bool IsAscii(std::string_view text) {
+  unsigned char bits = 0;
+  for (const char c : text) {
+    bits = static_cast<unsigned char>(bits | static_cast<unsigned char>(c));
+  }
+  return bits < 0x80;
+}
+
+/// Maps `text` in place. `mapByte` maps one char; `mapsPlainly(ascii)` tells whether it maps all bytes, or at
+/// least the ASCII ones, as `plain` does.
+template <class MapByte, class MapsPlainly>
+void MapCase(std::string& text, const PlainCase& plain, MapByte mapByte, MapsPlainly mapsPlainly) {
+  if (text.size() >= kShortText && (mapsPlainly(false) || (mapsPlainly(true) && IsAscii(text)))) {
+    const char firstLetter = plain.firstLetter;
+    for (char& c : text) {
+      c = FlipLetter(c, firstLetter);
+    }
+  } else {
+    std::transform(text.begin(), text.end(), text.begin(), mapByte);
+  }
+}
+
+}  // namespace NS_ASCII
+
+#endif  // SRC_CASEMAP_H_
