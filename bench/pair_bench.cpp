@@ -88,7 +88,8 @@ void EnterIsContain() {
 const bool entered = [] {
   EnterGetKeyValue("first of 12 pairs", "severity");
   EnterGetKeyValue("last of 12 pairs", "ticket");
-  EnterGetKeyValue("absent from 12 pairs", "vendor");
+  EnterGetKeyValue("absent, its first letter frequent", "state");
+  EnterGetKeyValue("absent, its first letter rare", "vendor");
   EnterIsKeyValueAboveOne();
   EnterIsContain();
   return true;

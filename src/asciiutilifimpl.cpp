@@ -56,39 +56,55 @@ class SignedUpper {
   const std::int32_t* upper_ = *__ctype_toupper_loc();
 };
 
-/// Looks for `key` in the pair that `piece` is, once trimmed; the value goes to `value`.
-bool TakeValue(std::string_view key, std::string_view piece, std::string_view& value) {
-  const std::string_view pair = TrimView(piece);
-  const std::size_t at = pair.find(kValueSeparator);
-  if (at == std::string_view::npos || UpToNul(pair.substr(0, at)) != key) {
-    return false;
-  }
-  value = pair.substr(at + 1);
-  return true;
+/// Whether the trimmed pair that `pos` lies in starts there.
+bool StartsPair(std::string_view text, std::size_t pos) {
+  const std::string_view before = TrimRightView(text.substr(0, pos));
+  return before.empty() || before.back() == kPairSeparator;
 }
 
-/// The value of `key` in a text of pairs. The search stops at the first pair that has the key. Then, unless
-/// it found a value, what stands from its last position to the end of the text counts as one more pair: the
-/// last one when the key was not found before, the rest of the text from the matching pair on when its value
-/// was empty.
-std::string_view FindValue(const std::string& keyText, std::string_view text) {
-  const std::string_view key = UpToNul(keyText);
-  std::string_view value;
-  if (key.empty()) {
-    return value;
-  }
-  std::size_t pos = 0;
-  for (;;) {
-    const std::size_t comma = text.find(kPairSeparator, pos);
-    if (comma == std::string_view::npos || TakeValue(key, text.substr(pos, comma - pos), value)) {
-      break;
+/// The key to look for: `text` up to its first NUL. Empty when no pair can have it, as a pair's key holds
+/// neither separator and starts with no blank.
+std::string_view KeyIn(std::string_view text) {
+  std::size_t size = 0;
+  while (size != text.size() && text[size] != '\0') {
+    if (text[size] == kPairSeparator || text[size] == kValueSeparator) {
+      return {};
     }
-    pos = comma + 1;
+    ++size;
   }
-  if (!StartsWithText(value)) {
-    TakeValue(key, text.substr(pos), value);
+  return size == 0 || IsBlank(text.front()) ? std::string_view() : text.substr(0, size);
+}
+
+/// Where the value starts if a pair with `key` starts at `pos`; else npos.
+std::size_t ValueStart(std::string_view text, std::string_view key, std::size_t pos) {
+  if (!StartsPair(text, pos) || text.substr(pos, key.size()) != key) {
+    return std::string_view::npos;
   }
-  return value;
+  std::size_t end = pos + key.size();
+  if (end < text.size() && text[end] == '\0') {
+    end = text.find_first_of("=,", end);  // Keys are compared up to their first NUL.
+  }
+  return end < text.size() && text[end] == kValueSeparator ? end + 1 : std::string_view::npos;
+}
+
+/// The value of `key` in a text of pairs: that of the first pair with this key. When it is empty or starts
+/// with a NUL, all of the text behind the pair's "=" takes its place.
+std::string_view FindValue(const std::string& keyText, std::string_view text) {
+  const std::string_view key = KeyIn(keyText);
+  if (key.empty()) {
+    return {};
+  }
+  // From one occurrence of the key's first character to the next: most pairs are passed without a look at
+  // them.
+  for (std::size_t pos = text.find(key.front()); pos != std::string_view::npos;
+       pos = text.find(key.front(), pos + 1)) {
+    if (const std::size_t start = ValueStart(text, key, pos); start != std::string_view::npos) {
+      const std::string_view rest = text.substr(start);
+      const std::string_view value = TrimRightView(rest.substr(0, rest.find(kPairSeparator)));
+      return StartsWithText(value) ? value : TrimRightView(rest);
+    }
+  }
+  return {};
 }
 
 }  // namespace

@@ -10,8 +10,6 @@
 namespace NS_ASCII {
 namespace {
 
-constexpr bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-
 /// Long runs of blanks are passed in blocks. A loop of constant length without exits becomes a few vector
 /// instructions, and a count is the form in which compilers see that.
 constexpr std::size_t kBlankBlock = 128;
@@ -56,8 +54,7 @@ inline std::string_view WithoutTrailing(std::string_view text) {
   if (text.size() > kBlankBlock && IsBlank(text[text.size() - kBlankBlock])) {
     text = text.substr(0, SizeWithoutBlankBlocks(text));
   }
-  const auto last = std::find_if_not(text.rbegin(), text.rend(), IsBlank);
-  return text.substr(0, static_cast<std::size_t>(text.rend() - last));
+  return TrimRightView(text);
 }
 
 /// `table` is the C library's for the locale in force; it maps bytes as unsigned values.

@@ -12,7 +12,7 @@
 namespace NS_ASCII {
 
 /// What is trimmed: blank, tab, line feed, carriage return, and nothing else.
-inline constexpr std::string_view kBlanks = " \t\n\r";
+constexpr bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 /// A copy of `text` without its leading blanks.
 std::string TrimLeft(const std::string& text);
@@ -25,6 +25,14 @@ bool IsElementOf(const std::string& text, const std::vector<std::string>& list);
 
 /// The part of `text` that `Trim` would copy. It looks into `text` and lives no longer.
 std::string_view TrimView(std::string_view text);
+
+/// The same for `TrimRight`, for texts that rarely end in many blanks.
+inline std::string_view TrimRightView(std::string_view text) {
+  while (!text.empty() && IsBlank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
+}
 
 }  // namespace NS_ASCII
 
