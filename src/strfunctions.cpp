@@ -3,8 +3,8 @@
 #include <ctype.h>
 
 #include <algorithm>
-
 #include <functional>
+
 #include "src/casemap.h"
 
 namespace NS_ASCII {
@@ -46,8 +46,7 @@ inline std::string_view WithoutLeading(std::string_view text) {
   if (text.size() > kBlankBlock && IsBlank(text[kBlankBlock])) {
     text.remove_prefix(LeadingBlankBlocks(text));
   }
-  const char* const first = std::find_if_not(text.begin(), text.end(), IsBlank);
-  return {first, static_cast<std::size_t>(text.end() - first)};
+  return TrimLeftView(text);
 }
 
 inline std::string_view WithoutTrailing(std::string_view text) {
@@ -68,19 +67,30 @@ void MapByTable(std::string& text, const std::int32_t* table, const PlainCase& p
 
 }  // namespace
 
-std::string_view TrimView(std::string_view text) { return WithoutTrailing(WithoutLeading(text)); }
-
 bool IsElementOf(const std::string& text, const std::vector<std::string>& list) {
   // Pointers into different objects are only ordered by std::less.
   const std::less<const std::string*> less;
   return !list.empty() && !less(&text, &list.front()) && !less(&list.back(), &text);
 }
 
+std::size_t CountOf(char wanted, std::string_view text) {
+  std::size_t count = 0;
+  // Counts of a byte's size make vector instructions of the inner loop.
+  for (constexpr std::size_t kMost = 255; !text.empty(); text.remove_prefix(std::min(kMost, text.size()))) {
+    unsigned char inBlock = 0;
+    for (const char c : text.substr(0, kMost)) {
+      inBlock = static_cast<unsigned char>(inBlock + (c == wanted));
+    }
+    count += inBlock;
+  }
+  return count;
+}
+
 std::string TrimLeft(const std::string& text) { return std::string(WithoutLeading(text)); }
 
 std::string TrimRight(const std::string& text) { return std::string(WithoutTrailing(text)); }
 
-std::string Trim(const std::string& text) { return std::string(TrimView(text)); }
+std::string Trim(const std::string& text) { return std::string(WithoutTrailing(WithoutLeading(text))); }
 
 std::string StrToUpper(std::string text) {
   MapByTable(text, *__ctype_toupper_loc(), kPlainUpper);
