@@ -1,11 +1,14 @@
 #include "src/urlcodec.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <string_view>
 
 #include "framework/platform_util.h"
+#include "src/strfunctions.h"
 
 // The encoder's rules for line ends were once three text replacements over the finished text: "%d%a" to
 // "%0d%0a", then "%a%" to "%0d%0a%", then a final "%a" to "%0d%0a". Seen byte by byte they are two:
@@ -22,29 +25,118 @@ namespace {
 constexpr std::string_view kLineEnd = "%0d%0a";
 constexpr char kHexDigits[] = "0123456789abcdef";
 
-constexpr bool IsKept(unsigned char c) {
+constexpr bool IsKept(unsigned c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '.' ||
          c == '_' || c == '*';
 }
 
-constexpr bool IsEscaped(unsigned char c) { return !IsKept(c) && c != ' '; }
+/// A byte's own code, line ends not considered. All four bytes are written and only the length counted, which
+/// saves a decision per byte.
+struct ByteCode {
+  char text[3];
+  unsigned char length;
+};
 
-/// Whether the byte's escape starts with "%a".
-constexpr bool StartsWithA(unsigned char c) { return c == '\n' || (c >= 0xA0 && c <= 0xAF); }
-
-/// Appends the byte's own code, line ends not considered.
-void AppendCode(unsigned char c, std::string& out) {
-  if (IsKept(c)) {
-    out += static_cast<char>(c);
-  } else if (c == ' ') {
-    out += '+';
-  } else {
-    out += '%';
-    if (c > 0x0F) {
-      out += kHexDigits[c >> 4];
+constexpr std::array<ByteCode, 256> MakeByteCodes() {
+  std::array<ByteCode, 256> codes{};
+  for (unsigned c = 0; c < 256; ++c) {
+    if (IsKept(c) || c == ' ') {
+      codes[c] = {{c == ' ' ? '+' : static_cast<char>(c), 0, 0}, 1};
+    } else if (c > 0x0F) {
+      codes[c] = {{'%', kHexDigits[c >> 4], kHexDigits[c & 0x0F]}, 3};
+    } else {
+      codes[c] = {{'%', kHexDigits[c], 0}, 2};
     }
-    out += kHexDigits[c & 0x0F];
   }
+  return codes;
+}
+
+constexpr std::array<ByteCode, 256> kByteCodes = MakeByteCodes();
+
+const ByteCode& CodeOf(char c) { return kByteCodes[static_cast<unsigned char>(c)]; }
+
+char* Append(std::string_view text, char* out) { return out + text.copy(out, text.size()); }
+
+/// How far the encoder is: what it reads next and where it writes next.
+struct Progress {
+  const char* in;
+  char* out;
+};
+
+/// Encodes the CR or LF at `at.in`, whose code may depend on the byte behind it and stand for that as well.
+Progress EncodeLineEnd(Progress at, const char* textEnd) {
+  const bool last = at.in + 1 == textEnd;
+  const ByteCode next = last ? ByteCode{} : CodeOf(at.in[1]);
+  const bool beforeEscape = next.text[0] == '%';
+  if (*at.in == '\n') {
+    if (last || beforeEscape) {
+      return {at.in + 1, Append(kLineEnd, at.out)};
+    }
+    return {at.in + 1, Append("%a", at.out)};
+  }
+  if (!beforeEscape || next.text[1] != 'a') {
+    return {at.in + 1, Append("%d", at.out)};
+  }
+  at.out = Append(kLineEnd, at.out);
+  *at.out = next.text[2];  // The second digit of 0xA0 to 0xAF; not counted for a LF, which has none.
+  return {at.in + 2, at.out + (next.length - 2)};
+}
+
+/// Runs of bytes that need no escape are encoded and decoded this many at a time. The loops over them are
+/// plain, of constant length and without exits, so that they become a few vector instructions; hence the
+/// arithmetic.
+constexpr std::size_t kRun = 32;
+
+bool IsRun(const char* in) {
+  unsigned char simple = 0;
+  for (std::size_t i = 0; i < kRun; ++i) {
+    const auto c = static_cast<unsigned char>(in[i]);
+    const auto letter = static_cast<unsigned char>((c | 0x20) - 'a');
+    const auto digit = static_cast<unsigned char>(c - '0');
+    simple = static_cast<unsigned char>(simple + (letter < 26) + (digit < 10) + (c == ' ') + (c == '-') +
+                                        (c == '.') + (c == '_') + (c == '*'));
+  }
+  return simple == kRun;
+}
+
+void EncodeRun(const char* in, char* out) {
+  for (std::size_t i = 0; i < kRun; ++i) {
+    out[i] = in[i] == ' ' ? '+' : in[i];
+  }
+}
+
+Progress EncodeBytes(Progress at, const char* end, const char* textEnd) {
+  while (at.in < end) {
+    if (*at.in == '\n' || *at.in == '\r') {
+      at = EncodeLineEnd(at, textEnd);
+    } else {
+      const ByteCode& code = CodeOf(*at.in);
+      std::memcpy(at.out, &code, sizeof code);
+      at.out += code.length;
+      ++at.in;
+    }
+  }
+  return at;
+}
+
+/// How many bytes are encoded into a buffer at a time, and how long their codes can get: that of a LF is
+/// longest.
+constexpr std::size_t kEncoderBlock = 1024;
+constexpr std::size_t kEncoderBuffer = kEncoderBlock * kLineEnd.size() + sizeof(ByteCode);
+
+/// Encodes a block of the text that ends at `textEnd`.
+Progress EncodeBlock(Progress at, const char* textEnd) {
+  const char* const end = at.in + std::min(static_cast<std::size_t>(textEnd - at.in), kEncoderBlock);
+  while (end - at.in >= static_cast<std::ptrdiff_t>(kRun)) {
+    // The ends are a cheap first look.
+    if (CodeOf(at.in[0]).length == 1 && CodeOf(at.in[kRun - 1]).length == 1 && IsRun(at.in)) {
+      EncodeRun(at.in, at.out);
+      at = {at.in + kRun, at.out + kRun};
+    } else {
+      at = EncodeBytes(at, at.in + kRun, textEnd);
+    }
+  }
+  return EncodeBytes(at, end, textEnd);
 }
 
 /// What a byte means to the extraction of a hexadecimal integer.
@@ -92,81 +184,129 @@ void ReadEscape(std::string_view escape, unsigned char& byte) {
   }
 }
 
-}  // namespace
+/// Decodes a run of bytes without a '%'; returns false, having done nothing, if there is one among them.
+/// `out` may lie at `in` or before it.
+bool DecodeRun(const char* in, char* out) {
+  std::array<char, kRun> run;
+  std::memcpy(run.data(), in, kRun);
+  unsigned char percents = 0;
+  for (const char c : run) {
+    percents = static_cast<unsigned char>(percents + (c == '%'));
+  }
+  if (percents != 0) {
+    return false;
+  }
+  for (char& c : run) {
+    c = c == '+' ? ' ' : c;
+  }
+  std::memcpy(out, run.data(), kRun);
+  return true;
+}
 
-std::string utf8toiso8859(std::string text) {
+/// How far the decoder is, and the byte that the last escape stood for.
+struct Decoder {
+  const char* in;
+  char* out;
+  unsigned char byte;
+};
+
+/// Decodes the escape behind the '%' at `at.in`.
+Decoder DecodeEscape(Decoder at, const char* textEnd) {
+  const std::string_view rest(at.in + 1, static_cast<std::size_t>(textEnd - at.in - 1));
+  if (rest.empty()) {
+    return {textEnd, at.out, at.byte};  // A '%' with nothing behind it stands for nothing.
+  }
+  std::string_view escape = rest.substr(0, 2);
+  escape = escape.substr(0, escape.find('%'));
+  ReadEscape(escape, at.byte);
+  *at.out = static_cast<char>(at.byte);
+  return {at.in + 1 + escape.size(), at.out + 1, at.byte};
+}
+
+/// Decodes at least the bytes before `stop`, in a text that ends at `textEnd`.
+Decoder DecodeBytes(Decoder at, const char* stop, const char* textEnd) {
+  auto [in, out, byte] = at;
+  while (in < stop) {
+    if (*in != '%') {
+      *out++ = *in == '+' ? ' ' : *in;
+      ++in;
+      continue;
+    }
+    // Two digits follow in every well-formed text.
+    const bool enough = textEnd - in >= 3;
+    const unsigned first = kMeanings[static_cast<unsigned char>(enough ? in[1] : '%')];
+    const unsigned second = kMeanings[static_cast<unsigned char>(enough ? in[2] : '%')];
+    if ((first | second) <= kDigit15) {
+      byte = static_cast<unsigned char>(first << 4 | second);
+      *out++ = static_cast<char>(byte);
+      in += 3;
+    } else {
+      const Decoder behind = DecodeEscape({in, out, byte}, textEnd);
+      in = behind.in;
+      out = behind.out;
+      byte = behind.byte;
+    }
+  }
+  return {in, out, byte};
+}
+
+std::string Convert(const std::string& text) {
   std::string converted;
   // What the converter leaves is the result, whatever it reports.
   static_cast<void>(KelpGlobalUtils::KelpCodeSetConvert("UTF-8", "ISO-8859-1", text, converted));
   return converted;
 }
 
+}  // namespace
+
+std::string utf8toiso8859(std::string text) { return Convert(text); }
+
 std::string GetURLEncoding(std::string text) {
   if (text.empty()) {
     return text;
   }
-  const std::string latin = utf8toiso8859(std::move(text));
-  std::string encoded;
-  encoded.reserve(latin.size());
-  for (std::size_t i = 0; i < latin.size(); ++i) {
-    const auto c = static_cast<unsigned char>(latin[i]);
-    const bool last = i + 1 == latin.size();
-    const unsigned char next = last ? '\0' : static_cast<unsigned char>(latin[i + 1]);
-    if (c == '\r' && !last && StartsWithA(next)) {
-      encoded += kLineEnd;
-      if (next != '\n') {
-        encoded += kHexDigits[next & 0x0F];
-      }
-      ++i;
-    } else if (c == '\n' && (last || IsEscaped(next))) {
-      encoded += kLineEnd;
-    } else {
-      AppendCode(c, encoded);
-    }
+  const std::string latin = Convert(text);
+  const char* const end = latin.data() + latin.size();
+  std::array<char, kEncoderBuffer> buffer;
+  text.clear();  // Its memory serves for the result, as far as it goes.
+  for (Progress at{latin.data(), nullptr}; at.in != end;) {
+    at = EncodeBlock({at.in, buffer.data()}, end);
+    text.append(buffer.data(), static_cast<std::size_t>(at.out - buffer.data()));
   }
-  return encoded;
+  return text;
 }
 
 std::string GetURLDecoding(std::string text) {
   // Decoded text is never longer than what it came from, so it is written over it.
-  std::size_t out = 0;
-  unsigned char byte = 0;
-  for (std::size_t in = 0; in < text.size();) {
-    const char c = text[in++];
-    if (c != '%') {
-      text[out++] = c == '+' ? ' ' : c;
-      continue;
+  Decoder at{text.data(), text.data(), 0};
+  const char* const end = at.in + text.size();
+  while (at.in != end) {
+    const std::size_t left = static_cast<std::size_t>(end - at.in);
+    if (left >= kRun && DecodeRun(at.in, at.out)) {
+      at.in += kRun;
+      at.out += kRun;
+    } else {
+      at = DecodeBytes(at, at.in + std::min(left, kRun), end);
     }
-    if (in == text.size()) {
-      break;  // A '%' with nothing behind it stands for nothing.
-    }
-    std::string_view escape = std::string_view(text).substr(in, 2);
-    escape = escape.substr(0, escape.find('%'));
-    ReadEscape(escape, byte);
-    in += escape.size();
-    text[out++] = static_cast<char>(byte);
   }
-  text.resize(out);
+  text.resize(static_cast<std::size_t>(at.out - text.data()));
   return text;
 }
 
 std::string SetURLDecoding(std::string text) {
-  std::size_t percents = 0;
-  for (const char c : text) {
-    percents += c == '%' ? 1U : 0U;
-  }
+  const std::size_t percents = CountOf('%', text);
   if (percents == 0) {
     return text;
   }
   std::string escaped;
   escaped.reserve(text.size() + 2 * percents);
-  for (const char c : text) {
-    escaped += c;
-    if (c == '%') {
-      escaped += "25";
-    }
+  std::size_t pos = 0;
+  for (std::size_t percent = text.find('%'); percent != std::string::npos; percent = text.find('%', pos)) {
+    escaped.append(text, pos, percent - pos);
+    escaped += "%25";
+    pos = percent + 1;
   }
-  return escaped;
+  return escaped.append(text, pos);
 }
 
 }  // namespace NS_ASCII
