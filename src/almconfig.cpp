@@ -27,12 +27,86 @@ constexpr std::size_t kMaxParts = 5;
 constexpr std::size_t kLineBufferBytes = 1024;
 constexpr std::streamsize kReadCount = 1023;  // NUL included, so a line has at most 1,022 characters
 
-void LogBadLine(int line, const std::string& text) {
-  LogFormatted(kTag, line, kLevel, kBadLineFormat, text.c_str());
+void LogBadLine(int line, std::string_view text) {
+  LogFormatted(kTag, line, kLevel, kBadLineFormat, std::string(text).c_str());
 }
 
-AlarmKey KeyOf(const AlarmConfigRecord& record) {
+template <class Record>
+AlarmKey KeyOf(const Record& record) {
   return {record.key1, record.key2, record.key3, record.numKey};
+}
+
+// The grammar, once for strings and once for views: `Fields` is a FieldList or a FieldViews, `Record` an
+// AlarmConfigRecord or an AlarmRecordView. What each does is said at the operation of that name.
+
+template <class Fields>
+int SplitInto(Fields& fields, std::string_view text, std::string_view separators) {
+  std::string_view rest = text;
+  for (std::size_t parts = 1; !rest.empty(); ++parts) {
+    const std::size_t end =
+        separators.size() == 1 ? rest.find(separators.front()) : rest.find_first_of(separators);
+    const std::string_view field = rest.substr(0, end);
+    if (field.empty()) {
+      LogBadLine(kEmptyFieldLine, text);
+      return -1;
+    }
+    fields.emplace_back(field);
+    if (parts > kMaxParts) {
+      LogBadLine(kTooManyFieldsLine, text);
+      return -1;
+    }
+    rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+  }
+  return 0;
+}
+
+template <class Fields, class Record>
+int FillRecord(const Fields& fields, Record& record, std::string_view line) {
+  if (fields.size() != kColumns) {
+    LogBadLine(kWrongFieldCountLine, line);
+    return -1;
+  }
+  record.key1 = fields[0];
+  record.key2 = fields[1];
+  record.key3 = fields[2];
+  record.numKey = fields[3];
+  record.value = fields[4];
+  return 0;
+}
+
+template <class Fields, class Record>
+void Expand(const Fields& alternatives, Record& record, std::vector<Record>& records, unsigned mode) {
+  for (const auto& alternative : alternatives) {
+    if (mode == 1) {
+      record.key1 = alternative;
+    } else if (mode == 2) {
+      record.key2 = alternative;
+    }
+    records.push_back(record);
+  }
+}
+
+/// Appends to the two expansions. Returns false when a column is bad.
+template <class Fields, class Record>
+bool ExpandLine(Fields& fields, std::vector<Record>& byKey1, std::vector<Record>& all,
+                std::string_view line) {
+  Record record;
+  if (FillRecord(fields, record, line) != 0) {
+    return false;
+  }
+  fields.clear();
+  if (SplitInto(fields, record.key1, "/") != 0) {
+    return false;
+  }
+  Expand(fields, record, byKey1, 1);
+  for (Record& perKey1 : byKey1) {
+    fields.clear();
+    if (SplitInto(fields, perKey1.key2, "/") != 0) {
+      return false;
+    }
+    Expand(fields, perKey1, all, 2);
+  }
+  return true;
 }
 
 /// A directory can be opened like a file but never read to its end.
@@ -73,15 +147,21 @@ LineFate Alarm_Config_Param::TakeLine(const char* text, LineWork& work) {
   work.byKey1.clear();
   work.all.clear();
   work.fields.clear();
-  const std::string line = Trim(text);
-  if (Split(line, work.fields, "\t") != 0) {
+  const std::string_view line = TrimView(text);
+  if (SplitInto(work.fields, line, "\t") != 0) {
     return LineFate::kLogged;
   }
   if (work.fields.size() != kColumns) {
     return LineFate::kDropped;
   }
-  AddLine(work.fields, work.byKey1, work.all, line);
-  return work.all.empty() ? LineFate::kLogged : LineFate::kStored;
+  if (!ExpandLine(work.fields, work.byKey1, work.all, line)) {
+    return LineFate::kLogged;
+  }
+  for (const AlarmRecordView& record : work.all) {
+    valueMap.Insert(KeyOf(record), record.value);
+  }
+  key3Set.Intern(work.all.front().key3);  // All of a line's records have it.
+  return LineFate::kStored;
 }
 
 void Alarm_Config_Param::InsertRecord(const AlarmConfigRecord& record) {
@@ -98,73 +178,26 @@ int Alarm_Config_Param::GetValue(const AlarmKey& key, std::string& value) const 
 }
 
 int Alarm_Config_Param::Split(const std::string& text, FieldList& fields, const std::string& separators) {
-  if (IsElementOf(text, fields)) {
-    return Split(std::string(text), fields, separators);
-  }
-  std::string_view rest = text;
-  for (std::size_t parts = 1; !rest.empty(); ++parts) {
-    const std::size_t end = rest.find_first_of(separators);
-    const std::string_view field = rest.substr(0, end);
-    if (field.empty()) {
-      LogBadLine(kEmptyFieldLine, text);
-      return -1;
-    }
-    fields.emplace_back(field);
-    if (parts > kMaxParts) {
-      LogBadLine(kTooManyFieldsLine, text);
-      return -1;
-    }
-    rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
-  }
-  return 0;
+  return IsElementOf(text, fields) ? SplitInto(fields, std::string(text), separators)
+                                   : SplitInto(fields, text, separators);
 }
 
 int Alarm_Config_Param::ListToRecord(const FieldList& fields, AlarmConfigRecord& record,
                                      const std::string& line) {
-  if (fields.size() != kColumns) {
-    LogBadLine(kWrongFieldCountLine, line);
-    return -1;
-  }
-  record.key1 = fields[0];
-  record.key2 = fields[1];
-  record.key3 = fields[2];
-  record.numKey = fields[3];
-  record.value = fields[4];
-  return 0;
+  return FillRecord(fields, record, line);
 }
 
 void Alarm_Config_Param::ExpandField(const FieldList& alternatives, AlarmConfigRecord& record,
                                      std::vector<AlarmConfigRecord>& records, unsigned mode) {
-  for (const std::string& alternative : alternatives) {
-    if (mode == 1) {
-      record.key1 = alternative;
-    } else if (mode == 2) {
-      record.key2 = alternative;
-    }
-    records.push_back(record);
-  }
+  Expand(alternatives, record, records, mode);
 }
 
 void Alarm_Config_Param::AddLine(FieldList& fields, std::vector<AlarmConfigRecord>& byKey1,
                                  std::vector<AlarmConfigRecord>& all, const std::string& line) {
-  AlarmConfigRecord record;
-  if (ListToRecord(fields, record, line) != 0) {
-    return;
-  }
-  fields.clear();
-  if (Split(record.key1, fields, "/") != 0) {
-    return;
-  }
-  ExpandField(fields, record, byKey1, 1);
-  for (AlarmConfigRecord& perKey1 : byKey1) {
-    fields.clear();
-    if (Split(perKey1.key2, fields, "/") != 0) {
-      return;
+  if (ExpandLine(fields, byKey1, all, line)) {
+    for (const AlarmConfigRecord& expanded : all) {
+      InsertRecord(expanded);
     }
-    ExpandField(fields, perKey1, all, 2);
-  }
-  for (const AlarmConfigRecord& expanded : all) {
-    InsertRecord(expanded);
   }
 }
 

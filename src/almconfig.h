@@ -20,8 +20,18 @@ struct AlarmConfigRecord {
   std::string value;   ///< column 5
 };
 
+/// An entry whose fields look into a line that somebody else keeps.
+struct AlarmRecordView {
+  std::string_view key1;
+  std::string_view key2;
+  std::string_view numKey;
+  std::string_view key3;
+  std::string_view value;
+};
+
 /// The fields of one text, in order.
 using FieldList = std::vector<std::string>;
+using FieldViews = std::vector<std::string_view>;
 
 /// What became of one line of the file.
 enum class LineFate {
@@ -48,11 +58,11 @@ enum class LineFate {
 /// Binary contract: the virtual table has the one slot of `LoadConfig`, so the destructor is not virtual.
 class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor)
  public:
-  /// What one load works with, made once and used for every line.
+  /// What one load works with, made once and used for every line. It looks into the line that was taken last.
   struct LineWork {
-    FieldList fields;
-    std::vector<AlarmConfigRecord> byKey1;  ///< the line's record, once for each alternative of column 1
-    std::vector<AlarmConfigRecord> all;     ///< the full expansion
+    FieldViews fields;
+    std::vector<AlarmRecordView> byKey1;  ///< the line's record, once for each alternative of column 1
+    std::vector<AlarmRecordView> all;     ///< the full expansion
   };
 
   /// A configuration of its own, for tests and tools; the library uses `Instance`.
@@ -83,6 +93,9 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
 
   /// The same for a key that looks at the caller's texts.
   int GetValue(const AlarmKey& key, std::string& value) const;
+
+  /// The four operations below are the grammar over strings of their own; `TakeLine` runs the same code over
+  /// views into the line.
 
   /// Appends the parts of `text` between characters of `separators` to `fields`. A separator at the very end
   /// makes no empty part. Returns -1 with a message when a part is empty or a sixth one turns up, having
