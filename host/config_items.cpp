@@ -60,7 +60,7 @@ std::string LoadItems(const std::string& file) {
     return file + ": cannot be opened";
   }
   if (result != 0) {
-    return file + ": a line is neither NAME=INTEGER, [SECTION] nor a comment";
+    return file + ": a line is neither a [SECTION], NAME=INTEGER below one, nor a comment";
   }
   ItemMap read;
   AddSection(configuration, configuration.root_section(), read);

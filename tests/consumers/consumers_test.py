@@ -112,6 +112,19 @@ class PkgConfig(Consumer):
             output = self.call_through_host(STAGE / "bin/bundle_host", build / "libcaller.so")
             self.assertIn("LINK DOWN", output.splitlines())
 
+    @unittest.skipUnless(HAS_TOOLS, "the host is not installed")
+    def test_commands_of_the_page_work_as_they_stand(self):
+        page = (PROJECT / "docs/interface.md").read_text()
+        commands = re.search(r"^```sh\n(.*?)^```", page, re.MULTILINE | re.DOTALL).group(1)
+        directory = fresh("page")
+        shutil.copy(CALLER, directory / "caller.cpp")
+        environment = {**os.environ, "PATH": f"{STAGE}/bin:{os.environ['PATH']}",
+                       "PKG_CONFIG_PATH": str(one("**/ii_ascii_util.pc").parent)}
+        done = subprocess.run(["bash", "-euc", commands], cwd=directory, env=environment, text=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertEqual(done.stdout.splitlines(), ["LINK DOWN", "result: LINK DOWN"])
+
     def test_files_follow_a_tree_that_is_moved(self):
         stage = fresh("moved") / "elsewhere"
         shutil.copytree(STAGE, stage, symlinks=True)

@@ -216,6 +216,7 @@ class Bill(unittest.TestCase):
         named = depends("libii-ascii-util") | depends("ii-ascii-util-tools")
         self.assertLessEqual(named - set(NAMES), self.linked)
 
+    @unittest.skipUnless((BUILD / "build.ninja").exists(), "only ninja keeps the compiler's lists")
     def test_every_header_that_was_compiled_in_is_of_a_listed_source(self):
         """By the compiler's own lists of the headers it read. The kernel's headers hold no code."""
         objects = run("ninja", "-C", BUILD, "-t", "deps")
