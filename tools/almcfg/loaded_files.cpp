@@ -71,11 +71,15 @@ Place LoadedFiles::ServedBy(const AlarmKey& key) const { return PlaceOf(index_.F
 
 void LoadedFiles::ForEachLine(const std::function<void(Place, const Records&)>& visit) const {
   Grammar grammar;
-  for (LineId id = 1; id <= loaded_; ++id) {
-    const Place place = PlaceOf(id);
-    if (grammar.Take(place.text->line(place.line)) == LineFate::kStored) {
-      visit(place, grammar.records());
+  LineId loadedBefore = 0;
+  for (const SourceText& text : texts_) {
+    const LineNumber last = std::min(text.lineCount(), loaded_ - loadedBefore);
+    for (LineNumber number = 1; number <= last; ++number) {
+      if (grammar.Take(text.line(number)) == LineFate::kStored) {
+        visit({&text, number}, grammar.records());
+      }
     }
+    loadedBefore += last;
   }
 }
 

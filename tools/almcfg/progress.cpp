@@ -1,10 +1,12 @@
 #include "tools/almcfg/progress.h"
 
-#include <cstdio>
+#include <iostream>
 
 #include "tools/almcfg/visible.h"
 
 namespace almcfg {
+
+constexpr const char* kClearLine = "\r\x1b[K";
 
 void Progress::Show(const std::string& name, const char* done, std::uint64_t count) {
   if (!enabled_ || Clock::now() < next_) {
@@ -12,14 +14,12 @@ void Progress::Show(const std::string& name, const char* done, std::uint64_t cou
   }
   next_ = Clock::now() + std::chrono::milliseconds(200);
   shown_ = true;
-  std::fprintf(stderr, "\r\x1b[K%s: %s lines %s", Printable(name).c_str(), Grouped(count).c_str(), done);
-  std::fflush(stderr);
+  std::cerr << kClearLine << Printable(name) + ": " + Grouped(count) + " lines " + done << std::flush;
 }
 
 void Progress::Hide() {
   if (shown_) {
-    std::fputs("\r\x1b[K", stderr);
-    std::fflush(stderr);
+    std::cerr << kClearLine << std::flush;
     shown_ = false;
   }
 }

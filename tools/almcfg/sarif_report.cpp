@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <ostream>
 
 #include "tools/almcfg/json_text.h"
@@ -18,15 +16,14 @@ bool IsPlainInUri(char c) {
 
 /// A path as a URI reference.
 std::string UriOf(std::string_view path) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string uri;
   for (const char c : path) {
+    const auto value = static_cast<unsigned char>(c);
     if (IsPlainInUri(c)) {
       uri += c;
     } else {
-      std::array<char, 4> escape;
-      std::snprintf(escape.data(), escape.size(), "%%%02X",
-                    static_cast<unsigned>(static_cast<unsigned char>(c)));
-      uri += escape.data();
+      uri += {'%', kDigits[value >> 4], kDigits[value & 0xF]};
     }
   }
   return uri;
