@@ -102,8 +102,7 @@ Place LoadedFiles::PlaceOf(LineId id) const {
 }
 
 const Records& LoadedFiles::RecordsOfId(LineId id) const {
-  if (id != probed_) {
-    const Place place = PlaceOf(id);
+  if (const Place place = PlaceOf(id); place && id != probed_) {
     probe_.Take(place.text->line(place.line));
     probed_ = id;
   }
