@@ -3,8 +3,8 @@
 #
 #   scripts/package.sh [--help] [--build DIR] [--output DIR]
 #
-# Without --build it installs what is missing, builds the release preset and packs that; --build packs a build directory that
-# is there already, as it stands. --output is where the packages go (default: packages/ in the build directory). Times in
+# Without --build it installs what is missing, builds the release preset without tests in build/package and packs that; --build
+# packs a build directory that is there already, as it stands. --output is where the packages go (default: packages/ in the build directory). Times in
 # the packages are SOURCE_DATE_EPOCH or, when that is not set, the time of the last commit, so that the same build gives the
 # same packages.
 set -euo pipefail
@@ -31,9 +31,9 @@ done
 
 if [ -z "$build" ]; then
   scripts/setup.sh build package
-  cmake --preset release -DASCII_UTIL_BUILD_TESTS=OFF >/dev/null
-  cmake --build --preset release
-  build=$PWD/build/release
+  build=$PWD/build/package
+  cmake --preset release -B "$build" -DASCII_UTIL_BUILD_TESTS=OFF -DASCII_UTIL_BUILD_EXAMPLES=OFF >/dev/null
+  cmake --build "$build"
 fi
 [ -f "$build/CPackConfig.cmake" ] || fail "$build is no configured build directory of this project"
 output=${output:-$build/packages}
