@@ -45,7 +45,7 @@ std::string WhatBecameOf(LineFate fate) {
 
 /// How two lines with one key differ.
 Finding Duplicate(const TakenLine& taken, LineNumber earlier, const Line& earlierLine,
-                  const std::string& earlierValue, const NS_ASCII::AlarmConfigRecord& record) {
+                  std::string_view earlierValue, const Record& record) {
   const Part trimmed = Trimmed(taken.line.Loaded());
   const std::size_t keysEnd = trimmed.text.rfind('\t');
   const std::string key = Quoted(record.key1) + ", " + Quoted(record.key2) + ", " + Quoted(record.key3) +

@@ -19,7 +19,7 @@ constexpr std::size_t kNeighbours = 5;
 
 struct Setting {
   Place place;
-  std::string value;
+  std::string_view value;
 };
 
 /// Everything there is to say about one key.
@@ -30,6 +30,9 @@ struct Answer {
   std::vector<Setting> settings;  ///< the lines that set the key, the one that serves it last
   std::vector<Neighbour> nearest;
 
+  [[nodiscard]] NS_ASCII::AlarmKey Key() const {
+    return {wanted.key1, wanted.key2, wanted.key3, wanted.numKey};
+  }
   [[nodiscard]] bool IsServed() const { return !settings.empty(); }
 };
 
@@ -39,7 +42,7 @@ Answer Ask(const Options& options, const DeskLoad& load) {
       options.key1, options.key2, NSTE_util::Trim(NSTE_util::Num2Str(options.number)), options.key3, {}};
   answer.result = NS_ASCII::AsciiUtilInterfaceImpl().GetAlmCfgValue(answer.value, options.key1, options.key2,
                                                                     options.key3, options.number);
-  const NS_ASCII::AlarmKey key = KeyOf(answer.wanted);
+  const NS_ASCII::AlarmKey key = answer.Key();
   load.files().ForEachLine([&](Place place, const Records& records) {
     for (const auto& record : records) {
       if (IsSameKey(KeyOf(record), key)) {
@@ -121,7 +124,7 @@ void WriteJson(std::ostream& out, const Answer& answer) {
 }
 
 void WriteText(std::ostream& out, const Answer& answer) {
-  out << "key:       " << Shown(KeyOf(answer.wanted)) << '\n';
+  out << "key:       " << Shown(answer.Key()) << '\n';
   (answer.IsServed() ? WriteServed : WriteMissing)(out, answer);
 }
 

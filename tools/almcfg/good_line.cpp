@@ -73,11 +73,12 @@ void CheckNumber(const Columns& columns, std::vector<Finding>& findings) {
                           hint));
 }
 
-void CheckValue(const Part& column, const std::string& value, std::vector<Finding>& findings) {
+void CheckValue(const Part& column, std::vector<Finding>& findings) {
   std::int32_t number = 0;
-  if (IsInt32(value, number)) {
+  if (IsInt32(column.text, number)) {
     return;
   }
+  const std::string value(column.text);
   if (!NS_ASCII::AsciiUtilInterfaceImpl().Str2Num(value, number, 10)) {
     findings.push_back(
         Mark(Code::kValueNotInteger, column,
@@ -151,7 +152,7 @@ void FindOddities(std::string_view line, const Records& records, std::vector<Fin
   CheckNumber(columns, findings);
   CheckEdges(
       columns[4], [] { return std::string("column 5"); }, findings);
-  CheckValue(columns[4], records.front().value, findings);
+  CheckValue(columns[4], findings);
 }
 
 }  // namespace almcfg

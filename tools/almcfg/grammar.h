@@ -12,10 +12,12 @@
 
 namespace almcfg {
 
-using Records = std::vector<NS_ASCII::AlarmConfigRecord>;
+/// What a line stands for. The records look into the line.
+using Record = NS_ASCII::AlarmRecordView;
+using Records = std::vector<Record>;
 
-/// The four key fields of a record. They look into it.
-inline NS_ASCII::AlarmKey KeyOf(const NS_ASCII::AlarmConfigRecord& record) {
+/// The four key fields of a record.
+inline NS_ASCII::AlarmKey KeyOf(const Record& record) {
   return {record.key1, record.key2, record.key3, record.numKey};
 }
 
