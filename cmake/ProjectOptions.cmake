@@ -40,6 +40,13 @@ if(ASCII_UTIL_COVERAGE)
   target_link_options(ascii_util_options INTERFACE --coverage)
 endif()
 
+# For shared libraries: every symbol must be found when the library is linked. Clang links a sanitizer's run time into
+# programs only, so an instrumented library of its has open ends.
+set(ascii_util_no_undefined -Wl,--no-undefined)
+if(ASCII_UTIL_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  set(ascii_util_no_undefined "")
+endif()
+
 # Where sources include from: the repository root for framework/ and src/, include/ for what callers include.
 add_library(ascii_util_headers INTERFACE)
 target_include_directories(ascii_util_headers INTERFACE

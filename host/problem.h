@@ -4,18 +4,23 @@
 #include <stdexcept>
 #include <string>
 
-/// How a command says that it could not be done. The message is one line: what, why, and what would be right.
+#include "host/text_escape.h"
+
+/// How a command says that it could not be done. The message is one line: what, why, and what would be right;
+/// what it repeats of an argument or a file may hold control characters, which are therefore shown as \xNN.
 /// Thrown by whatever finds out, caught where a command is run.
 namespace host {
 
 /// The command was made wrongly; nothing was done. A program run ends with exit code 2.
 class UsageError : public std::runtime_error {
-  using std::runtime_error::runtime_error;
+ public:
+  explicit UsageError(const std::string& message) : std::runtime_error(EscapeControls(message)) {}
 };
 
 /// The command was right, but failed. A program run ends with exit code 1.
 class Failure : public std::runtime_error {
-  using std::runtime_error::runtime_error;
+ public:
+  explicit Failure(const std::string& message) : std::runtime_error(EscapeControls(message)) {}
 };
 
 }  // namespace host

@@ -40,6 +40,19 @@ std::string EscapeValue(std::string_view text) {
   return out;
 }
 
+std::string EscapeControls(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (const char c : text) {
+    if (const auto byte = static_cast<unsigned char>(c); byte < ' ' || byte == 0x7F) {
+      AppendEscape(out, c);
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
 std::string UnescapeBytes(std::string_view text) {
   std::string out;
   out.reserve(text.size());

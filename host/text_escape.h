@@ -15,6 +15,10 @@ PLATFORM_API std::string EscapeBytes(std::string_view text);
 /// The same for a value on a line of its own: a blank at either end is escaped too, so that it is seen.
 PLATFORM_API std::string EscapeValue(std::string_view text);
 
+/// `text` with every control character as \xNN; everything else, the backslash too, stays. For messages of
+/// one line.
+PLATFORM_API std::string EscapeControls(std::string_view text);
+
 /// `text` with every \xNN (two hexadecimal digits, either case) as its byte. A backslash without them is a
 /// plain backslash.
 PLATFORM_API std::string UnescapeBytes(std::string_view text);

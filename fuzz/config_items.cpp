@@ -1,0 +1,35 @@
+// The host's file of configuration items.
+//
+// Holds for every file: it is read or refused with one line of text, and a refused one changes nothing; an
+// item that can be read as an integer is one by the rule for such texts; reading the file again changes
+// nothing. Input: the file.
+
+#include <map>
+#include <string>
+
+#include "fuzz/fuzz_input.h"
+#include "fuzz/memory_file.h"
+#include "host/config_items.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  for (const auto& [name, text] : host::ListItems()) {
+    host::UnsetItem(name);
+  }
+  const fuzz::MemoryFile file(fuzz::Input(data, size).Rest());
+  const std::string problem = host::LoadItems(file.path());
+  const std::map<std::string, std::string> items = host::ListItems();
+  if (!problem.empty()) {
+    fuzz::Expect(problem.find('\n') == std::string::npos, "a refusal is one line of text");
+    fuzz::Expect(items.empty(), "a refused file changes nothing");
+  }
+  for (const auto& [name, text] : items) {
+    int value = 0;
+    const bool readable = NS_BUNDLEMGR1::CorbaConfigItems::Instance()->GetIntItemInfo(name, value);
+    const std::optional<int> parsed = host::ParseInt(text);
+    fuzz::Expect(readable == parsed.has_value() && (!readable || value == *parsed),
+                 "an item is readable as what its text says");
+  }
+  host::LoadItems(file.path());
+  fuzz::Expect(host::ListItems() == items, "reading again changes nothing");
+  return 0;
+}

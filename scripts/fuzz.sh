@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Builds a fuzz target with Clang's libFuzzer under AddressSanitizer and UndefinedBehaviorSanitizer, and runs it.
+#
+#   scripts/fuzz.sh [--help] TARGET|all SECONDS [LIBFUZZER-OPTION...]
+#
+# TARGET is one of the input languages in fuzz/: alarm_config, key_value, list_map, split, url_encode, url_decode,
+# str2num, host_command_line, config_items; `all` runs one after the other. Inputs that were found are kept in
+# build/fuzz-corpus/TARGET and used again; the checked-in ones are fuzz/corpus/TARGET. Prints the number of executions.
+# When something is found: exit 1, with the input's path and how to run it again. An input that was found becomes a file
+# of the checked-in corpus and a test of the unit.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+refuse() { echo "fuzz.sh: $1; see --help" >&2; exit 2; }
+
+if [ "${1:-}" = --help ]; then
+  usage
+  exit 0
+fi
+[ $# -ge 2 ] || refuse "expected a target and a number of seconds"
+target=$1 seconds=$2
+shift 2
+[[ $seconds =~ ^[1-9][0-9]*$ ]] || refuse "'$seconds' is no number of seconds"
+if [ "$target" = all ]; then
+  targets=()
+  for dictionary in fuzz/*.dict; do
+    targets+=("$(basename "$dictionary" .dict)")
+  done
+else
+  [ -f "fuzz/$target.dict" ] || refuse "there is no target '$target'"
+  targets=("$target")
+fi
+
+scripts/setup.sh build test check
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+build() { cmake --preset fuzz && cmake --build --preset fuzz --target "${targets[@]/#/fuzz_}"; }
+if ! build >"$log" 2>&1; then
+  cat "$log" >&2
+  echo "fuzz.sh: the build failed (above)" >&2
+  exit 1
+fi
+
+for target in "${targets[@]}"; do
+  found=build/fuzz-corpus/$target
+  mkdir -p "$found"
+  if ! "build/fuzz/fuzz/fuzz_$target" "$found" "fuzz/corpus/$target" -dict="fuzz/$target.dict" \
+    -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -artifact_prefix="build/fuzz-corpus/$target-" \
+    -print_final_stats=1 "$@" >"$log" 2>&1; then
+    tail -n 60 "$log" >&2
+    echo "fuzz.sh: $target found something (above); run it again with build/fuzz/fuzz/fuzz_$target FILE" >&2
+    exit 1
+  fi
+  awk -v target="$target" '/^stat::number_of_executed_units/ { print target ": " $2 " executions, nothing found" }' "$log"
+done
