@@ -3,7 +3,7 @@
 #
 #   scripts/setup.sh [--help] [GROUP...]
 #
-# Groups: build (default), test, check, bench, package. Needs root or sudo only when something is missing.
+# Groups: build (default), test, coverage, check, bench, package. Needs root or sudo only when something is missing.
 set -euo pipefail
 
 usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
@@ -12,11 +12,12 @@ packages_of() {
   case "$1" in
     build) echo "g++ cmake ninja-build pkg-config python3 libace-dev libcli11-dev nlohmann-json3-dev libedit-dev" ;;
     test) echo "libgtest-dev locales libgmock-dev binutils valgrind python3 abigail-tools" ;;
+    coverage) echo "gcovr" ;;
     check) echo "clang clang-format clang-tidy libclang-rt-14-dev" ;;
     bench) echo "libbenchmark-dev libabsl-dev libboost1.81-dev libboost-url1.81-dev libpoco-dev libglib2.0-dev" \
                 "libcurl4-openssl-dev libfmt-dev libtbb-dev gnuplot-nox" ;;
     package) echo "dpkg-dev file lintian doxygen groff-base make" ;;
-    *) echo "setup.sh: unknown group '$1'; there are build, test, check, bench and package" >&2; return 1 ;;
+    *) echo "setup.sh: unknown group '$1'; there are build, test, coverage, check, bench and package" >&2; return 1 ;;
   esac
 }
 
