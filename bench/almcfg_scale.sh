@@ -3,8 +3,9 @@
 #
 #   bench/almcfg_scale.sh [--help] [LINES [ROUNDS]]
 #
-# Builds what it needs in build/bench-almcfg. The aim: at most 3 times the time of the load, and for files without
-# alternatives less than 4 times the size of the file as memory. Figures are for reading; nothing fails on them.
+# Builds what it needs in build/bench-almcfg. The aim: at most 3 times the time of the load, save where nearly every
+# line has a finding to write, and less than 4 times the size of the file as memory. Figures are for reading; nothing
+# fails on them.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
