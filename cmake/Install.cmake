@@ -35,7 +35,7 @@ if(NOT ASCII_UTIL_INSTALL)
   return()
 endif()
 
-# join(OUT DIR): DIR below the prefix, as an absolute path; an absolute DIR is what it is.
+# ascii_util_absolute(OUT DIR): DIR below the prefix, as an absolute path; an absolute DIR is what it is.
 function(ascii_util_absolute out dir)
   cmake_path(ABSOLUTE_PATH dir BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX} NORMALIZE OUTPUT_VARIABLE path)
   set(${out} ${path} PARENT_SCOPE)

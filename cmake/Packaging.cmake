@@ -57,8 +57,7 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libii-ascii-util (= ${PROJECT_VERSION})")
 # The tools need a library that is in another of the packages.
-get_filename_component(platform_dir ${PROJECT_BINARY_DIR}/host ABSOLUTE)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${platform_dir})
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/host)
 
 # What PackageTidy.cmake needs to know.
 set(CPACK_ASCII_UTIL_SOURCE_DIR ${PROJECT_SOURCE_DIR})

@@ -75,7 +75,7 @@ class Metadata(unittest.TestCase):
     def test_dependencies_are_computed_from_what_is_linked(self):
         system = {"libace-7.0.8", "libc6", "libgcc-s1", "libstdc++6"}
         self.assertEqual(depends("libii-ascii-util"), system)
-        self.assertLess(system | {"libii-ascii-util"}, depends("ii-ascii-util-tools") | {"nothing else"})
+        self.assertEqual(depends("ii-ascii-util-tools"), system | {"libii-ascii-util", "libedit2"})
         self.assertEqual(depends("libii-ascii-util-dev"), {"libii-ascii-util", "libace-dev"})
 
     def test_sister_packages_are_wanted_in_the_same_version(self):
