@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "src/largepages.h"
+
 namespace NS_ASCII {
 
 AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
@@ -18,6 +20,7 @@ AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
   if (chunks_[chunk] == nullptr) {
     // Not cleared: pages that are never written to never become resident.
     chunks_[chunk].reset(new char[UnitsOf(chunk) * kUnitBytes]);
+    PreferLargePages(chunks_[chunk].get(), UnitsOf(chunk) * kUnitBytes);
   }
   next_ = first + units;
   return static_cast<Ref>(first);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "src/almhash.h"
+#include "src/largepages.h"
 
 namespace NS_ASCII {
 namespace {
@@ -44,7 +45,12 @@ bool ComesBefore(const AlarmKey& a, const AlarmKey& b) {
 }
 
 AlarmTable::SlotArray::SlotArray(std::size_t count, std::unique_ptr<SlotArray> previous)
-    : mask(count - 1), slots(new std::atomic<std::uint64_t>[count]()), older(std::move(previous)) {}
+    : mask(count - 1), slots(new std::atomic<std::uint64_t>[count]), older(std::move(previous)) {
+  PreferLargePages(slots.get(), count * sizeof slots[0]);
+  for (std::size_t i = 0; i < count; ++i) {
+    slots[i].store(0, std::memory_order_relaxed);  // Nobody else sees it yet.
+  }
+}
 
 AlarmTable::~AlarmTable() { delete array_.load(std::memory_order_relaxed); }
 
