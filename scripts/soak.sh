@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# Runs the example agent at full speed for a while, with the bundle loaded, its configuration loaded again under the running
+# agent, and both unloaded, round after round in one process.
+#
+#   scripts/soak.sh [--help] SECONDS
+#
+# At the end it prints the rounds, the messages and the resident memory after the first minute (after a quarter of the time,
+# when that is less) and at the end. Exit 1 when a round does not go as it should, when an alarm has no message or one too
+# many, or when memory grew by more than 5 % and 1 MiB.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+fail() { echo "soak.sh: $1" >&2; exit 1; }
+
+case "${1:-}" in
+  --help) usage; exit 0 ;;
+  "" | *[!0-9]* | 0*) echo "soak.sh: expected a number of seconds; see --help" >&2; exit 2 ;;
+esac
+seconds=$1
+settle=$((seconds / 4 < 60 ? seconds / 4 : 60))
+
+scripts/setup.sh build
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+build() { cmake --preset release && cmake --build --preset release --target bundle_host ii_ascii_util alarm_agent_example; }
+build >"$work/build.log" 2>&1 || { cat "$work/build.log" >&2; fail "the build failed (above)"; }
+bin=build/release
+export LD_LIBRARY_PATH="$PWD/$bin/src:$PWD/$bin/examples/alarm_agent${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
+
+# A feed that keeps the agent busy while the configuration is loaded again beside it.
+for _ in $(seq 200); do
+  cat examples/alarm_agent/feed.txt
+done >"$work/feed"
+per_round=$(grep -cvE '^(#|$)' "$work/feed")
+
+mkfifo "$work/commands" "$work/answers"
+"$bin/host/bundle_host" --config-dir examples/config --log-file /dev/null run - <"$work/commands" >"$work/answers" \
+  2>"$work/errors" &
+host=$!
+exec 3>"$work/commands" 4<"$work/answers"
+
+resident() { awk '/^VmRSS:/ { print $2 }' "/proc/$host/status"; }
+
+# One answer a command, so that the rounds keep step with the host.
+command_host() {
+  local answer
+  echo "$1" >&3
+  if ! IFS= read -r -t 120 -u 4 answer; then
+    cat "$work/errors" >&2
+    fail "no answer to: $1"
+  fi
+  [[ $answer == $2* ]] || fail "'$1' was answered '$answer'"
+}
+
+rounds=0 messages=0 settled=0
+begin=$SECONDS
+while [ $((SECONDS - begin)) -lt "$seconds" ]; do
+  command_host "load ii_ascii_util" "loaded "
+  command_host "load alarm_agent_example --feed $work/feed --out $work/out --workers 2" "loaded "
+  for _ in 1 2 3 4 5; do
+    command_host "init ii_ascii_util" "initialised "
+  done
+  command_host "unload alarm_agent_example" "unloaded "
+  command_host "call IsValid" "result: 1"
+  command_host "unload ii_ascii_util" "unloaded "
+  written=$(wc -l <"$work/out")
+  [ "$written" -eq "$per_round" ] || fail "round $((rounds + 1)): $written messages for $per_round alarms"
+  rm "$work/out"
+  rounds=$((rounds + 1)) messages=$((messages + written))
+  if [ "$settled" -eq 0 ] && [ $((SECONDS - begin)) -ge "$settle" ]; then
+    settled=$(resident)
+  fi
+done
+[ "$settled" -gt 0 ] || settled=$(resident)
+last=$(resident)
+exec 3>&-
+wait "$host" || { cat "$work/errors" >&2; fail "the host ended with an error"; }
+[ ! -s "$work/errors" ] || { head "$work/errors" >&2; fail "the host had something to say (above)"; }
+
+echo "$rounds rounds, $messages messages for as many alarms; resident memory $settled KiB after ${settle} s, $last KiB at the end"
+[ $((last - settled)) -le 1024 ] || [ $((20 * (last - settled))) -le "$settled" ] || fail "memory grew"
