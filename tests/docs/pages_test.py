@@ -97,12 +97,15 @@ class Everywhere(unittest.TestCase):
             self.assertIn(script, done.stdout)
             self.assertGreater(len(done.stdout.splitlines()), 2, script)
 
-    def test_configure_options_that_pages_name_exist(self):
-        recipes = "".join(path.read_text() for path in [PROJECT / "CMakeLists.txt", *(PROJECT / "cmake").glob("*.cmake")])
-        defined = set(re.findall(r"(?:option|set)\((ASCII_UTIL_\w+)", recipes))
+    def test_options_and_variables_that_pages_name_exist(self):
+        recipes = [PROJECT / "CMakeLists.txt", *(PROJECT / "cmake").glob("*.cmake"), *(PROJECT / "scripts").iterdir(),
+                   *(path for path in (PROJECT / "tests").rglob("*") if path.is_file() and path.suffix != ".md")]
+        known = set()
+        for path in recipes:
+            known |= set(re.findall(r"\bASCII_UTIL_\w+", path.read_text(errors="replace")))
         for page in PAGES:
             for name in re.findall(r"\bASCII_UTIL_[A-Z_]*[A-Z]\b", page.read_text()):
-                self.assertIn(name, defined, page.name)
+                self.assertIn(name, known, page.name)
 
     def test_changelog_has_the_version_and_lines_that_fit_a_terminal(self):
         version = re.search(r"VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text().split("project(")[1]).group(1)
