@@ -1,7 +1,5 @@
 #include "src/asciiutilifimpl.h"
 
-#include <ctype.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -26,33 +24,6 @@ constexpr char kPairSeparator = ',';
 constexpr char kValueSeparator = '=';
 
 bool StartsWithText(std::string_view text) { return !text.empty() && text.front() != '\0'; }
-
-/// Upper case for characters taken as signed, which is how far down the C library's tables reach.
-class SignedUpper {
- public:
-  char operator()(char c) const {
-    const int code = static_cast<signed char>(c);
-    return IsLower(code) ? static_cast<char>(upper_[code]) : c;
-  }
-
-  /// Whether all bytes, or at least the ASCII ones, are mapped as in the "C" locale.
-  [[nodiscard]] bool IsPlain(bool ascii) const {
-    const auto plain = kPlainUpper.mapped.begin();
-    int common = _ISlower;
-    for (int letter = 'a'; letter <= 'z'; ++letter) {
-      common &= classes_[letter];
-    }
-    // -128 to -2 stand for the bytes 128 to 254. -1 is no character to the C library and never changes.
-    return common != 0 && std::equal(plain, plain + 128, upper_) &&
-           (ascii || std::equal(plain + 128, plain + 255, upper_ - 128));
-  }
-
- private:
-  [[nodiscard]] bool IsLower(int code) const { return (classes_[code] & _ISlower) != 0; }
-
-  const unsigned short* classes_ = *__ctype_b_loc();
-  const std::int32_t* upper_ = *__ctype_toupper_loc();
-};
 
 /// Whether the trimmed pair that `pos` lies in starts there.
 bool StartsPair(std::string_view text, std::size_t pos) {

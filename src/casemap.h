@@ -1,6 +1,8 @@
 #ifndef SRC_CASEMAP_H_
 #define SRC_CASEMAP_H_
 
+#include <ctype.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -49,6 +51,33 @@ inline bool IsAscii(std::string_view text) {
   }
   return bits < 0x80;
 }
+
+/// Upper case for characters taken as signed, which is how far down the C library's tables reach.
+class SignedUpper {
+ public:
+  char operator()(char c) const {
+    const int code = static_cast<signed char>(c);
+    return IsLower(code) ? static_cast<char>(upper_[code]) : c;
+  }
+
+  /// Whether all bytes, or at least the ASCII ones, are mapped as in the "C" locale.
+  [[nodiscard]] bool IsPlain(bool ascii) const {
+    const auto plain = kPlainUpper.mapped.begin();
+    int common = _ISlower;
+    for (int letter = 'a'; letter <= 'z'; ++letter) {
+      common &= classes_[letter];
+    }
+    // -128 to -2 stand for the bytes 128 to 254. -1 is no character to the C library and never changes.
+    return common != 0 && std::equal(plain, plain + 128, upper_) &&
+           (ascii || std::equal(plain + 128, plain + 255, upper_ - 128));
+  }
+
+ private:
+  [[nodiscard]] bool IsLower(int code) const { return (classes_[code] & _ISlower) != 0; }
+
+  const unsigned short* classes_ = *__ctype_b_loc();
+  const std::int32_t* upper_ = *__ctype_toupper_loc();
+};
 
 /// Maps `text` in place. `mapByte` maps one char; `mapsPlainly(ascii)` tells whether it maps all bytes, or at
 /// least the ASCII ones, as `plain` does.
