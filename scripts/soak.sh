@@ -25,8 +25,10 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 build() { cmake --preset release && cmake --build --preset release --target bundle_host ii_ascii_util alarm_agent_example; }
 build >"$work/build.log" 2>&1 || { cat "$work/build.log" >&2; fail "the build failed (above)"; }
-bin=build/release
-export LD_LIBRARY_PATH="$PWD/$bin/src:$PWD/$bin/examples/alarm_agent${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
+# Copies, so that a build meanwhile does not pull the libraries away.
+(cd build/release && cp host/bundle_host host/libbundle_host.so src/libii_ascii_util.so \
+  examples/alarm_agent/libalarm_agent_example.so "$work")
+export LD_LIBRARY_PATH="$work${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
 
 # A feed that keeps the agent busy while the configuration is loaded again beside it.
 for _ in $(seq 200); do
@@ -35,7 +37,7 @@ done >"$work/feed"
 per_round=$(grep -cvE '^(#|$)' "$work/feed")
 
 mkfifo "$work/commands" "$work/answers"
-"$bin/host/bundle_host" --config-dir examples/config --log-file /dev/null run - <"$work/commands" >"$work/answers" \
+"$work/bundle_host" --config-dir examples/config --log-file /dev/null run - <"$work/commands" >"$work/answers" \
   2>"$work/errors" &
 host=$!
 exec 3>"$work/commands" 4<"$work/answers"
