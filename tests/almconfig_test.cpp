@@ -186,8 +186,10 @@ TEST_F(LoadConfig, LogsAnEmptyAlternativeAndStoresNone) {
 }
 
 TEST_F(LoadConfig, ToleratesOneTrailingSlash) {
+  Load("A/\tk\tc\t1\tv\n");
+  EXPECT_THAT(Entries(config), ElementsAre("A|k|c|1=v"));
   Load("A/\tk/\tc/\t1/\tv/\n");
-  EXPECT_THAT(Entries(config), ElementsAre("A|k|c/|1/=v/"));
+  EXPECT_THAT(Entries(config), ElementsAre("A|k|c/|1/=v/", "A|k|c|1=v"));
   EXPECT_THAT(framework.Calls(), IsEmpty());
 }
 
@@ -425,8 +427,12 @@ TEST_F(ExpandField, AppendsOneRecordForEachAlternative) {
   config.ExpandField({"x", "y"}, record, records, 3);
   ASSERT_EQ(records.size(), 6U);
   EXPECT_EQ(records[5].key1 + ' ' + records[5].key2, "b c");
+  config.ExpandField({"z"}, record, records, 0);
+  ASSERT_EQ(records.size(), 7U);
+  EXPECT_EQ(records[6].key1 + ' ' + records[6].key2, "b c");
+  EXPECT_EQ(record.key1 + ' ' + record.key2, "b c");
   config.ExpandField({}, record, records, 1);
-  EXPECT_EQ(records.size(), 6U);
+  EXPECT_EQ(records.size(), 7U);
 }
 
 TEST_F(AddLine, ExpandsColumnOneOutsideAndColumnTwoInside) {
@@ -470,6 +476,16 @@ TEST_F(TakeLine, SaysWhatBecameOfTheLine) {
   EXPECT_EQ(work.all[1].key2, "l");
   EXPECT_EQ(config.TakeLine("B\tk\tc\t1\tv", work), LineFate::kStored);
   EXPECT_EQ(work.all.size(), 1U);
+}
+
+TEST_F(TakeLine, ExpandsColumnOneOutsideAndColumnTwoInside) {
+  Alarm_Config_Param::LineWork work;
+  EXPECT_EQ(config.TakeLine("A/B\tX/Y\tc\t1\tv", work), LineFate::kStored);
+  std::vector<std::string> order;
+  for (const NS_ASCII::AlarmRecordView& record : work.all) {
+    order.push_back(std::string(record.key1) + std::string(record.key2));
+  }
+  EXPECT_THAT(order, ElementsAre("AX", "AY", "BX", "BY"));
 }
 
 // --- The store

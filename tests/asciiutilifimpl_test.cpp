@@ -7,7 +7,9 @@
 #include <ctime>
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "src/almconfig.h"
@@ -219,7 +221,18 @@ TEST_F(GetTimeStamp, PadsAYearBelow1000WithBlanks) {
   EXPECT_EQ(impl.GetTimeStamp(), "   1-01-01T00:00:00");
 }
 
+TEST_F(GetTimeStamp, FitsDownToTheYearMinus999) {
+  clockReads = -93692592000;
+  EXPECT_EQ(impl.GetTimeStamp(), "-999-01-01T00:00:00");
+  EXPECT_THAT(framework.Messages(), IsEmpty());
+  clockReads = -93692592001;
+  EXPECT_EQ(impl.GetTimeStamp(), "");
+  EXPECT_THAT(framework.Messages(), ElementsAre(Said(86, 1, "sprintf_s failed.")));
+}
+
 TEST_F(GetTimeStamp, IsEmptyWithoutAWordWhenTheClockCannotBeBrokenDown) {
+  clockReads = 67768036191676800;  // The first second whose years since 1900 no int holds.
+  EXPECT_EQ(impl.GetTimeStamp(), "");
   clockReads = INT64_MAX;
   EXPECT_EQ(impl.GetTimeStamp(), "");
   EXPECT_THAT(framework.Calls(), IsEmpty());
@@ -704,6 +717,26 @@ TEST_F(GetMapList, LeavesTheListAloneWithoutAListForTheName) {
 TEST_F(WriteDbgLog, LogsTheTextAtLevelZeroWithAnEmptyPosition) {
   EXPECT_EQ(impl.WriteDbgLog("x"), 0);
   EXPECT_THAT(framework.Messages(), ElementsAre(Message{"", "", 0, 0, "x", {}}));
+}
+
+TEST_F(WriteDbgLog, LogsAnEmptyPositionOnAThreadThatNeverLoggedBefore) {
+  EXPECT_EQ(impl.WriteDbgLog("before"), 0);
+  framework.ForgetCalls();
+  std::thread([this] { EXPECT_EQ(impl.WriteDbgLog("x"), 0); }).join();
+  EXPECT_THAT(framework.Messages(), ElementsAre(Message{"", "", 0, 0, "x", {}}));
+}
+
+TEST_F(WriteDbgLog, AnswersZeroWithoutALogger) {
+  framework.logger = [] { return nullptr; };
+  EXPECT_EQ(impl.WriteDbgLog("dropped"), 0);
+  EXPECT_EQ(impl.WriteDbgLog("dropped"), 0);
+  EXPECT_THAT(framework.Messages(), IsEmpty());
+}
+
+TEST_F(WriteDbgLog, AnswersZeroWhenTheLogServiceThrows) {
+  framework.On("GetLogger", [] { throw std::runtime_error("log service"); });
+  EXPECT_EQ(impl.WriteDbgLog("dropped"), 0);
+  EXPECT_THAT(framework.Messages(), IsEmpty());
 }
 
 TEST_F(WriteDbgLog, AnswersZeroWithoutALogService) {

@@ -69,6 +69,12 @@ TEST_F(MakeIiAsciiUtil, PublishesTheInterfaceBeforeInit) {
 TEST_F(MakeIiAsciiUtil, WorksWithoutAPlaceForTheExterminator) {
   const std::unique_ptr<ACE_Service_Object> object(_make_ii_ascii_util(nullptr));
   ASSERT_NE(object, nullptr);
+  auto* const service = dynamic_cast<ii_ascii_util*>(object.get());
+  ASSERT_NE(service, nullptr);
+  EXPECT_THAT(*NS_BUNDLEMGR1::CheckIFBuf("AsciiUtilInterface"), ElementsAre(service->GetInterface()));
+  EXPECT_EQ(service->GetInterface()->IsValid(), 1);
+  framework.cfgDir = directory.path().string() + "/";
+  EXPECT_EQ(object->init(0, nullptr), 0);
   EXPECT_EQ(object->fini(), 0);
 }
 
