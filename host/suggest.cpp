@@ -33,6 +33,9 @@ std::string DidYouMean(const std::string& word, const std::vector<std::string>& 
   const std::string* nearest = nullptr;
   std::size_t least = std::max<std::size_t>(word.size() / 3, 1) + 1;
   for (const std::string& name : names) {
+    if (word.size() >= name.size() + least) {
+      continue;  // Too long to be meant; a line of any length may come here.
+    }
     const std::size_t distance = Distance(word, name);
     if (distance < least) {
       least = distance;

@@ -70,4 +70,21 @@ std::string UnescapeBytes(std::string_view text) {
   return out;
 }
 
+std::string OneLine(std::string_view message) {
+  constexpr std::size_t kLongest = 2000;
+  if (message.size() > kLongest) {
+    const std::size_t half = kLongest / 2;
+    return OneLine(message.substr(0, half)) + "..." + OneLine(message.substr(message.size() - half));
+  }
+  std::string out;
+  for (const char c : message) {
+    if (static_cast<unsigned char>(c) < ' ' || c == '\x7f') {
+      AppendEscape(out, c);
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
 }  // namespace host

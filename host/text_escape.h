@@ -23,6 +23,10 @@ PLATFORM_API std::string EscapeControls(std::string_view text);
 /// plain backslash.
 PLATFORM_API std::string UnescapeBytes(std::string_view text);
 
+/// A message as one line of bounded length that no terminal takes for orders: control characters as \xNN,
+/// the middle of one that is very long as "...". Bytes outside ASCII stay, since file names hold them.
+PLATFORM_API std::string OneLine(std::string_view message);
+
 }  // namespace host
 
 #endif  // HOST_TEXT_ESCAPE_H_

@@ -22,4 +22,9 @@ TEST(DidYouMean, IsSilentWhenNothingIsNear) {
   EXPECT_EQ(DidYouMean("call", {}), "");
 }
 
+TEST(DidYouMean, AThirdOfTheLettersMayBeTooMany) {
+  EXPECT_EQ(DidYouMean("abcdef", {"abcd"}), "; did you mean abcd?");
+  EXPECT_EQ(DidYouMean("abcdef", {"abc"}), "");
+}
+
 }  // namespace

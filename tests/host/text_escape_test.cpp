@@ -34,4 +34,14 @@ TEST(TextEscape, ABackslashWithoutTwoDigitsIsABackslash) {
   }
 }
 
+TEST(OneLine, KeepsTextAndFileNamesAndEscapesControls) {
+  EXPECT_EQ(host::OneLine("a\nb\x1b \xc3\xa9\x7f \\"), "a\\x0ab\\x1b \xc3\xa9\\x7f \\");
+}
+
+TEST(OneLine, LosesTheMiddleOfAVeryLongText) {
+  EXPECT_EQ(host::OneLine(std::string(2000, 'a')), std::string(2000, 'a'));
+  EXPECT_EQ(host::OneLine(std::string(2000, 'a') + "b"),
+            std::string(1000, 'a') + "..." + std::string(999, 'a') + "b");
+}
+
 }  // namespace
