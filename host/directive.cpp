@@ -36,8 +36,11 @@ Directive ParseDirective(const std::string& text) {
   }
   const std::string library = Take(rest, " \t\r\n:");
   if (TakeText(rest, ":")) {
-    directive.library = library;
-    directive.factory = Take(rest, " \t\r\n(");
+    const std::string factory = Take(rest, " \t\r\n(");
+    if (TakeText(rest, "(") && TakeText(rest, ")")) {
+      directive.library = library;
+      directive.factory = factory;
+    }
   }
   return directive;
 }

@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 #include "host/problem.h"
 
@@ -36,12 +38,45 @@ const T* At(const std::vector<char>& file, std::uint64_t offset, std::uint64_t c
   return fits ? reinterpret_cast<const T*>(file.data() + offset) : nullptr;
 }
 
+/// The bytes of a regular file; none of anything else.
+std::vector<char> ReadFile(const std::string& path) {
+  std::error_code none;
+  if (!std::filesystem::is_regular_file(path, none)) {
+    return {};
+  }
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+/// The header of an ELF file of this process's own width; null for anything else.
+const ElfW(Ehdr) * HeaderOf(const std::vector<char>& file) {
+  constexpr unsigned char kOwnClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
+  const auto* const header = At<ElfW(Ehdr)>(file, 0);
+  const bool isElf = header != nullptr && std::memcmp(header->e_ident, ELFMAG, SELFMAG) == 0 &&
+                     header->e_ident[EI_CLASS] == kOwnClass;
+  return isElf ? header : nullptr;
+}
+
+/// Whether the file lacks a part of what would be mapped. The dynamic linker maps it all the same, and the
+/// process ends where it touches what is missing.
+bool IsCutShort(const std::string& path) {
+  const std::vector<char> file = ReadFile(path);
+  const auto* const header = HeaderOf(file);
+  if (header == nullptr) {
+    return false;
+  }
+  const auto* const segments = At<ElfW(Phdr)>(file, header->e_phoff, header->e_phnum);
+  return segments == nullptr ||
+         std::any_of(segments, segments + header->e_phnum, [&](const ElfW(Phdr) & segment) {
+           return segment.p_type == PT_LOAD && At<char>(file, segment.p_offset, segment.p_filesz) == nullptr;
+         });
+}
+
 /// Whether the library exports a unique-binding symbol, which makes the dynamic linker keep it for good.
 bool HasUniqueSymbol(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary);
-  const std::vector<char> file((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-  const auto* const header = At<ElfW(Ehdr)>(file, 0);
-  if (header == nullptr || std::memcmp(header->e_ident, ELFMAG, SELFMAG) != 0) {
+  const std::vector<char> file = ReadFile(path);
+  const auto* const header = HeaderOf(file);
+  if (header == nullptr) {
     return false;
   }
   const auto* const sections = At<ElfW(Shdr)>(file, header->e_shoff, header->e_shnum);
@@ -67,6 +102,9 @@ bool HasUniqueSymbol(const std::string& path) {
 void LibraryHandle::Close::operator()(void* handle) const { dlclose(handle); }
 
 LibraryHandle LibraryHandle::Load(const std::string& library) {
+  if (IsCutShort(library)) {
+    throw Failure("cannot be loaded: the file is shorter than its segments; is it still being written?");
+  }
   // All symbols at once: a missing one shall be found now, not in the middle of a call.
   LibraryHandle handle(dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!handle) {
@@ -134,6 +172,9 @@ bool IsMapped(const std::string& path) {
 
 std::string WhyMapped(const std::string& path, const std::vector<std::string>& others) {
   for (const std::string& other : others) {
+    if (other == path) {
+      return "another bundle was loaded from it";
+    }
     const LibraryHandle user = LibraryHandle::OfLoaded(other);
     const std::vector<std::string> needed = user ? user.Needed() : std::vector<std::string>();
     if (std::find(needed.begin(), needed.end(), BaseName(path)) != needed.end()) {

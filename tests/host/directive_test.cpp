@@ -31,6 +31,7 @@ TEST(Directive, ADynamicOneOfAnotherKindNamesNoLibrary) {
   EXPECT_EQ(ParseDirective("dynamic N Module * lib:_make_b()").library, "");
   EXPECT_EQ(ParseDirective("dynamic N Service_Object lib:_make_b()").library, "");
   EXPECT_EQ(ParseDirective("dynamic N Service_Object * lib").library, "");
+  EXPECT_EQ(ParseDirective("dynamic N Service_Object * lib:_make_b \"\"").factory, "");
   EXPECT_EQ(ParseDirective("").verb, "");
 }
 
