@@ -192,9 +192,17 @@ void LogCapture::Add(const LogRecord& record) {
 
 AceComplaints::AceComplaints() : outer_(complaints) { complaints = this; }
 
-AceComplaints::~AceComplaints() { complaints = outer_; }
+AceComplaints::~AceComplaints() {
+  complaints = outer_;
+  for (const std::string& text : told_ ? std::vector<std::string>() : texts_) {
+    ACE_Log_Record record(LM_ERROR, ACE_OS::gettimeofday(), ACE_OS::getpid());
+    record.msg_data(text.c_str());
+    ACE_Log_Msg::instance()->log(record);
+  }
+}
 
 std::string AceComplaints::Text() const {
+  told_ = true;
   std::string all;
   for (const std::string& text : texts_) {
     all += (all.empty() ? "" : "; ") + text;

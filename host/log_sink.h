@@ -87,6 +87,7 @@ class PLATFORM_API LogCapture {
 };
 
 /// Collects what ACE itself complains about on this thread while it lives; the last one made collects.
+/// What nobody asked for by then goes where it would have gone without it.
 class PLATFORM_API AceComplaints {
  public:
   AceComplaints();
@@ -101,6 +102,7 @@ class PLATFORM_API AceComplaints {
  private:
   AceComplaints* outer_;
   std::vector<std::string> texts_;
+  mutable bool told_ = false;
 };
 
 }  // namespace host
