@@ -57,6 +57,7 @@ class Table : public BundleMgr {
 
   std::mutex lock;
   std::map<std::string, std::unique_ptr<HostBundle>> bundles;  // guarded by lock
+  std::uint64_t everListed = 0;                                // guarded by lock
 };
 
 /// Never destroyed: service objects may be unlisted while the process is ending.
@@ -76,6 +77,7 @@ void ListService(const std::string& bundle, const std::string& service, ServiceO
     place = std::make_unique<HostBundle>(table.lock);
   }
   place->services.push_back({service, object});
+  ++table.everListed;
 }
 
 bool UnlistService(const ServiceObjectBase* object) {
@@ -110,6 +112,12 @@ std::vector<ServiceEntry> ListServices() {
     }
   }
   return list;
+}
+
+std::uint64_t ServicesEverListed() {
+  Table& table = TheTable();
+  const std::lock_guard<std::mutex> guard(table.lock);
+  return table.everListed;
 }
 
 }  // namespace host

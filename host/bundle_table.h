@@ -1,6 +1,7 @@
 #ifndef HOST_BUNDLE_TABLE_H_
 #define HOST_BUNDLE_TABLE_H_
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,9 @@ PLATFORM_API bool IsListed(const NS_BUNDLEMGR1::ServiceObjectBase* object);
 
 /// All living service objects, by bundle, then in the order in which they were made.
 PLATFORM_API std::vector<ServiceEntry> ListServices();
+
+/// How many service objects were listed so far, those that are gone included.
+PLATFORM_API std::uint64_t ServicesEverListed();
 
 }  // namespace host
 

@@ -82,8 +82,8 @@ void RunCommand(Session& session, const Words& words) {
     throw;
   } catch (const Failure&) {
     throw;
-  } catch (const std::exception& error) {
-    throw Failure(words[0] + ": an exception came out: " + error.what());
+  } catch (...) {
+    throw Failure(words[0] + ": an exception came out: " + CurrentExceptionText());
   }
 }
 

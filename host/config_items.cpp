@@ -6,6 +6,8 @@
 #include <charconv>
 #include <mutex>
 
+#include "host/ini_check.h"
+
 namespace host {
 namespace {
 
@@ -51,19 +53,17 @@ std::optional<int> ParseInt(const std::string& text) {
 }
 
 std::string LoadItems(const std::string& file) {
+  if (std::string problem = CheckIniFile(file); !problem.empty()) {
+    return problem;
+  }
   ACE_Configuration_Heap configuration;
   if (configuration.open() != 0) {
     return file + ": no memory to read it";
   }
-  const int result = ACE_Ini_ImpExp(configuration).import_config(file.c_str());
-  if (result == -1) {
-    return file + ": cannot be opened";
-  }
-  if (result != 0) {
-    return file + ": a line is neither a [SECTION], NAME=INTEGER below one, nor a comment";
+  if (ACE_Ini_ImpExp(configuration).import_config(file.c_str()) != 0) {
+    return file + ": cannot be imported";
   }
   ItemMap read;
-  AddSection(configuration, configuration.root_section(), read);
   ACE_Configuration_Section_Key section;
   if (configuration.open_section(configuration.root_section(), "items", 0, section) == 0) {
     AddSection(configuration, section, read);

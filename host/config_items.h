@@ -17,8 +17,8 @@ inline constexpr const char* kItemsFile = "config_items.ini";
 /// `text` as a decimal integer that fits an int, an optional sign in front and nothing around it.
 PLATFORM_API std::optional<int> ParseInt(const std::string& text);
 
-/// Reads the items of an INI file: lines NAME=VALUE, outside any section or in the section [items]; ';' and
-/// '#' start a comment line. They are added to those there are, the same name replaced. Other sections are
+/// Reads the items of an INI file: lines NAME=VALUE in the section [items]; ';' and '#' start a comment
+/// line. They are added to those there are, the same name replaced. Other sections are
 /// not looked at. A file that cannot be read or understood changes nothing and is reported by the returned
 /// text; empty when all went well. That a value is no integer is no error here: the item just cannot be read
 /// as one.

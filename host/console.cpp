@@ -8,6 +8,7 @@
 #include "host/line_editor.h"
 #include "host/script.h"
 #include "host/state_dir.h"
+#include "host/text_escape.h"
 
 namespace host {
 namespace {
@@ -25,7 +26,7 @@ void RunInteractively(Session& session) {
       RunLine(session, *line);
     } catch (const std::exception& problem) {
       session.out.flush();
-      std::cerr << problem.what() << '\n';
+      std::cerr << OneLine(problem.what()) << '\n';
     }
     session.out.flush();
   }

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 #include "host/bundle_table.h"
 #include "host/directive.h"
@@ -17,6 +18,7 @@
 #include "host/mapped_library.h"
 #include "host/problem.h"
 #include "host/suggest.h"
+#include "host/watched_service.h"
 
 namespace host {
 namespace {
@@ -106,24 +108,41 @@ std::string WithReason(const std::string& problem, const std::string& reason) {
   return reason.empty() ? problem : problem + " (" + reason + ")";
 }
 
+/// A bundle that ACE did not load although nothing was thrown. An object of a foreign base is not listed.
+std::string WhyNotLoaded(const std::string& name, bool wasMade, const std::string& complaint) {
+  if (wasMade) {
+    return WithReason(name + ": init failed", complaint);
+  }
+  if (!complaint.empty()) {
+    return WithReason(name + ": ACE did not load it", complaint);
+  }
+  return name + ": the factory returned null, or init of an object that is no ServiceObjectBase failed";
+}
+
 }  // namespace
 
 // ACE's default policy leaves the choice to each library, and takes one that makes none for lazy.
 Loader::Loader() { ACE_DLL_Manager::instance()->unload_policy(ACE_DLL_UNLOAD_POLICY_PER_PROCESS); }
 
-Loader::~Loader() {
+Loader::~Loader() { UnloadAll(); }
+
+bool Loader::UnloadAll() {
+  bool isWell = true;
   while (!bundles_.empty()) {
     const std::string name = bundles_.back().name;
     try {
       const UnloadReport report = Unload(name, true);
       if (!report.problem.empty()) {
+        isWell = false;
         std::fprintf(stderr, "bundle_host: %s\n", report.problem.c_str());
       }
     } catch (const std::exception& error) {
+      isWell = false;
       std::fprintf(stderr, "bundle_host: %s: %s\n", name.c_str(), error.what());
       Forget(name);
     }
   }
+  return isWell;
 }
 
 const LoadedBundle& Loader::Load(const std::string& library, const Words& arguments) {
@@ -142,21 +161,32 @@ const LoadedBundle& Loader::Load(const std::string& library, const Words& argume
 
 void Loader::Process(const std::string& directive) {
   const Directive parts = ParseDirective(directive);
-  if (!parts.factory.empty()) {
+  if (parts.verb == "dynamic") {
+    // ACE would call or read whatever it finds under the name, and take it for what the directive says.
+    if (parts.library.empty() || parts.factory.empty()) {
+      throw Failure(
+          "not what a bundle is loaded by; write dynamic NAME Service_Object * LIBRARY:FACTORY() "
+          "\"ARGUMENTS\"");
+    }
     const LibraryHandle handle = OpenLibrary(parts.library);
     RequireFactory(handle, parts.library, parts.factory);
     Dynamic(parts.name, directive);
     return;
   }
+  if (parts.name.empty()) {
+    throw Failure("'" + parts.verb + "' needs the name of a service behind it");
+  }
   if (parts.verb == "remove") {
-    Unload(parts.name);
+    if (const UnloadReport report = Unload(parts.name); !report.problem.empty()) {
+      throw Failure(report.problem);
+    }
     return;
   }
   // ACE passes over a word that it does not know without counting it as a problem.
-  const std::vector<std::string> verbs{"dynamic", "static", "suspend", "resume", "stream"};
+  const std::vector<std::string> verbs{"static", "suspend", "resume"};
   if (std::find(verbs.begin(), verbs.end(), parts.verb) == verbs.end()) {
     throw Failure("'" + parts.verb +
-                  "' is no directive; there are dynamic, static, remove, suspend, resume and stream");
+                  "' is no directive; there are dynamic, static, remove, suspend and resume");
   }
   const AceComplaints complaints;
   if (ACE_Service_Config::process_directive(directive.c_str()) != 0 || !complaints.Text().empty()) {
@@ -169,23 +199,26 @@ void Loader::Dynamic(const std::string& name, const std::string& directive) {
     throw UsageError("a bundle " + name + " is loaded already; unload it first");
   }
   const std::vector<ServiceEntry> before = ListServices();
+  const std::uint64_t madeBefore = ServicesEverListed();
   const AceComplaints complaints;
   bool done = false;
-  std::string reason;
+  std::string problem;
   try {
     done = ACE_Service_Config::process_directive(directive.c_str()) == 0;
-    reason = complaints.Text();
-  } catch (const std::exception& error) {
-    reason = std::string("it threw: ") + error.what();
+  } catch (...) {
+    // ACE has destroyed by now what there was, so nothing tells the one from the other.
+    problem = name + ": the factory or init threw: " + CurrentExceptionText();
   }
   ACE_Service_Object* const object = done ? ServiceOf(name) : nullptr;
   if (object == nullptr) {
     ACE_Service_Config::remove(name.c_str());
     DestroyNewcomers(before);
-    throw Failure(WithReason(name + ": the factory or init failed", reason));
+    const bool wasMade = ServicesEverListed() != madeBefore;
+    throw Failure(problem.empty() ? WhyNotLoaded(name, wasMade, complaints.Text()) : problem);
   }
   const void* const code = *reinterpret_cast<void* const*>(object);  // Its virtual table is the library's.
-  bundles_.push_back({name, RealPath(LibraryAt(code)), object, dynamic_cast<ServiceObjectBase*>(object)});
+  bundles_.push_back(
+      {name, RealPath(LibraryAt(code)), object, dynamic_cast<ServiceObjectBase*>(object), WatchFini(name)});
 }
 
 void Loader::Init(const std::string& name, const Words& arguments) {
@@ -196,9 +229,10 @@ void Loader::Init(const std::string& name, const Words& arguments) {
     vector.push_back(copy.data());
   }
   vector.push_back(nullptr);
+  const AceComplaints complaints;
   const int result = bundle.object->init(static_cast<int>(copies.size()), vector.data());
   if (result != 0) {
-    throw Failure(name + ": init returned " + std::to_string(result));
+    throw Failure(WithReason(name + ": init returned " + std::to_string(result), complaints.Text()));
   }
 }
 
@@ -227,6 +261,8 @@ UnloadReport Loader::Unload(const std::string& name, bool evenIfNeeded) {
       delete bundle.service;
     } else if (result != 0) {
       report.problem = WithReason(name + ": ACE could not remove it", complaints.Text());
+    } else if (!bundle.finiProblem->empty()) {
+      report.problem = WithReason(name + ": " + *bundle.finiProblem, complaints.Text());
     }
   }
   Forget(name);

@@ -3,6 +3,7 @@
 
 #include <ace/Service_Object.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ struct LoadedBundle {
   std::string library;  ///< path of the library with its code
   ACE_Service_Object* object = nullptr;
   NS_BUNDLEMGR1::ServiceObjectBase* service = nullptr;  ///< the same object; null when it has another base
+  std::shared_ptr<const std::string> finiProblem;       ///< what was wrong with its `fini`, once it has run
 };
 
 /// What an unload found.
@@ -42,8 +44,12 @@ class Loader {
   Loader(const Loader&) = delete;
   Loader& operator=(const Loader&) = delete;
 
-  /// Unloads what is left, the last one loaded first.
+  /// Does `UnloadAll`.
   ~Loader();
+
+  /// Unloads what is left, the last one loaded first. What goes wrong is told in one line each on standard
+  /// error; false when something did.
+  bool UnloadAll();
 
   /// Loads `library`, a path or a name that the dynamic linker finds (NAME also stands for libNAME.so). The
   /// bundle gets the library's name without "lib" and ".so"; its factory is "_make_" and that name. The
@@ -56,8 +62,9 @@ class Loader {
   /// Calls `init` of a loaded bundle once more.
   void Init(const std::string& name, const Words& arguments);
 
-  /// Calls `fini`, whose result ACE does not look at, destroys the service object and gives the library back.
-  /// Refused while another loaded bundle is linked against the library, unless `evenIfNeeded`.
+  /// Calls `fini`, destroys the service object and gives the library back.
+  /// Refused while another loaded bundle is linked against the library, unless `evenIfNeeded`. A `fini` that
+  /// fails or throws keeps nothing loaded; the report tells.
   UnloadReport Unload(const std::string& name, bool evenIfNeeded = false);
 
   /// In the order in which they were loaded.

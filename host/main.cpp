@@ -1,7 +1,7 @@
 #include <dirent.h>
+#include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <iostream>
 #include <memory>
 #include <system_error>
@@ -16,6 +16,7 @@
 #include "host/problem.h"
 #include "host/script.h"
 #include "host/svc_conf.h"
+#include "host/text_escape.h"
 
 namespace {
 
@@ -38,11 +39,7 @@ void SetUpConfiguration(const Options& options) {
     throw Failure("configuration directory " + directory + ": " + std::generic_category().message(errno));
   }
   const std::string items = directory + host::kItemsFile;
-  if (std::unique_ptr<std::FILE, int (*)(std::FILE*)>(std::fopen(items.c_str(), "re"), std::fclose) ==
-      nullptr) {
-    if (errno != ENOENT) {
-      throw Failure(items + ": " + std::generic_category().message(errno));
-    }
+  if (access(items.c_str(), F_OK) != 0 && errno == ENOENT) {
     return;
   }
   if (const std::string problem = host::LoadItems(items); !problem.empty()) {
@@ -60,7 +57,7 @@ void RunProgramCommand(host::Session& session, const host::Words& command) {
   }
 }
 
-void Run(const Options& options) {
+int Run(const Options& options) {
   const host::LogOutput output(options.logFile);
   if (!output.Problem().empty()) {
     throw Failure(output.Problem());
@@ -78,11 +75,13 @@ void Run(const Options& options) {
   host::Session session{loader, std::cout};
   session.echo = options.echo;
   RunProgramCommand(session, options.command);
+  std::cout.flush();
+  return loader.UnloadAll() ? 0 : kFailed;
 }
 
 int Report(const std::exception& problem, int exitCode) {
   std::cout.flush();
-  std::cerr << "bundle_host: " << problem.what() << '\n';
+  std::cerr << "bundle_host: " << host::OneLine(problem.what()) << '\n';
   return exitCode;
 }
 
@@ -91,16 +90,17 @@ int Report(const std::exception& problem, int exitCode) {
 int main(int argc, char* argv[]) {
   try {
     const auto parsed = host::ParseOptions(argc, argv);
+    int exitCode = 0;
     if (const auto* const text = std::get_if<std::string>(&parsed)) {
       std::cout << *text;
     } else {
-      Run(std::get<Options>(parsed));
+      exitCode = Run(std::get<Options>(parsed));
     }
     std::cout.flush();
     if (!std::cout) {
       throw Failure("standard output cannot be written");
     }
-    return 0;
+    return exitCode;
   } catch (const host::UsageError& problem) {
     return Report(problem, kWrongUsage);
   } catch (const std::exception& problem) {

@@ -1,6 +1,7 @@
 #include "host/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <sstream>
 
 #include "host/command.h"

@@ -23,6 +23,9 @@ class Failure : public std::runtime_error {
   explicit Failure(const std::string& message) : std::runtime_error(EscapeControls(message)) {}
 };
 
+/// What the exception that is being handled says, whatever its type.
+std::string CurrentExceptionText();
+
 }  // namespace host
 
 #endif  // HOST_PROBLEM_H_

@@ -1,6 +1,7 @@
 #include "host/script.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <system_error>
@@ -20,6 +21,9 @@ void Echo(std::ostream& out, const std::string& line) {
 }  // namespace
 
 void RunLine(Session& session, const std::string& line) {
+  if (const std::size_t nul = line.find('\0'); nul != std::string::npos) {
+    throw UsageError("column " + std::to_string(nul + 1) + ": a NUL byte; texts take it as \\x00");
+  }
   const Words words = SplitWords(line);
   if (!words.empty()) {
     RunCommand(session, words);
@@ -40,7 +44,7 @@ void RunScript(Session& session, std::istream& input, const std::string& name) {
       throw Failure(name + ":" + std::to_string(number) + ": " + problem.what());
     }
   }
-  if (input.bad()) {
+  if (input.bad() || (&input == &std::cin && std::ferror(stdin) != 0)) {
     throw Failure(name + ": cannot be read");
   }
 }

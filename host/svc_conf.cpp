@@ -40,6 +40,9 @@ struct GatheredDirective {
 
 void Process(Loader& loader, const std::string& file, const GatheredDirective& directive) {
   const std::string place = file + ":" + std::to_string(directive.firstLine) + ": ";
+  if (directive.text.find('\0') != std::string::npos) {
+    throw Failure(place + "a NUL byte; this is a file of text lines");
+  }
   if (directive.IsOpen()) {
     throw Failure(place + "the directive has a brace or a quote that is not closed");
   }

@@ -1,5 +1,7 @@
 // A bundle that goes wrong in the one way that BROKEN_... names.
 
+#include <ace/Log_Msg.h>
+
 #include <stdexcept>
 
 #include "framework/interface_registry.h"
@@ -18,10 +20,16 @@ class Broken : public NS_BUNDLEMGR1::ServiceObjectBase {
   Broken() : ServiceObjectBase("broken_bundle", "broken") {
     interface_ = new Interface;
     NS_BUNDLEMGR1::SetIFBuf("BrokenInterface", interface_);
+#ifdef BROKEN_FACTORY_THROWS
+    throw 42;
+#endif
   }
 
   int init(int /*argc*/, ACE_TCHAR* /*argv*/[]) override {
     NS_BUNDLEMGR1::CheckIFBuf("WantedInterface");
+#ifdef BROKEN_LAZY_EXTERMINATOR
+    ACE_ERROR((LM_ERROR, ACE_TEXT("a warning of init\n")));
+#endif
 #ifdef BROKEN_THROWING
     throw std::runtime_error("no wheels");
 #endif
@@ -33,8 +41,10 @@ class Broken : public NS_BUNDLEMGR1::ServiceObjectBase {
   }
 
   int fini() override {
-#ifdef BROKEN_FINI_FAILS
+#if defined(BROKEN_FINI_FAILS)
     return -1;
+#elif defined(BROKEN_FINI_THROWS)
+    throw std::runtime_error("no brakes");
 #else
     return 0;
 #endif

@@ -143,7 +143,10 @@ class Options(HostTest):
 
     def test_items_that_are_not_understood_stop_the_program(self):
         self.write("config/config_items.ini", "[items]\nwhat is this\n")
-        self.assert_fails(self.loaded("items"), 1, "config_items.ini: a line is neither")
+        self.assert_fails(self.loaded("items"), 1, "config_items.ini:2:1: neither a [SECTION]")
+        os.remove(self.config + "/config_items.ini")
+        os.mkfifo(self.config + "/config_items.ini")
+        self.assert_fails(self.loaded("items"), 1, "config_items.ini: is no regular file")
 
     def test_the_log_goes_to_the_file_and_respects_the_level(self):
         log = os.path.join(self.dir, "log")
@@ -175,8 +178,9 @@ class Loading(HostTest):
         self.assert_fails(self.host("-b", self.broken("no_factory"), "bundles"), 1, "has no factory _make_broken_no_factory")
 
     def test_a_failing_init_leaves_nothing_behind(self):
-        for kind, reason in [("init_fails", "init failed"), ("null_factory", "the factory or init failed"),
-                             ("throwing", "no wheels")]:
+        for kind, reason in [("init_fails", ": init failed"), ("null_factory", ": the factory returned null"),
+                             ("throwing", ": the factory or init threw: no wheels"),
+                             ("factory_throws", ": the factory or init threw: something that is no std::exception")]:
             with self.subTest(kind=kind):
                 self.assert_fails(self.host("-b", self.broken(kind), "bundles"), 1, reason)
                 lines = f"load {self.broken(kind)}\n"
@@ -186,16 +190,33 @@ class Loading(HostTest):
     def test_an_init_without_a_configuration_directory_fails(self):
         self.assert_fails(self.host("--log-level", "off", "-b", BUNDLE, "bundles"), 1, "init failed")
 
-    def test_a_failing_fini_does_not_keep_a_bundle_loaded(self):
-        done = self.host("-b", self.broken("fini_fails"), "unload", "broken_fini_fails")
-        self.assertIn("libbroken_fini_fails.so is unmapped", done.stdout)
-        self.assertEqual((done.returncode, done.stderr), (0, ""))
+    def test_a_failing_fini_is_told_and_does_not_keep_a_bundle_loaded(self):
+        for kind, reason in [("fini_fails", "fini returned -1"), ("fini_throws", "fini threw: no brakes")]:
+            with self.subTest(kind=kind):
+                done = self.host("-b", self.broken(kind), "unload", f"broken_{kind}")
+                self.assertIn(f"libbroken_{kind}.so is unmapped", done.stdout)
+                self.assert_fails(done, 1, f"broken_{kind}: {reason}")
+                self.assert_fails(self.host("-b", self.broken(kind), "bundles"), 1, reason)
+
+    def test_a_library_that_is_cut_short_is_refused_before_it_is_mapped(self):
+        path = os.path.join(self.dir, "libii_ascii_util.so")
+        with open(BUNDLE, "rb") as whole, open(path, "wb") as part:
+            part.write(whole.read(4096))
+        self.assert_fails(self.host("-b", path, "bundles"), 1, "the file is shorter than its segments")
+
+    def test_a_directory_is_no_library(self):
+        self.assert_fails(self.host("-b", self.dir, "bundles"), 1, "Is a directory")
 
     def test_an_object_that_its_exterminator_leaves_behind_is_told_and_destroyed(self):
         library = self.broken("lazy_exterminator")
         done = self.host("run", "-", stdin=f"load {library}\nunload broken_lazy_exterminator\n")
         self.assertIn("libbroken_lazy_exterminator.so is unmapped", done.stdout)
-        self.assert_fails(done, 1, "its exterminator left the service object behind")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("its exterminator left the service object behind", done.stderr)
+
+    def test_what_a_bundle_complains_about_while_it_loads_well_is_logged(self):
+        done = self.host("-b", self.broken("lazy_exterminator"), "bundles")
+        self.assertIn(" [-] ACE:0 -: a warning of init\n", done.stderr)
 
     def test_a_library_that_stays_mapped_is_told_with_the_reason(self):
         done = self.host("-b", self.broken("pinned"), "unload", "broken_pinned")
@@ -217,6 +238,10 @@ class Loading(HostTest):
         for text, place, reason in [
             ("\n\nnonsense here\n", ":3: ", "'nonsense' is no directive"),
             ("suspend nobody\n", ":1: ", "the directive failed"),
+            ("suspend\n", ":1: ", "'suspend' needs the name of a service"),
+            (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util \"\"\n", ":1: ", "write dynamic NAME"),
+            (f"dynamic a STREAM * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1: ", "write dynamic NAME"),
+            ("suspend a\0b\n", ":1: ", "a NUL byte"),
             ("# x\ndynamic a Service_Object * /none.so:_make_a() \"\"\n", ":2: ", "/none.so: no such library"),
             (f"dynamic a Service_Object * {BUNDLE}:_make_b() \"\"\n", ":1: ", "has no factory _make_b"),
             ("dynamic a Service_Object * x:_y() \"open\n", ":1: ", "not closed"),
@@ -227,6 +252,12 @@ class Loading(HostTest):
                 done = self.host("--svc-conf", conf, "bundles")
                 self.assert_fails(done, 1, conf + place)
                 self.assertIn(reason, done.stderr)
+
+    def test_a_library_that_two_bundles_share_stays_for_the_other(self):
+        conf = self.write("svc.conf", "".join(
+            f"dynamic {name} Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n" for name in "uv"))
+        done = self.host("-c", self.config, "--log-level", "off", "--svc-conf", conf, "unload", "u")
+        self.assertIn("is still mapped: another bundle was loaded from it", done.stdout)
 
     def test_loading_and_unloading_again_and_again_leaves_nothing(self):
         once = f"load {BUNDLE}\ncall IsTransQueltEnabled\ncall WriteDbgLog x\nunload ii_ascii_util\n"
@@ -259,6 +290,22 @@ class Console(HostTest):
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertRegex(done.stdout, r"^Returned\n  result: true\nOut values\n  value: 7\nLog records\n  none\n"
                                       r"Returned\n  result: 0\nOut values\n  none\nLog records\n  \S+Z \[0\] -:0 -: hello\n$")
+
+    def test_a_line_with_control_characters_is_told_in_one_plain_line(self):
+        self.assert_fails(self.loaded("run", "-", stdin="\x1b[31mred\n"), 1, "stdin:1: no command '\\x1b[31mred'")
+        self.assert_fails(self.loaded("run", "-", stdin="set a\0b 1\n"), 1, "stdin:1: column 6: a NUL byte")
+        self.assert_fails(self.host("--log-level", "a\nb", "help"), 2, "'a\\x0ab' is no log level")
+
+    def test_a_huge_word_is_told_in_a_bounded_line(self):
+        done = self.loaded("run", "-", stdin="x" * 5_000_000 + "\n")
+        self.assert_fails(done, 1, "stdin:1: no command 'xxx")
+        self.assertLess(len(done.stderr), 2100)
+
+    def test_standard_input_that_cannot_be_read_is_told(self):
+        directory = os.open(self.dir, os.O_RDONLY)
+        self.addCleanup(os.close, directory)
+        done = subprocess.run([HOST, "run", "-"], stdin=directory, capture_output=True, text=True, timeout=60, check=False)
+        self.assert_fails(done, 1, "stdin: cannot be read")
 
     def test_a_piped_console_stops_at_the_first_bad_line(self):
         done = self.loaded("console", stdin="log\nunlod ii_ascii_util\nlog\n")
