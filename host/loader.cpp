@@ -7,8 +7,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <memory>
 #include <utility>
 
@@ -18,6 +18,7 @@
 #include "host/mapped_library.h"
 #include "host/problem.h"
 #include "host/suggest.h"
+#include "host/text_escape.h"
 #include "host/watched_service.h"
 
 namespace host {
@@ -134,11 +135,11 @@ bool Loader::UnloadAll() {
       const UnloadReport report = Unload(name, true);
       if (!report.problem.empty()) {
         isWell = false;
-        std::fprintf(stderr, "bundle_host: %s\n", report.problem.c_str());
+        std::cerr << "bundle_host: " << OneLine(report.problem) << '\n';
       }
     } catch (const std::exception& error) {
       isWell = false;
-      std::fprintf(stderr, "bundle_host: %s: %s\n", name.c_str(), error.what());
+      std::cerr << "bundle_host: " << OneLine(name + ": " + error.what()) << '\n';
       Forget(name);
     }
   }

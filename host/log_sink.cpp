@@ -45,7 +45,8 @@ std::string TimeText(std::chrono::system_clock::time_point time) {
   char date[40];
   const std::size_t length = std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &parts);
   char fraction[24];
-  std::snprintf(fraction, sizeof fraction, ".%03dZ", static_cast<int>(sinceEpoch.count() % 1000));
+  static_cast<void>(
+      std::snprintf(fraction, sizeof fraction, ".%03dZ", static_cast<int>(sinceEpoch.count() % 1000)));
   return std::string(date, length) + fraction;
 }
 
@@ -82,7 +83,7 @@ class Backend : public ACE_Log_Msg_Backend {
   /// The file to write to, now owned here; null for standard error.
   void SetFile(std::FILE* file) {
     if (file_ != nullptr) {
-      std::fclose(file_);
+      static_cast<void>(std::fclose(file_));
     }
     file_ = file;
   }
@@ -92,8 +93,8 @@ class Backend : public ACE_Log_Msg_Backend {
  private:
   void Write(const std::string& line) {
     std::FILE* const out = file_ == nullptr ? stderr : file_;
-    std::fprintf(out, "%s\n", line.c_str());
-    std::fflush(out);
+    static_cast<void>(std::fprintf(out, "%s\n", line.c_str()));
+    static_cast<void>(std::fflush(out));
   }
 
   std::FILE* file_ = nullptr;

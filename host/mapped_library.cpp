@@ -135,6 +135,7 @@ std::vector<std::string> LibraryHandle::Needed() const {
     }
   });
   std::vector<std::string> needed;
+  needed.reserve(offsets.size());
   for (const auto offset : offsets) {
     needed.emplace_back(names + offset);
   }

@@ -28,7 +28,7 @@ class WatchedService : public ACE_Service_Object_Type {
     } catch (...) {
       *problem_ = "fini threw: " + CurrentExceptionText();
     }
-    return ACE_Service_Type_Impl::fini();
+    return ACE_Service_Type_Impl::fini();  // NOLINT(bugprone-parent-virtual-call)
   }
 
  private:
