@@ -1,6 +1,8 @@
 #include "host/line_editor.h"
 
 #include <histedit.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -61,7 +63,7 @@ class LineEditor::Impl {
     el_set(editor_.get(), EL_PREP_TERM, 1);
     const char* const text = el_gets(editor_.get(), &length);
     if (text == nullptr || length <= 0) {
-      std::fputs("\n", stdout);
+      static_cast<void>(std::fputs("\n", stdout));
       return std::nullopt;
     }
     std::string line(text, static_cast<std::size_t>(length));
@@ -84,8 +86,8 @@ class LineEditor::Impl {
 
   static unsigned char Abandon(EditLine* editor, int /*key*/) {
     Of(editor).abandoned_ = true;
-    std::fputs("^C", stdout);
-    std::fflush(stdout);
+    static_cast<void>(std::fputs("^C", stdout));
+    static_cast<void>(std::fflush(stdout));
     return CC_NEWLINE;
   }
 
@@ -106,7 +108,7 @@ class LineEditor::Impl {
     for (const std::string& candidate : candidates) {
       list += candidate + "  ";
     }
-    std::fprintf(stdout, "%s\n", list.c_str());
+    static_cast<void>(std::fprintf(stdout, "%s\n", list.c_str()));
     return CC_REDISPLAY;
   }
 
@@ -115,9 +117,17 @@ class LineEditor::Impl {
       return;
     }
     HistEvent event;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+        historyFile_.empty() ? nullptr : std::fopen(historyFile_.c_str(), "a+e"), std::fclose);
+    // What other consoles have added meanwhile is taken over, so that none of them loses a line.
+    const bool isShared = file != nullptr && flock(fileno(file.get()), LOCK_EX) == 0;
+    if (isShared) {
+      history(history_.get(), &event, H_CLEAR);
+      history(history_.get(), &event, H_LOAD, historyFile_.c_str());
+    }
     history(history_.get(), &event, H_ENTER, line.c_str());
-    if (!historyFile_.empty()) {
-      history(history_.get(), &event, H_SAVE, historyFile_.c_str());
+    if (isShared && ftruncate(fileno(file.get()), 0) == 0) {
+      history(history_.get(), &event, H_SAVE_FP, file.get());
     }
   }
 

@@ -14,7 +14,8 @@ namespace host {
 /// typed here; commands take them as \xNN.
 ///
 /// The history is read from and added to `historyFile`, at most a thousand lines; when the file cannot be
-/// used the history just ends with the process. Threads: one.
+/// used the history just ends with the process. Consoles that run at the same time share it line by line.
+/// Threads: one.
 class LineEditor {
  public:
   /// Answers what the last word of `line` could become; `line` is the text in front of the cursor.

@@ -157,6 +157,20 @@ class ConsoleAtATerminal(unittest.TestCase):
         second.wait_for(PROMPT)
         self.assertRegex(second.run("items"), r"Kept +41 +yes")
 
+    def test_two_consoles_at_once_lose_none_of_their_lines(self):
+        first, second = self.start(), self.start()
+        first.run("set First 1")
+        second.run("set Second 2")
+        first.run("set Third 3")
+        for terminal in (first, second):
+            terminal.type("\x04")
+            terminal.wait_for_end()
+        path = os.path.join(self.state_dir, "bundle_host", "history")
+        self.assertEqual(os.stat(path).st_mode & 0o777, 0o600)
+        with open(path, encoding="ascii") as file:
+            lines = [line.rstrip().replace("\\040", " ") for line in file]
+        self.assertEqual(lines[1:], ["set First 1", "set Second 2", "set Third 3"])
+
     def test_an_abandoned_line_is_not_in_the_history(self):
         terminal = self.start()
         terminal.run("log")
