@@ -15,6 +15,7 @@
 #include "src/almconfig.h"
 #include "src/logmgr.h"
 #include "tests/child_process.h"
+#include "tests/freed_memory.h"
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
 #include "tests/recording_fixture.h"
@@ -572,9 +573,17 @@ TEST_F(SplitStr, AppendsToTheList) {
 }
 
 TEST_F(SplitStr, WorksOnATextOutOfTheListItself) {
-  Texts pieces = {"first", "a,b,c,d,e,f,g,h"};
-  EXPECT_EQ(impl.SplitStr(pieces[1], ",", pieces), 0);
-  EXPECT_THAT(pieces, ElementsAre("first", "a,b,c,d,e,f,g,h", "a", "b", "c", "d", "e", "f", "g", "h"));
+  constexpr std::size_t kFull = FreedMemoryOverwritten::kWholeBytes / sizeof(std::string);
+  for (const char* const separator : {",", "--"}) {
+    const std::string text = std::string("a") + separator + "b" + separator + "c";
+    Texts pieces(kFull, text);  // The first piece finds no room and moves them all.
+    ASSERT_EQ(pieces.capacity(), kFull);
+    const FreedMemoryOverwritten overwritten;
+    EXPECT_EQ(impl.SplitStr(pieces[1], separator, pieces), 0);
+    ASSERT_EQ(pieces.size(), kFull + 3);
+    EXPECT_EQ(pieces[1], text);
+    EXPECT_EQ(pieces[kFull] + pieces[kFull + 1] + pieces[kFull + 2], "abc");
+  }
 }
 
 // Nothing guards against an empty separator: it is found again and again, and memory runs out.
