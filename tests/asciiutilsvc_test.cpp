@@ -1,15 +1,53 @@
 #include "src/asciiutilsvc.h"
 
 #include <filesystem>
+#include <ios>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "framework/interface_registry.h"
 #include "src/almconfig.h"
 #include "src/asciiutilifimpl.h"
 #include "tests/recording_fixture.h"
 #include "tests/temp_directory.h"
+
+namespace {
+
+std::vector<std::string>* openedFiles = nullptr;  ///< where files are noted as they are opened
+
+void NoteOpened(const char* path) {
+  if (openedFiles != nullptr) {
+    openedFiles->emplace_back(path);
+  }
+}
+
+}  // namespace
+
+// The linker sends the opening of files by the standard library here (--wrap), so that a test can see it: of
+// file buffers where the compiler takes the streams apart, else of the streams.
+extern "C" {
+using OpenMode = std::ios_base::openmode;
+
+void* __real__ZNSt13basic_filebufIcSt11char_traitsIcEE4openEPKcSt13_Ios_Openmode(void*, const char*,
+                                                                                 OpenMode);
+void* __wrap__ZNSt13basic_filebufIcSt11char_traitsIcEE4openEPKcSt13_Ios_Openmode(void* buffer,
+                                                                                 const char* path,
+                                                                                 OpenMode mode) {
+  NoteOpened(path);
+  return __real__ZNSt13basic_filebufIcSt11char_traitsIcEE4openEPKcSt13_Ios_Openmode(buffer, path, mode);
+}
+
+void __real__ZNSt14basic_ifstreamIcSt11char_traitsIcEE4openEPKcSt13_Ios_Openmode(void*, const char*,
+                                                                                 OpenMode);
+void __wrap__ZNSt14basic_ifstreamIcSt11char_traitsIcEE4openEPKcSt13_Ios_Openmode(void* stream,
+                                                                                 const char* path,
+                                                                                 OpenMode mode) {
+  NoteOpened(path);
+  __real__ZNSt14basic_ifstreamIcSt11char_traitsIcEE4openEPKcSt13_Ios_Openmode(stream, path, mode);
+}
+}
 
 namespace {
 
@@ -41,6 +79,20 @@ class ServiceTest : public recording::FrameworkTest {
     std::string value = "(none)";
     Alarm_Config_Param::Instance()->GetValue(AlarmConfigRecord{key1, "k", "1", "c", ""}, value);
     return value;
+  }
+
+  /// What `init` answers and the files it opens with that configuration directory: "0 FILE".
+  std::string InitIn(const std::string& cfgDir) {
+    const auto object = Make();
+    framework.cfgDir = cfgDir;
+    std::vector<std::string> files;
+    openedFiles = &files;
+    std::string answer = std::to_string(object->init(0, nullptr));
+    openedFiles = nullptr;
+    for (const std::string& file : files) {
+      answer += ' ' + file;
+    }
+    return answer;
   }
 
   TempDirectory directory;
@@ -122,6 +174,12 @@ TEST_F(Init, OpensNoFileWithoutAConfigurationDirectory) {
   EXPECT_EQ(Make()->init(0, nullptr), -1);
   EXPECT_EQ(Configured("relative"), "(none)");
   std::filesystem::current_path(before);
+}
+
+TEST_F(Init, OpensExactlyTheFileThatTheDirectoryNames) {
+  EXPECT_EQ(InitIn("/cfg/"), "0 /cfg/ii_asciiagent_bundle/AlarmConfig.csv");
+  EXPECT_EQ(InitIn("/cfg"), "0 /cfgii_asciiagent_bundle/AlarmConfig.csv");
+  EXPECT_EQ(InitIn(""), "-1");
 }
 
 TEST_F(Init, LoadsTheFileBelowTheDirectoryAndSaysSo) {
