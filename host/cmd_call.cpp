@@ -129,8 +129,8 @@ void RunTime(Session& session, const Words& arguments) {
   const auto middle = samples.begin() + static_cast<std::ptrdiff_t>(samples.size() / 2);
   std::nth_element(samples.begin(), middle, samples.end());
   char text[120];
-  std::snprintf(text, sizeof text, "calls: %d\nmedian: %.0f ns\nrate: %.0f per second\n", repeats, *middle,
-                1e9 / *middle);
+  static_cast<void>(std::snprintf(text, sizeof text, "calls: %d\nmedian: %.0f ns\nrate: %.0f per second\n",
+                                  repeats, *middle, 1e9 / *middle));
   session.out << text << "log records: " << capture.Count() << '\n';
 }
 

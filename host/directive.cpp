@@ -8,7 +8,7 @@ constexpr const char* kBlanks = " \t\r\n";
 /// Cuts the blanks and the text up to one of `ends` off the front of `rest` and returns that text.
 std::string Take(std::string& rest, const char* ends) {
   rest.erase(0, rest.find_first_not_of(kBlanks));
-  const std::string taken = rest.substr(0, rest.find_first_of(ends));
+  std::string taken = rest.substr(0, rest.find_first_of(ends));
   rest.erase(0, taken.size());
   return taken;
 }

@@ -58,7 +58,7 @@ std::string FormatText(const char* format, std::va_list values) {
     return format;
   }
   std::string text(static_cast<std::size_t>(length), '\0');
-  std::vsnprintf(text.data(), text.size() + 1, format, values);
+  static_cast<void>(std::vsnprintf(text.data(), text.size() + 1, format, values));
   return text;
 }
 

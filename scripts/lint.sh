@@ -26,7 +26,7 @@ if [ ! -f "$commands" ]; then
 fi
 # clang-tidy refuses GCC's own options.
 mkdir -p build/lint
-sed 's/ -fno-gnu-unique//g' "$commands" >build/lint/compile_commands.json
+sed -E 's/ -f(no-gnu-unique|emit-class-debug-always)//g' "$commands" >build/lint/compile_commands.json
 # Tests are written for their reader and full of what the checks dislike (fakes, raw tables); they are left out.
 git ls-files -z 'src/*.cpp' 'host/*.cpp' 'tools/*.cpp' 'examples/*.cpp' |
   xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet -p build/lint 2>/dev/null

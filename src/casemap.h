@@ -56,7 +56,7 @@ inline bool IsAscii(std::string_view text) {
 class SignedUpper {
  public:
   char operator()(char c) const {
-    const int code = static_cast<signed char>(c);
+    const int code = static_cast<signed char>(c);  // NOLINT(bugprone-signed-char-misuse,cert-str34-c)
     return IsLower(code) ? static_cast<char>(upper_[code]) : c;
   }
 

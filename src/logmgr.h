@@ -19,7 +19,7 @@ namespace NS_ASCII {
 class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
  public:
   PosStorage() = default;
-  ~PosStorage();
+  ~PosStorage() override;
 
   /// The calling thread's record; null when it cannot be made or stored (the latter is reported to ACE's
   /// error log), or the storage is closed.
