@@ -43,6 +43,6 @@ if [ -f tests/tsan.supp ]; then
   export TSAN_OPTIONS="${TSAN_OPTIONS:-suppressions=$PWD/tests/tsan.supp}"
 fi
 if [ -f tests/lsan.supp ]; then
-  export LSAN_OPTIONS="${LSAN_OPTIONS:-suppressions=$PWD/tests/lsan.supp}"
+  export LSAN_OPTIONS="${LSAN_OPTIONS:-suppressions=$PWD/tests/lsan.supp:print_suppressions=0}"
 fi
 ctest --test-dir "build/$preset" --output-on-failure --parallel "$(nproc)" "$@"

