@@ -1,7 +1,7 @@
 #include <cstdarg>
-#include <cstdio>
 
 #include "framework/platform_util.h"
+#include "host/simple_format.h"
 
 namespace NSTE_util {
 
@@ -25,7 +25,7 @@ extern "C" int sprintf_s(char* buffer, std::size_t size, const char* format, ...
   }
   std::va_list values;
   va_start(values, format);
-  const int length = std::vsnprintf(buffer, size, format, values);
+  const int length = host::FastFormat(buffer, size, format, values);
   va_end(values);
   if (length < 0 || static_cast<std::size_t>(length) >= size) {
     buffer[0] = '\0';

@@ -23,6 +23,12 @@ TEST(PlatformText, SprintfWritesATextThatFits) {
   EXPECT_STREQ(buffer, "1234");
 }
 
+TEST(PlatformText, SprintfTakesEveryFormatAndBeginsAnewWithTheValues) {
+  char buffer[30];
+  EXPECT_EQ(sprintf_s(buffer, sizeof buffer, "%d-%s-%5s|%x", 12, "a", "b", 255U), 13);
+  EXPECT_STREQ(buffer, "12-a-    b|ff");
+}
+
 TEST(PlatformText, SprintfIsNegativeWhenTheTextDoesNotFitAndLeavesAnEmptyOne) {
   char buffer[5] = "old";
   EXPECT_LT(sprintf_s(buffer, sizeof buffer, "%d", 12345), 0);
