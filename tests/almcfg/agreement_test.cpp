@@ -138,6 +138,19 @@ struct RealLoad {
   std::vector<std::string> messages;
 };
 
+/// What the checker makes of a file. Its records go to `table`, if there is one.
+struct Checked {
+  explicit Checked(const std::string& content, Alarm_Config_Param* table = nullptr)
+      : file(content), desk(fates, progress, table) {
+    desk.Load(almcfg::SourceText::Read(file.path(), progress));
+  }
+
+  const TempFile file;
+  almcfg::Progress progress{false};
+  Fates fates;
+  almcfg::LoadedFiles desk;
+};
+
 class Agreement : public testing::TestWithParam<unsigned> {};
 
 TEST_P(Agreement, HoldsForTheTableAndEveryMessage) {
@@ -145,28 +158,19 @@ TEST_P(Agreement, HoldsForTheTableAndEveryMessage) {
   for (int i = 0; i < kFiles / 10; ++i) {
     const std::string content = random.File();
     const RealLoad real(content);
-    const TempFile file(content);
-    Fates fates;
-    almcfg::Progress progress(false);
     Alarm_Config_Param table;
-    almcfg::LoadedFiles desk(fates, progress, &table);
-    desk.Load(almcfg::SourceText::Read(file.path(), progress));
+    const Checked checked(content, &table);
     EXPECT_EQ(ContentOf(table), real.entries) << content;
-    EXPECT_EQ(desk.recordCount(), real.entries.size()) << content;
-    EXPECT_EQ(fates.messages, real.messages) << content;
+    EXPECT_EQ(checked.desk.recordCount(), real.entries.size()) << content;
+    EXPECT_EQ(checked.fates.messages, real.messages) << content;
   }
 }
 
 TEST_P(Agreement, HoldsForEachLineOnItsOwn) {
   RandomText random(GetParam() + 1000);
   for (int i = 0; i < kFiles / 10; ++i) {
-    const std::string content = random.File();
-    const TempFile file(content);
-    Fates fates;
-    almcfg::Progress progress(false);
-    almcfg::LoadedFiles desk(fates, progress);
-    desk.Load(almcfg::SourceText::Read(file.path(), progress));
-    for (const Fates::OneLine& line : fates.lines) {
+    const Checked checked(random.File());
+    for (const Fates::OneLine& line : checked.fates.lines) {
       const RealLoad real(line.text + "\n");
       const bool isSilent = line.fate == LineFate::kDropped || line.fate == LineFate::kSkipped;
       EXPECT_EQ(real.entries.empty(), line.fate != LineFate::kStored) << line.text;
@@ -186,17 +190,14 @@ TEST_P(Agreement, NoLineIsLostWithoutAFinding) {
   RandomText random(GetParam() + 2000);
   for (int i = 0; i < kFiles / 10; ++i) {
     const std::string content = random.File();
-    const TempFile file(content);
-    Fates fates;
-    almcfg::Progress progress(false);
-    almcfg::LoadedFiles desk(fates, progress);
-    desk.Load(almcfg::SourceText::Read(file.path(), progress));
-    std::vector<bool> isExplained(fates.lines.size() + 1);
+    const Checked checked(content);
+    const std::vector<Fates::OneLine>& lines = checked.fates.lines;
+    std::vector<bool> isExplained(lines.size() + 1);
     for (const almcfg::Finding& finding : almcfg_test::CheckWhole(content)) {
       isExplained[finding.line] = isExplained[finding.line] || IsLoss(finding.code);
     }
-    for (std::size_t number = 1; number <= fates.lines.size(); ++number) {
-      const Fates::OneLine& line = fates.lines[number - 1];
+    for (std::size_t number = 1; number <= lines.size(); ++number) {
+      const Fates::OneLine& line = lines[number - 1];
       const bool isBlank = line.text.find_first_not_of(" \t\r") == std::string::npos;
       const bool isLost = line.fate == LineFate::kLogged || (line.fate == LineFate::kDropped && !isBlank);
       EXPECT_TRUE(isExplained[number] || !isLost) << "line " << number << " of\n" << content;
@@ -219,20 +220,16 @@ bool EndlessLoadHolds(const std::string& path, const std::vector<std::string>& e
 
 TEST(AgreementOnAnOverlongLine, ItsStartIsLoadedAndNothingBehindIt) {
   const std::string endless = "C\tB\tC\t7\t3" + std::string(1020, '3');
-  const TempFile file("A\tB\tC\t7\t1\n" + endless + "\nD\tB\tC\t7\t4\n");
-  Fates fates;
-  almcfg::Progress progress(false);
   Alarm_Config_Param table;
-  almcfg::LoadedFiles desk(fates, progress, &table);
-  desk.Load(almcfg::SourceText::Read(file.path(), progress));
-  ASSERT_EQ(desk.endlessLine().line, 2U);
-  ASSERT_EQ(desk.recordCount(), 2U);
+  const Checked checked("A\tB\tC\t7\t1\n" + endless + "\nD\tB\tC\t7\t4\n", &table);
+  ASSERT_EQ(checked.desk.endlessLine().line, 2U);
+  ASSERT_EQ(checked.desk.recordCount(), 2U);
   const std::vector<std::string> expected = ContentOf(table);
   ASSERT_EQ(expected, (std::vector<std::string>{"C\nB\nC\n7\n" + endless.substr(8, 1022 - 8) + "\n",
                                                 "A\nB\nC\n7\n1\n"}));
   const pid_t child = fork();
   if (child == 0) {
-    _exit(EndlessLoadHolds(file.path(), expected) ? 0 : 1);
+    _exit(EndlessLoadHolds(checked.file.path(), expected) ? 0 : 1);
   }
   int status = 0;
   waitpid(child, &status, 0);

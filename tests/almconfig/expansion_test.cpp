@@ -1,0 +1,125 @@
+// From the fields of a line to the records that it stands for.
+
+#include <string>
+#include <vector>
+
+#include "tests/almconfig/config_fixture.h"
+
+namespace {
+
+using config_test::AlarmConfigTest;
+using config_test::BadLine;
+using config_test::Entries;
+using NS_ASCII::Alarm_Config_Param;
+using NS_ASCII::AlarmConfigRecord;
+using NS_ASCII::FieldList;
+using NS_ASCII::LineFate;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class ListToRecord : public AlarmConfigTest {};
+class ExpandField : public AlarmConfigTest {};
+class AddLine : public AlarmConfigTest {};
+class TakeLine : public AlarmConfigTest {};
+
+TEST_F(ListToRecord, PutsColumnThreeBehindColumnFour) {
+  AlarmConfigRecord record;
+  EXPECT_EQ(config.ListToRecord({"1", "2", "3", "4", "5"}, record, "line"), 0);
+  EXPECT_EQ(record.key1, "1");
+  EXPECT_EQ(record.key2, "2");
+  EXPECT_EQ(record.key3, "3");
+  EXPECT_EQ(record.numKey, "4");
+  EXPECT_EQ(record.value, "5");
+  const AlarmConfigRecord byPosition{"1", "2", "4", "3", "5"};
+  EXPECT_EQ(byPosition.numKey, record.numKey);
+  EXPECT_EQ(byPosition.key3, record.key3);
+  EXPECT_THAT(framework.Calls(), IsEmpty());
+}
+
+TEST_F(ListToRecord, LogsAnyOtherNumberOfFieldsAndLeavesTheRecordAlone) {
+  AlarmConfigRecord record{"a", "b", "c", "d", "e"};
+  EXPECT_EQ(config.ListToRecord({"1", "2", "3", "4"}, record, "four\tfields"), -1);
+  EXPECT_EQ(config.ListToRecord({}, record, ""), -1);
+  EXPECT_EQ(config.ListToRecord({"1", "2", "3", "4", "5", "6"}, record, "six"), -1);
+  EXPECT_EQ(record.key1 + record.key2 + record.numKey + record.key3 + record.value, "abcde");
+  EXPECT_THAT(framework.Messages(),
+              ElementsAre(BadLine(148, "four\tfields"), BadLine(148, ""), BadLine(148, "six")));
+}
+
+TEST_F(ExpandField, AppendsOneRecordForEachAlternative) {
+  AlarmConfigRecord record{"k1", "k2", "n", "k3", "v"};
+  std::vector<AlarmConfigRecord> records(1);
+  config.ExpandField({"a", "b"}, record, records, 1);
+  ASSERT_EQ(records.size(), 3U);
+  EXPECT_EQ(records[1].key1 + ' ' + records[1].key2, "a k2");
+  EXPECT_EQ(records[2].key1 + ' ' + records[2].key2, "b k2");
+  EXPECT_EQ(records[2].numKey + records[2].key3 + records[2].value, "nk3v");
+  EXPECT_EQ(record.key1, "b");
+  config.ExpandField({"c"}, record, records, 2);
+  ASSERT_EQ(records.size(), 4U);
+  EXPECT_EQ(records[3].key1 + ' ' + records[3].key2, "b c");
+  config.ExpandField({"x", "y"}, record, records, 3);
+  ASSERT_EQ(records.size(), 6U);
+  EXPECT_EQ(records[5].key1 + ' ' + records[5].key2, "b c");
+  config.ExpandField({"z"}, record, records, 0);
+  ASSERT_EQ(records.size(), 7U);
+  EXPECT_EQ(records[6].key1 + ' ' + records[6].key2, "b c");
+  EXPECT_EQ(record.key1 + ' ' + record.key2, "b c");
+  config.ExpandField({}, record, records, 1);
+  EXPECT_EQ(records.size(), 7U);
+}
+
+TEST_F(AddLine, ExpandsColumnOneOutsideAndColumnTwoInside) {
+  FieldList fields{"A/B", "X/Y", "c", "1", "v"};
+  std::vector<AlarmConfigRecord> first;
+  std::vector<AlarmConfigRecord> second;
+  config.AddLine(fields, first, second, "line");
+  std::vector<std::string> order;
+  for (const AlarmConfigRecord& record : second) {
+    order.push_back(record.key1 + record.key2 + record.key3 + record.numKey + record.value);
+  }
+  EXPECT_THAT(order, ElementsAre("AXc1v", "AYc1v", "BXc1v", "BYc1v"));
+  ASSERT_EQ(first.size(), 2U);
+  EXPECT_EQ(first[0].key1, "A");
+  EXPECT_EQ(first[1].key1, "B");
+  EXPECT_THAT(Entries(config), ElementsAre("B|Y|c|1=v", "B|X|c|1=v", "A|Y|c|1=v", "A|X|c|1=v"));
+}
+
+TEST_F(AddLine, LogsAWrongNumberOfFieldsAndStoresNothing) {
+  FieldList fields{"A", "X", "c", "1"};
+  std::vector<AlarmConfigRecord> first;
+  std::vector<AlarmConfigRecord> second;
+  config.AddLine(fields, first, second, "the line");
+  EXPECT_THAT(framework.Messages(), ElementsAre(BadLine(148, "the line")));
+  EXPECT_THAT(second, IsEmpty());
+  EXPECT_THAT(Entries(config), IsEmpty());
+}
+
+TEST_F(TakeLine, SaysWhatBecameOfTheLine) {
+  Alarm_Config_Param::LineWork work;
+  EXPECT_EQ(config.TakeLine("", work), LineFate::kSkipped);
+  EXPECT_EQ(config.TakeLine("#A\tk\tc\t1\tv", work), LineFate::kSkipped);
+  EXPECT_EQ(config.TakeLine("A\tk\tc\t1", work), LineFate::kDropped);
+  EXPECT_EQ(config.TakeLine("  ", work), LineFate::kDropped);
+  EXPECT_EQ(config.TakeLine("A\t\tc\t1\tv", work), LineFate::kLogged);
+  EXPECT_EQ(config.TakeLine("A\tk//l\tc\t1\tv", work), LineFate::kLogged);
+  EXPECT_EQ(config.TakeLine("A/B/C/D/E/F\tk\tc\t1\tv", work), LineFate::kLogged);
+  EXPECT_THAT(Entries(config), IsEmpty());
+  EXPECT_EQ(config.TakeLine("A\tk/l\tc\t1\tv", work), LineFate::kStored);
+  ASSERT_EQ(work.all.size(), 2U);
+  EXPECT_EQ(work.all[1].key2, "l");
+  EXPECT_EQ(config.TakeLine("B\tk\tc\t1\tv", work), LineFate::kStored);
+  EXPECT_EQ(work.all.size(), 1U);
+}
+
+TEST_F(TakeLine, ExpandsColumnOneOutsideAndColumnTwoInside) {
+  Alarm_Config_Param::LineWork work;
+  EXPECT_EQ(config.TakeLine("A/B\tX/Y\tc\t1\tv", work), LineFate::kStored);
+  std::vector<std::string> order;
+  for (const NS_ASCII::AlarmRecordView& record : work.all) {
+    order.push_back(std::string(record.key1) + std::string(record.key2));
+  }
+  EXPECT_THAT(order, ElementsAre("AX", "AY", "BX", "BY"));
+}
+
+}  // namespace

@@ -1,0 +1,99 @@
+#include <string>
+
+#include "tests/asciiutilifimpl/c_library.h"
+#include "tests/asciiutilifimpl/interface_fixture.h"
+#include "tests/literal_rules.h"
+#include "tests/random_text.h"
+
+namespace {
+
+using c_library::strtolTexts;
+using interface_test::InterfaceTest;
+using interface_test::Texts;
+using NS_ASCII::AsciiUtilInterfaceImpl;
+using ::testing::ElementsAre;
+using testing_text::ForEachText;
+
+class GetSvcName : public InterfaceTest {};
+class IsValid : public InterfaceTest {};
+class Str2Num : public InterfaceTest {
+ protected:
+  ~Str2Num() override { strtolTexts = nullptr; }
+};
+
+TEST_F(GetSvcName, IsAsciiUtilService) { EXPECT_EQ(impl.GetSvcName(), "AsciiUtilService"); }
+
+TEST_F(IsValid, IsOne) { EXPECT_EQ(impl.IsValid(), 1); }
+
+/// Whether all of the text was read, and the number: "true 42".
+std::string Converted(AsciiUtilInterfaceImpl& impl, const std::string& text, int base) {
+  int value = 12345;
+  const bool all = impl.Str2Num(text, value, base);
+  return (all ? "true " : "false ") + std::to_string(value);
+}
+
+TEST_F(Str2Num, ReadsWholeNumbers) {
+  EXPECT_EQ(Converted(impl, "42", 10), "true 42");
+  EXPECT_EQ(Converted(impl, " -7", 10), "true -7");
+  EXPECT_EQ(Converted(impl, "+8", 10), "true 8");
+  EXPECT_EQ(Converted(impl, "\n\v 9", 10), "true 9");
+}
+
+TEST_F(Str2Num, WritesWhatItCouldReadAlsoWhenThatWasNotAll) {
+  EXPECT_EQ(Converted(impl, "7 ", 10), "false 7");
+  EXPECT_EQ(Converted(impl, "12abc", 10), "false 12");
+  EXPECT_EQ(Converted(impl, "abc", 10), "false 0");
+  EXPECT_EQ(Converted(impl, " ", 10), "false 0");
+  EXPECT_EQ(Converted(impl, "-", 10), "false 0");
+}
+
+// Callers read a missing configured value with it and count on the 0.
+TEST_F(Str2Num, TakesTheEmptyTextForZero) {
+  EXPECT_EQ(Converted(impl, "", 10), "true 0");
+  EXPECT_EQ(Converted(impl, std::string("\0junk", 5), 10), "true 0");
+}
+
+TEST_F(Str2Num, ReadsPrefixesAsTheBaseAllows) {
+  EXPECT_EQ(Converted(impl, "0x1A", 16), "true 26");
+  EXPECT_EQ(Converted(impl, "0x1A", 0), "true 26");
+  EXPECT_EQ(Converted(impl, "010", 0), "true 8");
+  EXPECT_EQ(Converted(impl, "0x1A", 10), "false 0");
+  EXPECT_EQ(Converted(impl, "z", 36), "true 35");
+}
+
+TEST_F(Str2Num, KeepsTheLow32Bits) {
+  EXPECT_EQ(Converted(impl, "4294967297", 10), "true 1");
+  EXPECT_EQ(Converted(impl, "2147483648", 10), "true -2147483648");
+  EXPECT_EQ(Converted(impl, "-4294967295", 10), "true 1");
+  EXPECT_EQ(Converted(impl, "99999999999999999999", 10), "true -1");
+}
+
+TEST_F(Str2Num, CountsATextUpToItsFirstNul) {
+  EXPECT_EQ(Converted(impl, std::string("5\0x", 3), 10), "true 5");
+}
+
+TEST_F(Str2Num, ReadsNothingInABaseThatDoesNotExist) {
+  EXPECT_EQ(Converted(impl, "42", 1), "false 0");
+  EXPECT_EQ(Converted(impl, "42", 37), "false 0");
+  EXPECT_EQ(Converted(impl, "", 1), "true 0");
+}
+
+TEST_F(Str2Num, AsksTheCLibrary) {
+  Texts texts;
+  strtolTexts = &texts;
+  Converted(impl, "42", 7);
+  EXPECT_THAT(texts, ElementsAre("42 in 7"));
+}
+
+TEST_F(Str2Num, AgreesWithTheLiteralRule) {
+  for (const int base : {0, 2, 10, 16, 36}) {
+    ForEachText({"0x19f- \0", 8}, 5, [&](const std::string& text) {
+      int expected = 0;
+      int value = 1;
+      ASSERT_EQ(impl.Str2Num(text, value, base), literal::Str2Num(text, expected, base)) << text;
+      ASSERT_EQ(value, expected) << text;
+    });
+  }
+}
+
+}  // namespace

@@ -1,0 +1,118 @@
+#include <stdexcept>
+#include <string>
+
+#include "tests/asciiutilifimpl/interface_fixture.h"
+#include "tests/child_process.h"
+#include "tests/freed_memory.h"
+#include "tests/literal_rules.h"
+#include "tests/random_text.h"
+
+namespace {
+
+using interface_test::InterfaceTest;
+using interface_test::Texts;
+using NS_ASCII::AsciiUtilInterfaceImpl;
+using ::testing::ElementsAre;
+using testing_text::RandomText;
+
+class SplitFirst : public InterfaceTest {};
+class SplitStr : public InterfaceTest {};
+
+TEST_F(SplitFirst, LeavesBothTextsAloneWithoutADelimiter) {
+  std::string head = "head";
+  std::string tail = "tail";
+  EXPECT_FALSE(impl.SplitFirst("kv", head, tail, "="));
+  EXPECT_FALSE(impl.SplitFirst("k=v", head, tail, ""));
+  EXPECT_FALSE(impl.SplitFirst("", head, tail, "="));
+  EXPECT_EQ(head + tail, "headtail");
+}
+
+TEST_F(SplitFirst, SplitsAtTheFirstDelimiter) {
+  std::string head = "head";
+  std::string tail = "tail";
+  EXPECT_TRUE(impl.SplitFirst("k=v", head, tail, "="));
+  EXPECT_EQ(head + '|' + tail, "k|v");
+  EXPECT_TRUE(impl.SplitFirst("k=", head, tail, "="));
+  EXPECT_EQ(head + '|' + tail, "k|");
+  EXPECT_TRUE(impl.SplitFirst("=v", head, tail, "="));
+  EXPECT_EQ(head + '|' + tail, "|v");
+  EXPECT_TRUE(impl.SplitFirst("a=b=c", head, tail, "="));
+  EXPECT_EQ(head + '|' + tail, "a|b=c");
+}
+
+// It goes on behind as many characters as the set has, not behind the one it found.
+TEST_F(SplitFirst, SkipsAsManyCharactersAsTheSetHas) {
+  std::string head;
+  std::string tail = "tail";
+  EXPECT_TRUE(impl.SplitFirst("k=xyz", head, tail, ":="));
+  EXPECT_EQ(head + '|' + tail, "k|yz");
+  EXPECT_TRUE(impl.SplitFirst("k=x", head, tail, ":="));
+  EXPECT_EQ(head + '|' + tail, "k|");
+  EXPECT_THROW(impl.SplitFirst("long=", head, tail, ":="), std::out_of_range);
+  EXPECT_EQ(head + '|' + tail, "long|");
+}
+
+Texts Pieces(AsciiUtilInterfaceImpl& impl, const std::string& text, const std::string& separator) {
+  Texts pieces;
+  EXPECT_EQ(impl.SplitStr(text, separator, pieces), 0);
+  return pieces;
+}
+
+TEST_F(SplitStr, KeepsEveryPieceTrimmed) {
+  EXPECT_THAT(Pieces(impl, "a, b ,c", ","), ElementsAre("a", "b", "c"));
+  EXPECT_THAT(Pieces(impl, "a,,b", ","), ElementsAre("a", "", "b"));
+  EXPECT_THAT(Pieces(impl, "a,", ","), ElementsAre("a", ""));
+  EXPECT_THAT(Pieces(impl, ",", ","), ElementsAre("", ""));
+  EXPECT_THAT(Pieces(impl, "", ","), ElementsAre(""));
+  EXPECT_THAT(Pieces(impl, "\ta\r\n,\vb\f", ","), ElementsAre("a", "\vb\f"));
+}
+
+TEST_F(SplitStr, MatchesTheSeparatorWhole) {
+  EXPECT_THAT(Pieces(impl, "a--b", "--"), ElementsAre("a", "b"));
+  EXPECT_THAT(Pieces(impl, "a-b", "--"), ElementsAre("a-b"));
+  EXPECT_THAT(Pieces(impl, "a---b", "--"), ElementsAre("a", "-b"));
+  EXPECT_THAT(Pieces(impl, std::string("a\0b", 3), std::string(1, '\0')), ElementsAre("a", "b"));
+}
+
+TEST_F(SplitStr, AppendsToTheList) {
+  Texts pieces;
+  EXPECT_EQ(impl.SplitStr("a,b", ",", pieces), 0);
+  EXPECT_EQ(impl.SplitStr("c,", ",", pieces), 0);
+  EXPECT_THAT(pieces, ElementsAre("a", "b", "c", ""));
+}
+
+TEST_F(SplitStr, WorksOnATextOutOfTheListItself) {
+  constexpr std::size_t kFull = FreedMemoryOverwritten::kWholeBytes / sizeof(std::string);
+  for (const char* const separator : {",", "--"}) {
+    const std::string text = std::string("a") + separator + "b" + separator + "c";
+    Texts pieces(kFull, text);  // The first piece finds no room and moves them all.
+    ASSERT_EQ(pieces.capacity(), kFull);
+    const FreedMemoryOverwritten overwritten;
+    EXPECT_EQ(impl.SplitStr(pieces[1], separator, pieces), 0);
+    ASSERT_EQ(pieces.size(), kFull + 3);
+    EXPECT_EQ(pieces[1], text);
+    EXPECT_EQ(pieces[kFull] + pieces[kFull + 1] + pieces[kFull + 2], "abc");
+  }
+}
+
+// Nothing guards against an empty separator: it is found again and again, and memory runs out.
+TEST_F(SplitStr, NeverReturnsForAnEmptySeparator) {
+  const child::End end = child::EndOf([this] {
+    child::LimitMemory(std::size_t{64} << 20);
+    Pieces(impl, "text", "");
+  });
+  EXPECT_NE(end, child::End::kReturned);
+}
+
+TEST_F(SplitStr, AgreesWithTheLiteralRule) {
+  RandomText random(72);
+  for (int trial = 0; trial < testing_text::Trials(20000); ++trial) {
+    const std::string text = random.Of({"ab, \t-|\0", 8}, 20);
+    const std::string separator = random.Of("ab,-|", 2) + ',';
+    Texts expected;
+    literal::SplitStr(text, separator, expected);
+    ASSERT_EQ(Pieces(impl, text, separator), expected) << recording::Quoted(text);
+  }
+}
+
+}  // namespace
