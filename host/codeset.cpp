@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "framework/platform_util.h"
@@ -30,7 +31,7 @@ class Descriptor {
   void Reset() const { iconv(value_, nullptr, nullptr, nullptr, nullptr); }
 
   /// Converts what fits `room` bytes at `out` and moves all four along; 0, or why it stopped. A null `in`
-  /// writes what a stateful target needs at its end.
+  /// writes what a stateful target needs at its end and leaves the descriptor as it was when it was new.
   int Step(char*& in, std::size_t& left, char*& out, std::size_t& room) const {
     const std::size_t result = iconv(value_, in == nullptr ? nullptr : &in, &left, &out, &room);
     return result == static_cast<std::size_t>(-1) ? errno : 0;
@@ -42,6 +43,48 @@ class Descriptor {
   iconv_t value_ = None();
 };
 
+/// A text that is written at its end. Each time iconv finds its room too small it has worked in vain, so
+/// there is room for the whole of a usual text from the start.
+class Output {
+ public:
+  explicit Output(std::size_t room) : text_(room, '\0') {}
+
+  /// Lets `convert` write behind the text as often as it wants more room; returns what stopped it otherwise.
+  int Write(const Descriptor& convert, char*& in, std::size_t& left) {
+    for (;;) {
+      char* out = text_.data() + length_;
+      std::size_t room = text_.size() - length_;
+      const int problem = convert.Step(in, left, out, room);
+      length_ = text_.size() - room;
+      if (problem != E2BIG) {
+        return problem;
+      }
+      Grow();
+    }
+  }
+
+  void Add(char c) {
+    if (length_ == text_.size()) {
+      Grow();
+    }
+    text_[length_++] = c;
+  }
+
+  std::string Take() {
+    text_.resize(length_);
+    return std::move(text_);
+  }
+
+ private:
+  void Grow() { text_.resize(2 * text_.size() + 16); }
+
+  std::string text_;
+  std::size_t length_ = 0;
+};
+
+/// The code sets of usual calls: ASCII is the same in both, and neither has states to switch between.
+bool IsUsual(std::string_view codeSet) { return codeSet == "UTF-8" || codeSet == "ISO-8859-1"; }
+
 /// Converts between one pair of code sets; whatever stops iconv becomes a '?'.
 class Converter {
  public:
@@ -51,6 +94,7 @@ class Converter {
       measure_ = Descriptor(from, "UTF-32LE");
       from_ = from;
       to_ = to;
+      usual_ = IsUsual(from) && IsUsual(to);
     }
     return convert_.IsOpen() && measure_.IsOpen();
   }
@@ -60,34 +104,28 @@ class Converter {
     bool complete = true;
     char* in = const_cast<char*>(input.data());  // iconv's signature; it does not write there.
     std::size_t left = input.size();
-    convert_.Reset();
+    if (!usual_) {
+      convert_.Reset();  // The conversion before may have run out of memory.
+    }
+    Output converted(input.size());
     while (left > 0) {
-      const int problem = Portion(in, left, output);
-      if (problem == EILSEQ || problem == EINVAL) {
+      if (converted.Write(convert_, in, left) != 0) {
         complete = false;
-        output += '?';
+        converted.Add('?');
         const std::size_t bad = CharacterLength(in, left);
         in += bad;
         left -= bad;
-      } else if (problem != 0 && problem != E2BIG) {
-        return false;
       }
     }
-    char* noInput = nullptr;
-    Portion(noInput, left, output);
+    if (!usual_) {
+      char* noInput = nullptr;
+      converted.Write(convert_, noInput, left);
+    }
+    output = converted.Take();
     return complete;
   }
 
  private:
-  int Portion(char*& in, std::size_t& left, std::string& output) const {
-    char portion[256];
-    char* out = portion;
-    std::size_t room = sizeof portion;
-    const int problem = convert_.Step(in, left, out, room);
-    output.append(portion, sizeof portion - room);
-    return problem;
-  }
-
   /// The length of the character at `in`, which the target lacks; 1 for a byte that starts no character.
   std::size_t CharacterLength(char* in, std::size_t left) const {
     char character[4];
@@ -103,29 +141,30 @@ class Converter {
   Descriptor measure_;
   std::string from_;
   std::string to_;
+  bool usual_ = false;
 };
 
-bool KeepsAscii(const std::string& codeSet) { return codeSet == "UTF-8" || codeSet == "ISO-8859-1"; }
-
+/// Looks at all of the text, as that is faster than stopping at the first byte beyond ASCII.
 bool IsAscii(const std::string& text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  unsigned char allBits = 0;
+  for (const char c : text) {
+    allBits |= static_cast<unsigned char>(c);
+  }
+  return allBits < 0x80;
 }
 
 }  // namespace
 
 int KelpGlobalUtils::KelpCodeSetConvert(const std::string& fromCode, const std::string& toCode,
                                         const std::string& input, std::string& output) {
-  if (KeepsAscii(fromCode) && KeepsAscii(toCode) && IsAscii(input)) {
+  if (IsUsual(fromCode) && IsUsual(toCode) && IsAscii(input)) {
     output = input;
     return 0;
   }
   thread_local Converter converter;  // Opening a descriptor costs more than most conversions.
-  std::string converted;
   if (!converter.Open(fromCode, toCode)) {
     output.clear();
     return -1;
   }
-  const bool complete = converter.Convert(input, converted);
-  output = std::move(converted);
-  return complete ? 0 : -1;
+  return converter.Convert(input, output) ? 0 : -1;
 }

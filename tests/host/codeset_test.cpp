@@ -1,9 +1,30 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstdlib>
+#include <new>
 #include <string>
 #include <thread>
 
 #include "framework/platform_util.h"
+
+namespace {
+
+/// Allocations of more bytes fail.
+std::size_t mostBytes = SIZE_MAX;
+
+}  // namespace
+
+// Kept out of line: the compiler would otherwise take an inlined pair for a mismatched one.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+  void* const piece = size <= mostBytes ? std::malloc(size) : nullptr;
+  if (piece == nullptr) {
+    throw std::bad_alloc();
+  }
+  return piece;
+}
+[[gnu::noinline]] void operator delete(void* piece) noexcept { std::free(piece); }
+[[gnu::noinline]] void operator delete(void* piece, std::size_t) noexcept { std::free(piece); }
 
 namespace {
 
@@ -12,10 +33,18 @@ struct Converted {
   std::string text;
 };
 
-Converted Latin(const std::string& input) {
+Converted Convert(const std::string& from, const std::string& to, const std::string& input) {
   Converted converted{0, "left over"};
-  converted.result = KelpGlobalUtils::KelpCodeSetConvert("UTF-8", "ISO-8859-1", input, converted.text);
+  converted.result = KelpGlobalUtils::KelpCodeSetConvert(from, to, input, converted.text);
   return converted;
+}
+
+Converted Latin(const std::string& input) { return Convert("UTF-8", "ISO-8859-1", input); }
+
+std::string Repeated(const std::string& text, std::size_t times) {
+  std::string all;
+  for (std::size_t i = 0; i < times; ++i) all += text;
+  return all;
 }
 
 TEST(CodeSet, AsciiTextIsCopied) {
@@ -64,14 +93,56 @@ TEST(CodeSet, EachByteOfACharacterThatIsCutOffAtTheEndBecomesAQuestionMark) {
   EXPECT_EQ(Latin("ab\xE2\x82").text, "ab??");
 }
 
-TEST(CodeSet, TextsLongerThanTheWorkingBufferAreWhole) {
-  std::string input;
-  std::string expected;
-  for (int i = 0; i < 1000; ++i) {
-    input += "x\xC3\xA9";
-    expected += "x\xE9";
+TEST(CodeSet, TextsOfEveryLengthAreWhole) {
+  for (std::size_t times = 0; times < 700; ++times) {
+    EXPECT_EQ(Latin(Repeated("x\xC3\xA9", times)).text, Repeated("x\xE9", times));
+    EXPECT_EQ(Latin(Repeated("\xC3\xA9\xFF", times)).text, Repeated("\xE9?", times));
   }
-  EXPECT_EQ(Latin(input).text, expected);
+}
+
+TEST(CodeSet, TextsThatBecomeLongerAreWhole) {
+  for (std::size_t times = 0; times < 700; ++times) {
+    const std::string latin = Repeated("\xE9", times);
+    EXPECT_EQ(Convert("ISO-8859-1", "UTF-8", latin).text, Repeated("\xC3\xA9", times));
+    EXPECT_EQ(Convert("ISO-8859-1", "UTF-8", "x" + latin).text, "x" + Repeated("\xC3\xA9", times));
+    EXPECT_EQ(Convert("ISO-8859-1", "UTF-32LE", latin).text, Repeated(std::string("\xE9\0\0\0", 4), times));
+  }
+}
+
+TEST(CodeSet, AQuestionMarkFindsRoomToo) {
+  for (std::size_t times = 0; times < 100; ++times) {
+    const std::string hiragana = Repeated("\xE3\x81\x82", times) + '\xFF';
+    EXPECT_EQ(Convert("UTF-8", "UTF-32LE", hiragana).text,
+              Repeated(std::string("\x42\x30\0\0", 4), times) + '?');
+  }
+}
+
+TEST(CodeSet, AStatefulTargetIsEndedAndBegunAnew) {
+  const std::string hiragana = "\x1B$B$\"\x1B(B";
+  EXPECT_EQ(Convert("UTF-8", "ISO-2022-JP", "\xE3\x81\x82").text, hiragana);
+  EXPECT_EQ(Convert("UTF-8", "ISO-2022-JP", "\xE3\x81\x82").text, hiragana);
+}
+
+TEST(CodeSet, AStatefulSourceIsBegunAnew) {
+  EXPECT_EQ(Convert("ISO-2022-JP", "UTF-8", "\x1B$B$\"").text, "\xE3\x81\x82");
+  EXPECT_EQ(Convert("ISO-2022-JP", "UTF-8", "$\"").text, "$\"");
+}
+
+TEST(CodeSet, AConversionThatRanOutOfMemoryIsForgotten) {
+  std::string output;
+  const std::string from = "ISO-2022-JP";
+  const std::string input = "\x1B$B" + Repeated("$\"", 100);
+  KelpGlobalUtils::KelpCodeSetConvert(from, "UTF-8", "", output);
+  mostBytes = 250;
+  EXPECT_THROW(KelpGlobalUtils::KelpCodeSetConvert(from, "UTF-8", input, output), std::bad_alloc);
+  mostBytes = SIZE_MAX;
+  EXPECT_EQ(Convert(from, "UTF-8", "$\"").text, "$\"");
+}
+
+TEST(CodeSet, InputAndOutputMayBeTheSame) {
+  std::string text = "\xC3\xA9\xE2\x82\xAC";
+  EXPECT_NE(KelpGlobalUtils::KelpCodeSetConvert("UTF-8", "ISO-8859-1", text, text), 0);
+  EXPECT_EQ(text, "\xE9?");
 }
 
 TEST(CodeSet, AnUnknownCodeSetLeavesTheOutputEmpty) {
