@@ -80,24 +80,42 @@ class Backend : public ACE_Log_Msg_Backend {
     return 0;
   }
 
-  /// The file to write to, now owned here; null for standard error.
-  void SetFile(std::FILE* file) {
+  /// The file to write to, now owned here, and its name; null for standard error.
+  void SetFile(std::FILE* file, const std::string& name) {
     if (file_ != nullptr) {
       static_cast<void>(std::fclose(file_));
     }
     file_ = file;
+    name_ = name;
+    hasGivenUp_ = false;
   }
 
   bool HasFile() const { return file_ != nullptr; }
 
+  /// Whether the file could not be written to at some time; standard error has taken its place since.
+  bool HasGivenUp() const { return hasGivenUp_; }
+
  private:
+  static bool WriteTo(std::FILE* out, const std::string& line) {
+    return std::fprintf(out, "%s\n", line.c_str()) >= 0 && std::fflush(out) == 0;
+  }
+
   void Write(const std::string& line) {
-    std::FILE* const out = file_ == nullptr ? stderr : file_;
-    static_cast<void>(std::fprintf(out, "%s\n", line.c_str()));
-    static_cast<void>(std::fflush(out));
+    if (file_ != nullptr && !hasGivenUp_) {
+      if (WriteTo(file_, line)) {
+        return;
+      }
+      const std::string reason = std::generic_category().message(errno);
+      hasGivenUp_ = true;
+      WriteTo(stderr,
+              OneLine("bundle_host: " + name_ + ": cannot be written: " + reason) + "; the log goes on here");
+    }
+    WriteTo(stderr, line);
   }
 
   std::FILE* file_ = nullptr;
+  std::string name_;
+  std::atomic<bool> hasGivenUp_ = false;
 };
 
 Backend& TheBackend() {
@@ -147,9 +165,9 @@ LogOutput::LogOutput(const std::string& file) {
   if (!file.empty()) {
     std::FILE* const opened = std::fopen(file.c_str(), "ae");
     if (opened == nullptr) {
-      problem_ = file + ": cannot be opened for writing: " + std::generic_category().message(errno);
+      openProblem_ = file + ": cannot be opened for writing: " + std::generic_category().message(errno);
     }
-    TheBackend().SetFile(opened);
+    TheBackend().SetFile(opened, file);
   }
   ACE_Log_Msg::msg_backend(&TheBackend());
   ACE_Log_Msg::instance()->open("bundle_host", ACE_Log_Msg::CUSTOM);
@@ -159,8 +177,10 @@ LogOutput::~LogOutput() {
   ACE_Log_Msg::instance()->clr_flags(ACE_Log_Msg::CUSTOM);
   ACE_Log_Msg::instance()->set_flags(ACE_Log_Msg::STDERR);
   ACE_Log_Msg::msg_backend(nullptr);
-  TheBackend().SetFile(nullptr);
+  TheBackend().SetFile(nullptr, {});
 }
+
+bool LogOutput::IsComplete() const { return openProblem_.empty() && !TheBackend().HasGivenUp(); }
 
 LogCapture::LogCapture(bool keepTexts) : keepTexts_(keepTexts) {
   Captures& captures = TheCaptures();

@@ -48,8 +48,10 @@ PLATFORM_API void SetLogLevel(int level);
 PLATFORM_API int LogLevel();
 
 /// While it lives, ACE's output of the process goes to the sink: to `file`, appended to, or to standard error
-/// when that is empty. One at a time. `Problem` is empty, or says why the file cannot be opened; then
-/// standard error is used.
+/// when that is empty. One at a time.
+///
+/// A file that cannot be opened, or from some record on cannot be written to, is replaced by standard error;
+/// the latter is said there, in one line, when it happens.
 class PLATFORM_API LogOutput {
  public:
   explicit LogOutput(const std::string& file);
@@ -57,10 +59,14 @@ class PLATFORM_API LogOutput {
   LogOutput(const LogOutput&) = delete;
   LogOutput& operator=(const LogOutput&) = delete;
 
-  const std::string& Problem() const { return problem_; }
+  /// Why the file cannot be opened; empty when it can.
+  const std::string& OpenProblem() const { return openProblem_; }
+
+  /// Whether all records have reached the file so far.
+  bool IsComplete() const;
 
  private:
-  std::string problem_;
+  std::string openProblem_;
 };
 
 /// Collects what all threads log while it lives, whatever the set level. Meanwhile nothing goes to standard

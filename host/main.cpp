@@ -15,6 +15,7 @@
 #include "host/options.h"
 #include "host/problem.h"
 #include "host/script.h"
+#include "host/standard_streams.h"
 #include "host/svc_conf.h"
 #include "host/text_escape.h"
 
@@ -59,8 +60,8 @@ void RunProgramCommand(host::Session& session, const host::Words& command) {
 
 int Run(const Options& options) {
   const host::LogOutput output(options.logFile);
-  if (!output.Problem().empty()) {
-    throw Failure(output.Problem());
+  if (!output.OpenProblem().empty()) {
+    throw Failure(output.OpenProblem());
   }
   host::SetLogLevel(options.logLevel);
   SetUpConfiguration(options);
@@ -76,7 +77,8 @@ int Run(const Options& options) {
   session.echo = options.echo;
   RunProgramCommand(session, options.command);
   std::cout.flush();
-  return loader.UnloadAll() ? 0 : kFailed;
+  const bool isWell = loader.UnloadAll();
+  return isWell && output.IsComplete() ? 0 : kFailed;
 }
 
 int Report(const std::exception& problem, int exitCode) {
@@ -88,6 +90,7 @@ int Report(const std::exception& problem, int exitCode) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  host::HoldStandardStreams();
   try {
     const auto parsed = host::ParseOptions(argc, argv);
     int exitCode = 0;

@@ -161,6 +161,27 @@ class Options(HostTest):
     def test_a_log_file_that_cannot_be_opened_is_told(self):
         self.assert_fails(self.host("--log-file", self.dir, "bundles"), 1, "cannot be opened for writing")
 
+    def test_a_log_file_that_cannot_be_written_is_told_once_and_no_record_is_lost(self):
+        done = self.host("--config-dir", self.config, "--log-file", "/dev/full", "--bundle", BUNDLE, "call", "IsTransQueltEnabled")
+        self.assertEqual((done.returncode, done.stdout), (1, "result: false\n"))
+        problem, *records = done.stderr.splitlines()
+        self.assertEqual(problem, "bundle_host: /dev/full: cannot be written: No space left on device; the log goes on here")
+        self.assertEqual([record.split(": ", 1)[1] for record in records], ["run successfull!! ", "acces QueltTools "])
+
+    def test_no_file_takes_the_place_of_a_closed_stream(self):
+        log = os.path.join(self.dir, "log")
+        arguments = [HOST, "-c", self.config, "-b", BUNDLE, "--log-file", log]
+        done = subprocess.run(["sh", "-c", 'exec "$@" >&-', "sh", *arguments, "call", "ToUpper", "answer"],
+                              capture_output=True, text=True, timeout=60, check=False)
+        self.assert_fails(done, 1, "standard output cannot be written")
+        done = subprocess.run(["sh", "-c", 'exec "$@" 2>&-', "sh", *arguments, "call", "nonsense"], timeout=60, check=False)
+        self.assertEqual(done.returncode, 2)
+        done = subprocess.run(["sh", "-c", 'exec "$@" <&-', "sh", *arguments, "run", "-"], capture_output=True, text=True,
+                              timeout=60, check=False)
+        self.assert_fails(done, 1, "stdin: cannot be read")
+        with open(log, encoding="ascii") as file:
+            self.assertEqual({line.split(": ", 1)[1] for line in file}, {"run successfull!! \n"})
+
 
 class Loading(HostTest):
     def broken(self, kind):
@@ -205,6 +226,15 @@ class Loading(HostTest):
         with open(BUNDLE, "rb") as whole, open(path, "wb") as part:
             part.write(whole.read(4096))
         self.assert_fails(self.host("-b", path, "bundles"), 1, "the file is shorter than its segments")
+
+    def test_a_library_of_the_other_byte_order_is_told_in_the_linkers_words(self):
+        path = os.path.join(self.dir, "libii_ascii_util.so")
+        with open(BUNDLE, "rb") as whole:
+            library = bytearray(whole.read())
+        library[5] ^= 3  # EI_DATA, 1 or 2
+        with open(path, "wb") as file:
+            file.write(library)
+        self.assert_fails(self.host("-b", path, "bundles"), 1, "ELF file data encoding not ")
 
     def test_a_directory_is_no_library(self):
         self.assert_fails(self.host("-b", self.dir, "bundles"), 1, "Is a directory")

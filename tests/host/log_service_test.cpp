@@ -123,7 +123,35 @@ TEST_F(LogToFile, LinesOfSeveralThreadsAllArriveWhole) {
 
 TEST_F(LogToFile, AFileThatCannotBeOpenedIsReported) {
   const host::LogOutput output("/nonexistent/log");
-  EXPECT_THAT(output.Problem(), testing::HasSubstr("/nonexistent/log: cannot be opened"));
+  EXPECT_THAT(output.OpenProblem(), testing::HasSubstr("/nonexistent/log: cannot be opened"));
+  EXPECT_FALSE(output.IsComplete());
+}
+
+TEST_F(LogToFile, AFileThatCannotBeWrittenIsReportedOnceAndReplacedByStandardError) {
+  const host::LogOutput output("/dev/full");
+  EXPECT_TRUE(output.IsComplete());
+  testing::internal::CaptureStderr();
+  logger_->Log("unit", "f", 1, 1, "one");
+  logger_->Log("unit", "f", 2, 1, "two");
+  EXPECT_THAT(testing::internal::GetCapturedStderr(),
+              testing::MatchesRegex(
+                  "bundle_host: /dev/full: cannot be written: No space left on device; the log goes on here\n"
+                  "[^ ]+ \\[1\\] unit:1 f: one\n"
+                  "[^ ]+ \\[1\\] unit:2 f: two\n"));
+  EXPECT_FALSE(output.IsComplete());
+}
+
+TEST_F(LogToFile, AFileBehindOneThatCouldNotBeWrittenIsWrittenAgain) {
+  testing::internal::CaptureStderr();
+  {
+    const host::LogOutput full("/dev/full");
+    logger_->Log("unit", "f", 1, 1, "lost");
+  }
+  const host::LogOutput output(file_);
+  logger_->Log("unit", "f", 1, 1, "kept");
+  testing::internal::GetCapturedStderr();
+  EXPECT_THAT(Written(), testing::HasSubstr("kept"));
+  EXPECT_TRUE(output.IsComplete());
 }
 
 TEST_F(LogToFile, ACaptureKeepsRecordsWhateverTheLevel) {
