@@ -5,10 +5,10 @@
 #include <link.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "host/problem.h"
@@ -32,28 +32,33 @@ void ForEachDynamic(void* handle, Visit visit) {
   }
 }
 
+/// The `count` objects at `offset`; null when the file ends before, or they are not aligned.
 template <class T>
 const T* At(const std::vector<char>& file, std::uint64_t offset, std::uint64_t count = 1) {
-  const bool fits = offset <= file.size() && count <= (file.size() - offset) / sizeof(T);
+  const bool fits =
+      offset <= file.size() && count <= (file.size() - offset) / sizeof(T) && offset % alignof(T) == 0;
   return fits ? reinterpret_cast<const T*>(file.data() + offset) : nullptr;
 }
 
 /// The bytes of a regular file; none of anything else.
 std::vector<char> ReadFile(const std::string& path) {
-  std::error_code none;
-  if (!std::filesystem::is_regular_file(path, none)) {
-    return {};
-  }
+  std::error_code error;
+  const bool isRegular = std::filesystem::is_regular_file(path, error);
+  const std::uintmax_t size = isRegular ? std::filesystem::file_size(path, error) : 0;
+  std::vector<char> bytes(error ? 0 : size);
   std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<std::size_t>(stream.gcount()));
+  return bytes;
 }
 
-/// The header of an ELF file of this process's own width; null for anything else.
+/// The header of an ELF file of this process's own width and byte order; null for anything else.
 const ElfW(Ehdr) * HeaderOf(const std::vector<char>& file) {
   constexpr unsigned char kOwnClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
+  constexpr unsigned char kOwnOrder = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? ELFDATA2LSB : ELFDATA2MSB;
   const auto* const header = At<ElfW(Ehdr)>(file, 0);
   const bool isElf = header != nullptr && std::memcmp(header->e_ident, ELFMAG, SELFMAG) == 0 &&
-                     header->e_ident[EI_CLASS] == kOwnClass;
+                     header->e_ident[EI_CLASS] == kOwnClass && header->e_ident[EI_DATA] == kOwnOrder;
   return isElf ? header : nullptr;
 }
 
