@@ -1,13 +1,13 @@
 // StrToUpper, StrToLower and ToUpper, which obey the locale in force. The rivals ignore it, so the contest is
 // held where that makes no difference.
 
-#include <clocale>
 #include <string>
 
 #include "ascii_util/text_functions.h"
 #include "bench/contest.h"
 #include "bench/texts.h"
 #include "src/asciiutilifimpl.h"
+#include "tests/literal_rules.h"
 
 #if BENCH_WITH_ABSEIL
 #include <absl/strings/ascii.h>
@@ -22,55 +22,52 @@
 namespace bench {
 namespace {
 
-/// Puts the process into a locale for one call and back again.
-class InLocale {
- public:
-  explicit InLocale(const char* name) { std::setlocale(LC_CTYPE, name); }
-  ~InLocale() { std::setlocale(LC_CTYPE, "C"); }
-  InLocale(const InLocale&) = delete;
-  InLocale& operator=(const InLocale&) = delete;
-};
+using Text = std::string;
 
-template <class Ours>
-void EnterUpper(const std::string& name, const Input& input, Ours ours) {
-  const Contest contest(name, input->size(), ours);
+template <class Ours, class Literal>
+void EnterUpper(const Text& operation, const Text& text, Ours ours, Literal literal) {
+  const TextContest contest(operation + "/" + SizeName(text.size()), text.size(), text, ours);
+  contest.Against("literal", literal);
 #if BENCH_WITH_ABSEIL
-  contest.Against("Abseil", [input] { return absl::AsciiStrToUpper(*input); });
+  contest.Against("Abseil", [](const Text& input) { return absl::AsciiStrToUpper(input); });
 #endif
 #if BENCH_WITH_BOOST
-  contest.Against("Boost", [input] { return boost::to_upper_copy(*input); });
+  contest.Against("Boost", [](const Text& input) { return boost::to_upper_copy(input); });
 #endif
 #if BENCH_WITH_POCO
-  contest.Against("POCO", [input] { return Poco::toUpper(*input); });
+  contest.Against("POCO", [](const Text& input) { return Poco::toUpper(input); });
 #endif
-  contest.Floor([input] { return std::string(*input); });
 }
 
-void EnterLower(const Input& input) {
-  const Contest contest("StrToLower/" + SizeName(input->size()), input->size(),
-                        [input] { return NS_ASCII::StrToLower(*input); });
+void EnterLower(const Text& text) {
+  const TextContest contest("StrToLower/" + SizeName(text.size()), text.size(), text,
+                            [](const Text& input) { return NS_ASCII::StrToLower(input); });
+  contest.Against("literal", [](const Text& input) { return literal::StrToLower(input); });
 #if BENCH_WITH_ABSEIL
-  contest.Against("Abseil", [input] { return absl::AsciiStrToLower(*input); });
+  contest.Against("Abseil", [](const Text& input) { return absl::AsciiStrToLower(input); });
 #endif
 #if BENCH_WITH_BOOST
-  contest.Against("Boost", [input] { return boost::to_lower_copy(*input); });
+  contest.Against("Boost", [](const Text& input) { return boost::to_lower_copy(input); });
 #endif
 #if BENCH_WITH_POCO
-  contest.Against("POCO", [input] { return Poco::toLower(*input); });
+  contest.Against("POCO", [](const Text& input) { return Poco::toLower(input); });
 #endif
-  contest.Floor([input] { return std::string(*input); });
 }
 
 const bool entered = [] {
   for (const std::size_t bytes : {16, 64, 4096}) {
-    const Input input = Share(Words(bytes));
-    const std::string size = SizeName(bytes);
-    EnterUpper("StrToUpper/" + size, input, [input] { return NS_ASCII::StrToUpper(*input); });
-    EnterUpper("ToUpper/" + size, input, [input] {
-      NS_ASCII::AsciiUtilInterfaceImpl util;
-      return util.ToUpper(*input);
-    });
-    EnterLower(input);
+    const Text text = Words(bytes);
+    EnterUpper(
+        "StrToUpper", text, [](const Text& input) { return NS_ASCII::StrToUpper(input); },
+        [](const Text& input) { return literal::StrToUpper(input); });
+    EnterUpper(
+        "ToUpper", text,
+        [](const Text& input) {
+          NS_ASCII::AsciiUtilInterfaceImpl util;
+          return util.ToUpper(input);
+        },
+        [](const Text& input) { return literal::ToUpper(input); });
+    EnterLower(text);
   }
   return true;
 }();

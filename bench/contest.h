@@ -90,6 +90,32 @@ class Contest {
   Ours ours_;
 };
 
+/// `function` as a callable without arguments.
+template <class Function>
+auto Applied(Function function, Input input) {
+  return [function, input] { return function(*input); };
+}
+
+/// A contest of functions from a text to a text, all of them on the same one. The floor enters by itself.
+template <class Ours>
+class TextContest {
+ public:
+  TextContest(const std::string& name, std::size_t bytes, const std::string& text, Ours ours)
+      : input_(Share(text)), contest_(name, bytes, Applied(ours, input_)) {
+    contest_.Floor([answer = ours(text)] { return std::string(answer); });
+  }
+
+  template <class Rival>
+  const TextContest& Against(const char* contestant, Rival rival) const {
+    contest_.Against(contestant, Applied(rival, input_));
+    return *this;
+  }
+
+ private:
+  Input input_;
+  Contest<decltype(Applied(std::declval<Ours>(), Input()))> contest_;
+};
+
 }  // namespace bench
 
 #endif  // BENCH_CONTEST_H_

@@ -5,6 +5,7 @@
 
 #include "bench/contest.h"
 #include "src/asciiutilifimpl.h"
+#include "tests/literal_rules.h"
 
 #if BENCH_WITH_ABSEIL
 #include <absl/strings/ascii.h>
@@ -75,6 +76,11 @@ void EnterSplit(int count) {
     util.SplitStr(*input, ",", pieces);
     return pieces;
   });
+  contest.Against("literal", [input] {
+    Pieces pieces;
+    literal::SplitStr(*input, ",", pieces);
+    return pieces;
+  });
 #if BENCH_WITH_ABSEIL
   contest.Against("Abseil", [input] { return SplitWithAbseil(*input, ','); });
 #endif
@@ -113,6 +119,11 @@ void EnterParse(int count) {
     NS_ASCII::AsciiUtilInterfaceImpl util;
     ListMap map;
     util.ParseListMap(map, *input);
+    return map;
+  });
+  contest.Against("literal", [input] {
+    literal::ListMap map;
+    literal::ParseListMap(map, *input);
     return map;
   });
 #if BENCH_WITH_ABSEIL

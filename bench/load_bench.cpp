@@ -65,6 +65,14 @@ class OurLoad {
   NS_ASCII::Alarm_Config_Param config_;
 };
 
+class LiteralLoad : public LiteralStore {
+ public:
+  void Load(const std::string& path) {
+    std::ifstream file(path);
+    config_.LoadConfig(file);
+  }
+};
+
 #if BENCH_WITH_BOOST
 /// The plain way: a line, its columns, their alternatives, an entry for each combination.
 template <class Store>
@@ -125,6 +133,7 @@ const bool entered = [] {
       const std::string side = std::to_string(alternatives);
       const std::string contest = "LoadConfig/" + PowerName(lines) + " lines, " + side + "x" + side;
       EnterLoad<OurLoad>(contest, "ours", lines, alternatives);
+      EnterLoad<LiteralLoad>(contest, "literal", lines, alternatives);
 #if BENCH_WITH_BOOST
       EnterLoad<PlainLoad<StdMap>>(contest, "std::map", lines, alternatives);
 #if BENCH_WITH_ABSEIL

@@ -90,6 +90,7 @@ benchmark::internal::Benchmark* EnterLookup(const std::string& contest, const ch
 void EnterLookups(std::size_t count) {
   const std::string contest = "Lookup/" + PowerName(count) + " records";
   EnterLookup<OurStore>(contest, "ours", count);
+  EnterLookup<LiteralStore>(contest, "literal", count);
 #if BENCH_WITH_ABSEIL
   EnterLookup<AbseilStore>(contest, "Abseil", count);
 #endif
@@ -113,71 +114,108 @@ void EnterReaders(int threads) {
   run(EnterLookup<LockedStore<StdMap>>(contest, "std::map, locked", count));
 }
 
+/// What is asked for, in turns.
+class Questions {
+ public:
+  explicit Questions(std::size_t count) : keys_(Queries(count, count)) {
+    for (const AlarmConfigRecord& key : keys_) {
+      numbers_.push_back(std::stoi(key.numKey));  // The number is part of the question, not of its cost.
+    }
+  }
+
+  void StartAt(std::size_t at) { at_ = at; }
+  [[nodiscard]] std::size_t size() const { return keys_.size(); }
+
+  template <class Query>
+  std::int64_t Ask(Query query) {
+    at_ = at_ + 1 == keys_.size() ? 0 : at_ + 1;
+    std::int64_t value = -1;
+    query(value, keys_[at_], numbers_[at_]);
+    return value;
+  }
+
+ private:
+  std::vector<AlarmConfigRecord> keys_;
+  std::vector<int> numbers_;
+  std::size_t at_ = 0;
+};
+
+constexpr const char* kQueryContest = "GetAlmCfgValue/10^3 records";
+
+/// Enters `rival` once it has answered every question as `ours` does.
+template <class Ours, class Rival>
+void EnterQueryAgainst(const std::shared_ptr<Questions>& questions, Ours ours, const char* contestant,
+                       Rival rival) {
+  const std::string name = std::string(kQueryContest) + "/" + contestant;
+  for (std::size_t i = 0; i < questions->size(); ++i) {
+    questions->StartAt(i);
+    const std::int64_t answer = questions->Ask(ours);
+    questions->StartAt(i);
+    if (questions->Ask(rival) != answer) {
+      Disagree(name);
+    }
+  }
+  benchmark::RegisterBenchmark(name.c_str(), [questions, rival](benchmark::State& state) {
+    for ([[maybe_unused]] auto unused : state) {
+      benchmark::DoNotOptimize(questions->Ask(rival));
+    }
+  });
+}
+
 #if BENCH_WITH_ABSEIL
 /// The query as one would write it over a hash map.
-std::int64_t QueryAbseil(const AbseilMap& map, std::int64_t& value, const AlarmConfigRecord& key,
-                         int numKey) {
+void QueryAbseil(const AbseilMap& map, std::int64_t& value, const AlarmConfigRecord& key, int numKey) {
   const std::string number = NSTE_util::Trim(NSTE_util::Num2Str(numKey));
   const auto entry = map.find(KeyView(NS_ASCII::AlarmKey{key.key1, key.key2, key.key3, number}));
   const std::string text = entry == map.end() ? std::string() : entry->second;
   char* end = nullptr;
   const long converted = std::strtol(text.c_str(), &end, 10);
-  if (*end != '\0') {
-    return 1;
+  if (*end == '\0') {
+    value = static_cast<int>(converted);
   }
-  value = static_cast<int>(converted);
-  return 0;
 }
 #endif
 
+/// The query as the rules write it down.
+void QueryLiteral(const literal::AlarmConfig& config, std::int64_t& value, const AlarmConfigRecord& key,
+                  int numKey) {
+  const literal::Record record{key.key1, key.key2, literal::Trim(literal::Num2Str(numKey)), key.key3, {}};
+  std::string text;
+  config.GetValue(record, text);
+  int converted = 0;
+  if (literal::Str2Num(text, converted, 10)) {
+    value = converted;
+  }
+}
+
 void EnterQuery() {
   constexpr std::size_t kCount = 1000;
-  const auto queries = std::make_shared<const std::vector<AlarmConfigRecord>>(Queries(kCount, kCount));
-  const auto next = std::make_shared<std::size_t>(0);
-  const auto pick = [queries, next]() -> const AlarmConfigRecord& {
-    *next = *next + 1 == kCount ? 0 : *next + 1;
-    return (*queries)[*next];
-  };
-  // The number is part of the query, not of its cost.
-  const auto numbers = std::make_shared<std::vector<int>>();
-  for (const AlarmConfigRecord& query : *queries) {
-    numbers->push_back(std::stoi(query.numKey));
-  }
-  for (std::size_t i = 0; i < kCount; ++i) {
-    NS_ASCII::Alarm_Config_Param::Instance()->InsertRecord(RecordOf(i));
-  }
-  const auto ours = [pick, next, numbers] {
-    const AlarmConfigRecord& key = pick();
-    NS_ASCII::AsciiUtilInterfaceImpl util;
-    std::int64_t value = -1;
-    util.GetAlmCfgValue(value, key.key1, key.key2, key.key3, (*numbers)[*next]);
-    return value;
-  };
-  const Contest contest("GetAlmCfgValue/10^3 records", 0, ours);
+  const auto questions = std::make_shared<Questions>(kCount);
+  const auto config = std::make_shared<literal::AlarmConfig>();
 #if BENCH_WITH_ABSEIL
   const auto map = std::make_shared<AbseilMap>();
-  for (std::size_t i = 0; i < kCount; ++i) {
-    (*map)[RecordOf(i)] = RecordOf(i).value;
+#endif
+  for (const AlarmConfigRecord& record : Records(kCount)) {
+    NS_ASCII::Alarm_Config_Param::Instance()->InsertRecord(record);
+    config->InsertRecord({record.key1, record.key2, record.numKey, record.key3, record.value});
+#if BENCH_WITH_ABSEIL
+    (*map)[record] = record.value;
+#endif
   }
-  const auto rival = [pick, next, numbers, map] {
-    const AlarmConfigRecord& key = pick();
-    std::int64_t value = -1;
-    QueryAbseil(*map, value, key, (*numbers)[*next]);
-    return value;
+  const auto ours = [](std::int64_t& value, const AlarmConfigRecord& key, int numKey) {
+    NS_ASCII::AsciiUtilInterfaceImpl util;
+    util.GetAlmCfgValue(value, key.key1, key.key2, key.key3, numKey);
   };
-  for (std::size_t i = 0; i < kCount; ++i) {
-    *next = i;
-    const std::int64_t answer = ours();
-    *next = i;
-    if (rival() != answer) {
-      Disagree("GetAlmCfgValue/10^3 records/Abseil");
-    }
-  }
-  benchmark::RegisterBenchmark("GetAlmCfgValue/10^3 records/Abseil", [rival](benchmark::State& state) {
-    for ([[maybe_unused]] auto unused : state) {
-      benchmark::DoNotOptimize(rival());
-    }
-  });
+  EnterQueryAgainst(questions, ours, "ours", ours);
+  EnterQueryAgainst(questions, ours, "literal",
+                    [config](std::int64_t& value, const AlarmConfigRecord& key, int numKey) {
+                      QueryLiteral(*config, value, key, numKey);
+                    });
+#if BENCH_WITH_ABSEIL
+  EnterQueryAgainst(questions, ours, "Abseil",
+                    [map](std::int64_t& value, const AlarmConfigRecord& key, int numKey) {
+                      QueryAbseil(*map, value, key, numKey);
+                    });
 #endif
 }
 
@@ -233,6 +271,7 @@ const bool entered = [] {
   }
   EnterQuery();
   EnterMemory<OurStore>("ours");
+  EnterMemory<LiteralStore>("literal");
   EnterMemory<StdMap>("std::map");
   EnterMemory<StdUnorderedMap>("unordered_map");
 #if BENCH_WITH_ABSEIL

@@ -8,6 +8,7 @@
 #include "ascii_util/text_functions.h"
 #include "bench/contest.h"
 #include "src/asciiutilifimpl.h"
+#include "tests/literal_rules.h"
 
 #if BENCH_WITH_ABSEIL
 #include <absl/strings/numbers.h>
@@ -32,6 +33,11 @@ void EnterStr2Num(const std::string& text) {
     NS_ASCII::AsciiUtilInterfaceImpl util;
     int value = 0;
     const bool whole = util.Str2Num(*input, value, 10);
+    return Number(whole, value);
+  });
+  contest.Against("literal", [input] {
+    int value = 0;
+    const bool whole = literal::Str2Num(*input, value, 10);
     return Number(whole, value);
   });
   contest.Against("strtol", [input] {
@@ -60,6 +66,7 @@ int Opaque(int number) {
 
 void EnterNum2Str(const std::string& inputName, int number) {
   const Contest contest("Num2Str/" + inputName, 0, [number] { return NS_ASCII::Num2Str(Opaque(number)); });
+  contest.Against("literal", [number] { return literal::Num2Str(Opaque(number)); });
   contest.Against("to_string", [number] { return std::to_string(Opaque(number)); });
 #if BENCH_WITH_FMT
   contest.Against("fmt", [number] { return fmt::to_string(Opaque(number)); });

@@ -6,6 +6,7 @@
 
 #include "bench/contest.h"
 #include "src/asciiutilifimpl.h"
+#include "tests/literal_rules.h"
 
 #if BENCH_WITH_ABSEIL
 #include <absl/strings/ascii.h>
@@ -52,6 +53,7 @@ void EnterGetKeyValue(const std::string& inputName, const std::string& keyText) 
     NS_ASCII::AsciiUtilInterfaceImpl util;
     return util.GetKeyValue(*key, *text);
   });
+  contest.Against("literal", [text, key] { return literal::GetKeyValue(*key, *text); });
   contest.Against("find(key=)", [text, key] { return FindKey(*key, *text); });
 #if BENCH_WITH_ABSEIL
   contest.Against("Abseil", [text, key] { return FindWithAbseil(*key, *text); });
@@ -65,6 +67,7 @@ void EnterIsKeyValueAboveOne() {
     NS_ASCII::AsciiUtilInterfaceImpl util;
     return util.IsKeyValueAboveOne(*key, *text);
   });
+  contest.Against("literal", [text, key] { return literal::IsKeyValueAboveOne(*key, *text); });
   contest.Against("find(key=)", [text, key] { return std::atoi(FindKey(*key, *text).c_str()) > 1; });
 #if BENCH_WITH_ABSEIL
   contest.Against("Abseil", [text, key] { return std::atoi(FindWithAbseil(*key, *text).c_str()) > 1; });
@@ -78,6 +81,7 @@ void EnterIsContain() {
     NS_ASCII::AsciiUtilInterfaceImpl util;
     return util.IsContain(*part, *text);
   });
+  contest.Against("literal", [text, part] { return literal::IsContain(*part, *text); });
   contest.Against("string_view::find",
                   [text, part] { return std::string_view(*text).find(*part) != std::string_view::npos; });
 #if BENCH_WITH_ABSEIL

@@ -95,8 +95,12 @@ def read(directory):
     return medians, counted, context
 
 
+# Shown, but nobody would take it: the rules written down step by step.
+LITERAL = "literal"
+
+
 def rivals_of(entry):
-    return {who: time for who, time in entry.items() if who not in ("ours", "floor")}
+    return {who: time for who, time in entry.items() if who not in ("ours", "floor", LITERAL)}
 
 
 def ratio(entry, against):
@@ -249,7 +253,8 @@ def head(context):
 Every operation beside what one would take instead, written by `scripts/bench.sh --report`; nothing here is edited by
 hand. All contestants of a table run in one process, their repetitions in random turns; a figure is the median of their
 processor time, or of the time on the clock where threads (Readers, the load of a file) are involved. A rival is timed
-only after it has given the same answer. "Floor" is copying the answer.
+only after it has given the same answer. "Floor" is copying the answer. `{LITERAL}` is the version of the rules that the
+tests compare with, written down step by step; it is no rival, and no goal is measured by it.
 
 - Machine: {cpu_name()}, {context["num_cpus"]} cores, {platform.system()} {platform.machine()}
 - Compiler: {context.get("compiler", "unknown")}, release build
@@ -284,7 +289,8 @@ def plot(name, medians, docs):
         else:
             x = 10 ** int(match.group(1)) if is_power else int(match.group(1))
         for who, time in entry.items():
-            lines[who].append((x, time / unit))
+            if who != LITERAL:
+                lines[who].append((x, time / unit))
     if not lines:
         return False
     order = sorted(lines, key=lambda who: (who != "ours", who))

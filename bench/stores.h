@@ -12,6 +12,7 @@
 
 #include "bench/records.h"
 #include "src/almtable.h"
+#include "tests/literal_rules.h"
 
 #if BENCH_WITH_ABSEIL
 #include <absl/container/flat_hash_map.h>
@@ -59,6 +60,21 @@ class MapStore {
 
  private:
   Map map_;
+};
+
+/// The table as the literal version of the rules keeps it.
+class LiteralStore {
+ public:
+  void Insert(const AlarmConfigRecord& record) {
+    config_.InsertRecord({record.key1, record.key2, record.numKey, record.key3, record.value});
+  }
+  bool Find(const AlarmConfigRecord& key, std::string& value) const {
+    return config_.GetValue({key.key1, key.key2, key.numKey, key.key3, {}}, value) == 0;
+  }
+  std::size_t size() const { return config_.valueMap.size(); }
+
+ protected:
+  literal::AlarmConfig config_;
 };
 
 struct GreaterRecord {

@@ -3,6 +3,7 @@
 #include "ascii_util/text_functions.h"
 #include "bench/contest.h"
 #include "bench/texts.h"
+#include "tests/literal_rules.h"
 
 #if BENCH_WITH_ABSEIL
 #include <absl/strings/ascii.h>
@@ -18,24 +19,24 @@ namespace bench {
 namespace {
 
 void EnterTrim(const std::string& inputName, const std::string& text) {
-  const Input input = Share(text);
-  const std::string answer = NS_ASCII::Trim(text);
-  const Contest contest("Trim/" + inputName, 0, [input] { return NS_ASCII::Trim(*input); });
+  const TextContest contest("Trim/" + inputName, 0, text,
+                            [](const std::string& input) { return NS_ASCII::Trim(input); });
+  contest.Against("literal", [](const std::string& input) { return literal::Trim(input); });
 #if BENCH_WITH_ABSEIL
-  contest.Against("Abseil", [input] { return std::string(absl::StripAsciiWhitespace(*input)); });
+  contest.Against("Abseil",
+                  [](const std::string& input) { return std::string(absl::StripAsciiWhitespace(input)); });
 #endif
 #if BENCH_WITH_BOOST
-  contest.Against("Boost", [input] { return boost::trim_copy(*input); });
+  contest.Against("Boost", [](const std::string& input) { return boost::trim_copy(input); });
 #endif
 #if BENCH_WITH_POCO
-  contest.Against("POCO", [input] { return Poco::trim(*input); });
+  contest.Against("POCO", [](const std::string& input) { return Poco::trim(input); });
 #endif
-  contest.Against("find_first_not_of", [input] {
-    const std::size_t first = input->find_first_not_of(" \t\n\r");
+  contest.Against("find_first_not_of", [](const std::string& input) {
+    const std::size_t first = input.find_first_not_of(" \t\n\r");
     return first == std::string::npos ? std::string()
-                                      : input->substr(first, input->find_last_not_of(" \t\n\r") - first + 1);
+                                      : input.substr(first, input.find_last_not_of(" \t\n\r") - first + 1);
   });
-  contest.Floor([answer] { return std::string(answer); });
 }
 
 const bool entered = [] {

@@ -10,6 +10,7 @@
 #include "ascii_util/text_functions.h"
 #include "bench/contest.h"
 #include "bench/texts.h"
+#include "tests/literal_rules.h"
 
 #if BENCH_WITH_BOOST
 #include <boost/url/encode.hpp>
@@ -81,6 +82,11 @@ void EnterEncoding(const std::string& kind, const std::string& text) {
   const Input input = Share(text);
   const Contest contest("GetURLEncoding/" + kind + ", " + SizeName(text.size()), text.size(),
                         [input] { return NS_ASCII::GetURLEncoding(*input); });
+  // Written down step by step, repairing a line end begins at the start of the text: seconds for the longest
+  // texts.
+  if (text.size() <= 4096 || text.find('\n') == std::string::npos) {
+    contest.Against("literal", [input] { return literal::EncodeLatin1(*input); });
+  }
   contest.Against(
       "by hand", [input] { return EncodeByHand(*input); }, InOurSpelling);
 #if BENCH_WITH_BOOST
@@ -127,6 +133,7 @@ void EnterDecoding(const std::string& kind, const std::string& plain, const std:
   const Input input = Share(text);
   const Contest contest("GetURLDecoding/" + kind + ", " + SizeName(plain.size()), text.size(),
                         [input] { return NS_ASCII::GetURLDecoding(*input); });
+  contest.Against("literal", [input] { return literal::GetURLDecoding(*input); });
   contest.Against("by hand", [input] { return DecodeByHand(*input); });
 #if BENCH_WITH_BOOST
   contest.Against("Boost", [input] {
@@ -166,6 +173,7 @@ void EnterPercentEscaping() {
   const Input input = Share(Replaced(Words(4096), "on", "50%"));
   const Contest contest("SetURLDecoding/prose, " + std::to_string(input->size()) + " B", input->size(),
                         [input] { return NS_ASCII::SetURLDecoding(*input); });
+  contest.Against("literal", [input] { return literal::SetURLDecoding(*input); });
   contest.Against("by hand", [input] {
     std::string text = *input;
     for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at + 3)) {
