@@ -232,6 +232,7 @@ class Loading(HostTest):
         with open(BUNDLE, "rb") as whole:
             library = bytearray(whole.read())
         library[5] ^= 3  # EI_DATA, 1 or 2
+        library[32:40] = reversed(library[32:40])  # where the program headers are
         with open(path, "wb") as file:
             file.write(library)
         self.assert_fails(self.host("-b", path, "bundles"), 1, "ELF file data encoding not ")
