@@ -33,7 +33,8 @@ void RunUnset(Session& /*session*/, const Words& arguments) {
   for (const auto& [name, value] : ListItems()) {
     names.push_back(name);
   }
-  throw Failure("unset: there is no item '" + arguments[0] + "'" + DidYouMean(arguments[0], names));
+  throw Failure("unset: there is no item '" + arguments[0] + "'" +
+                DidYouMean(arguments[0], names, "; 'items' lists them"));
 }
 
 }  // namespace

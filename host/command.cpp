@@ -52,7 +52,7 @@ const Command& FindCommand(const std::string& name) {
       return command;
     }
   }
-  throw UsageError("no command '" + name + "'" + DidYouMean(name, CommandNames()));
+  throw UsageError("no command '" + name + "'" + DidYouMean(name, CommandNames(), "; 'help' lists them"));
 }
 
 void CheckCommand(const Words& words) {

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "host/text_file.h"
+
 namespace host {
 namespace {
 
@@ -60,7 +62,7 @@ class IniLines {
  public:
   std::optional<Mistake> Check(std::string_view line) {
     if (const std::size_t nul = line.find('\0'); nul != std::string_view::npos) {
-      return Mistake{nul, "a NUL byte; this is a file of text lines"};
+      return Mistake{nul, kNulProblem};
     }
     if (line.size() > kLongestLine) {
       return Mistake{kLongestLine, "the line is longer than 4094 bytes; shorten or split it"};
@@ -69,8 +71,8 @@ class IniLines {
     if (start == std::string_view::npos || line[start] == ';' || line[start] == '#') {
       return std::nullopt;
     }
-    if (line.compare(start, 3, "\xef\xbb\xbf") == 0) {
-      return Mistake{start, "a byte order mark; save the file without one"};
+    if (line.substr(start, kByteOrderMark.size()) == kByteOrderMark) {
+      return Mistake{start, kByteOrderMarkProblem};
     }
     if (line[start] == '[') {
       inSection_ = true;

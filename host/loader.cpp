@@ -38,6 +38,9 @@ bool Exists(const std::string& path) {
 
 /// Loads the library of a request and says what is wrong with it in terms of the request.
 LibraryHandle OpenLibrary(const std::string& request) {
+  if (request.empty()) {
+    throw UsageError("'' is no library; give its path, or a name that the dynamic linker finds");
+  }
   const bool isPath = request.find('/') != std::string::npos;
   if (isPath && !Exists(request)) {
     throw Failure(request + ": no such library");
@@ -92,6 +95,11 @@ ACE_Service_Object* ServiceOf(const std::string& name) {
     return nullptr;
   }
   return static_cast<ACE_Service_Object*>(type->type()->object());
+}
+
+/// Whether ACE has a service of that name, a suspended one included.
+bool IsKnownToAce(const std::string& name) {
+  return ACE_Service_Repository::instance()->find(name.c_str(), nullptr, false) == 0;
 }
 
 /// Destroys what a failed life cycle left behind. Their code must still be mapped.
@@ -162,6 +170,12 @@ const LoadedBundle& Loader::Load(const std::string& library, const Words& argume
 
 void Loader::Process(const std::string& directive) {
   const Directive parts = ParseDirective(directive);
+  // ACE passes over a word that it does not know without counting it as a problem.
+  const std::vector<std::string> verbs{"dynamic", "static", "remove", "suspend", "resume"};
+  if (std::find(verbs.begin(), verbs.end(), parts.verb) == verbs.end()) {
+    throw Failure("'" + parts.verb +
+                  "' is no directive; there are dynamic, static, remove, suspend and resume");
+  }
   if (parts.verb == "dynamic") {
     // ACE would call or read whatever it finds under the name, and take it for what the directive says.
     if (parts.library.empty() || parts.factory.empty()) {
@@ -183,11 +197,8 @@ void Loader::Process(const std::string& directive) {
     }
     return;
   }
-  // ACE passes over a word that it does not know without counting it as a problem.
-  const std::vector<std::string> verbs{"static", "suspend", "resume"};
-  if (std::find(verbs.begin(), verbs.end(), parts.verb) == verbs.end()) {
-    throw Failure("'" + parts.verb +
-                  "' is no directive; there are dynamic, static, remove, suspend and resume");
+  if (parts.verb != "static" && !IsKnownToAce(parts.name)) {
+    Find(parts.name);
   }
   const AceComplaints complaints;
   if (ACE_Service_Config::process_directive(directive.c_str()) != 0 || !complaints.Text().empty()) {
@@ -281,7 +292,7 @@ const LoadedBundle& Loader::Find(const std::string& name) const {
     }
     names.push_back(bundle.name);
   }
-  throw UsageError("no bundle '" + name + "' is loaded" + DidYouMean(name, names));
+  throw UsageError("no bundle '" + name + "' is loaded" + DidYouMean(name, names, "; 'bundles' lists them"));
 }
 
 void* Loader::FindSymbol(const std::string& symbol) const {

@@ -198,7 +198,8 @@ const Operation& FindOperation(const std::string& name) {
       return operation;
     }
   }
-  throw UsageError("no operation '" + name + "'" + DidYouMean(name, OperationNames()));
+  throw UsageError("no operation '" + name + "'" +
+                   DidYouMean(name, OperationNames(), "; 'help call' lists them"));
 }
 
 std::vector<std::string> OperationNames() {

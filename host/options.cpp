@@ -35,6 +35,11 @@ std::string Footer() {
   return text.str();
 }
 
+/// The two commands that are the program's own have no help but the program's.
+bool IsCallForHelp(const Words& command) {
+  return command.size() == 2 && (command[0] == "run" || command[0] == "console") && command[1] == "--help";
+}
+
 /// What the program takes besides the commands.
 void CheckProgramCommand(const Words& command) {
   if (command.empty()) {
@@ -55,7 +60,8 @@ void CheckProgramCommand(const Words& command) {
     std::vector<std::string> names = CommandNames();
     names.insert(names.end(), {"run", "console"});
     if (std::find(names.begin(), names.end(), command[0]) == names.end()) {
-      throw UsageError("no command '" + command[0] + "'" + DidYouMean(command[0], names));
+      throw UsageError("no command '" + command[0] + "'" +
+                       DidYouMean(command[0], names, "; --help lists them"));
     }
     CheckCommand(command);
   }
@@ -96,6 +102,9 @@ std::variant<Options, std::string> ParseOptions(int argc, const char* const* arg
     throw UsageError(error.what());
   }
   options.command = app.remaining();
+  if (IsCallForHelp(options.command)) {
+    return app.help();
+  }
   try {
     options.logLevel = ParseLogLevel(level);
   } catch (const UsageError& error) {

@@ -1,6 +1,7 @@
 #ifndef HOST_PROBLEM_H_
 #define HOST_PROBLEM_H_
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 
@@ -15,6 +16,25 @@ namespace host {
 class UsageError : public std::runtime_error {
  public:
   explicit UsageError(const std::string& message) : std::runtime_error(EscapeControls(message)) {}
+};
+
+/// A line that cannot be taken apart.
+class LineError : public UsageError {
+ public:
+  /// `column` is where it is wrong, counted from 1. The message says it in front of the reason.
+  LineError(std::size_t column, const std::string& reason)
+      : UsageError(Prefix(column) + reason), column_(column), reasonAt_(Prefix(column).size()) {}
+
+  std::size_t Column() const { return column_; }
+
+  /// The message without the column.
+  const char* Reason() const { return what() + reasonAt_; }
+
+ private:
+  static std::string Prefix(std::size_t column) { return "column " + std::to_string(column) + ": "; }
+
+  std::size_t column_;
+  std::size_t reasonAt_;
 };
 
 /// The command was right, but failed. A program run ends with exit code 1.

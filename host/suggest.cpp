@@ -29,7 +29,8 @@ std::size_t Distance(const std::string& a, const std::string& b) {
 
 }  // namespace
 
-std::string DidYouMean(const std::string& word, const std::vector<std::string>& names) {
+std::string DidYouMean(const std::string& word, const std::vector<std::string>& names,
+                       const std::string& otherwise) {
   const std::string* nearest = nullptr;
   std::size_t least = std::max<std::size_t>(word.size() / 3, 1) + 1;
   for (const std::string& name : names) {
@@ -42,7 +43,7 @@ std::string DidYouMean(const std::string& word, const std::vector<std::string>& 
       nearest = &name;
     }
   }
-  return nearest == nullptr ? "" : "; did you mean " + *nearest + "?";
+  return nearest == nullptr ? otherwise : "; did you mean " + *nearest + "?";
 }
 
 }  // namespace host

@@ -1,85 +1,125 @@
 #include "host/svc_conf.h"
 
-#include <cerrno>
-#include <fstream>
-#include <system_error>
+#include <vector>
 
 #include "host/problem.h"
+#include "host/text_file.h"
 
 namespace host {
 namespace {
 
-/// A directive being gathered from lines.
-struct GatheredDirective {
-  std::string text;
-  int firstLine = 0;
-  int openBraces = 0;
-  char openQuote = '\0';
+constexpr std::string_view kBlanks = " \t\r\n";
 
-  bool IsBlank() const { return text.find_first_not_of(" \t\r\n") == std::string::npos; }
-  bool IsOpen() const { return openBraces > 0 || openQuote != '\0'; }
-
-  void Add(const std::string& line) {
-    for (const char c : line) {
-      if (openQuote != '\0') {
-        openQuote = c == openQuote ? '\0' : openQuote;
-      } else if (c == '#') {
-        break;
-      } else if (c == '"' || c == '\'') {
-        openQuote = c;
-      } else if (c == '{') {
-        ++openBraces;
-      } else if (c == '}') {
-        --openBraces;
-      }
-      text += c;
-    }
-    text += '\n';
-  }
+/// A place in the file, both counted from 1.
+struct Place {
+  int line = 0;
+  std::size_t column = 0;
 };
 
-void Process(Loader& loader, const std::string& file, const GatheredDirective& directive) {
-  const std::string place = file + ":" + std::to_string(directive.firstLine) + ": ";
-  if (directive.text.find('\0') != std::string::npos) {
-    throw Failure(place + "a NUL byte; this is a file of text lines");
+/// Gathers directives from lines and processes each as soon as it is whole.
+class Directives {
+ public:
+  Directives(Loader& loader, const std::string& file) : loader_(loader), file_(file) {}
+
+  void TakeLine(std::string_view line) {
+    at_ = {at_.line + 1, 1};
+    if (at_.line == 1 && line.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+      Fail(at_, kByteOrderMarkProblem);
+    }
+    while (at_.column <= line.size() && Take(line[at_.column - 1])) {
+      ++at_.column;
+    }
+    Append('\n');
+    if (open_.empty()) {
+      Process();
+    }
   }
-  if (directive.IsOpen()) {
-    throw Failure(place + "the directive has a brace or a quote that is not closed");
+
+  void End() const {
+    if (!open_.empty()) {
+      Fail(open_.back().place, std::string("the '") + open_.back().mark + "' is not closed");
+    }
   }
-  try {
-    loader.Process(directive.text.substr(0, directive.text.find_last_not_of(" \t\r\n") + 1));
-  } catch (const std::exception& problem) {
-    throw Failure(place + problem.what());
+
+ private:
+  /// A brace or a quote that the directive is within.
+  struct Open {
+    char mark;
+    Place place;
+  };
+
+  [[noreturn]] void Fail(Place place, const std::string& reason) const {
+    throw Failure(file_ + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) + ": " +
+                  reason);
   }
-}
+
+  bool IsQuoted() const { return !open_.empty() && open_.back().mark != '{'; }
+
+  /// False where a comment begins.
+  bool Take(char c) {
+    if (c == '\0') {
+      Fail(at_, kNulProblem);
+    }
+    if (IsQuoted()) {
+      if (c == open_.back().mark) {
+        open_.pop_back();
+      }
+    } else if (c == '#') {
+      return false;
+    } else if (c == '"' || c == '\'' || c == '{') {
+      open_.push_back({c, at_});
+    } else if (c == '}') {
+      if (open_.empty()) {
+        Fail(at_, "a '}' without a '{' before it");
+      }
+      open_.pop_back();
+    }
+    Append(c);
+    return true;
+  }
+
+  void Append(char c) {
+    if (text_.empty()) {
+      if (kBlanks.find(c) != std::string_view::npos) {
+        return;
+      }
+      start_ = at_;
+    }
+    text_ += c;
+  }
+
+  void Process() {
+    if (text_.empty()) {
+      return;
+    }
+    try {
+      loader_.Process(text_.substr(0, text_.find_last_not_of(kBlanks) + 1));
+    } catch (const std::exception& problem) {
+      Fail(start_, problem.what());
+    }
+    text_.clear();
+  }
+
+  Loader& loader_;
+  const std::string& file_;
+  Place at_;     // the character at hand
+  Place start_;  // of the directive at hand
+  std::string text_;
+  std::vector<Open> open_;
+};
 
 }  // namespace
 
 void ProcessSvcConf(Loader& loader, const std::string& file) {
-  std::ifstream stream(file);
-  if (!stream) {
-    throw Failure(file + ": cannot be opened: " + std::generic_category().message(errno));
-  }
-  GatheredDirective directive;
-  int number = 0;
+  std::ifstream stream = OpenTextFile(file);
+  Directives directives(loader, file);
   for (std::string line; std::getline(stream, line);) {
-    ++number;
-    if (directive.IsBlank()) {
-      directive = {};
-      directive.firstLine = number;
-    }
-    directive.Add(line);
-    if (!directive.IsOpen() && !directive.IsBlank()) {
-      Process(loader, file, directive);
-      directive = {};
-    }
+    directives.TakeLine(line);
   }
   if (stream.bad()) {
     throw Failure(file + ": cannot be read");
   }
-  if (!directive.IsBlank()) {
-    Process(loader, file, directive);
-  }
+  directives.End();
 }
 
 }  // namespace host

@@ -16,7 +16,7 @@ std::size_t TakeWord(std::string_view line, std::size_t at, std::string& word) {
     std::size_t end = quoted ? line.find(line[at], start) : line.find_first_of(kEndsPiece, start);
     if (end == std::string_view::npos) {
       if (quoted) {
-        throw UsageError("column " + std::to_string(at + 1) + ": the quote " + line[at] + " is not closed");
+        throw LineError(at + 1, std::string("the quote ") + line[at] + " is not closed");
       }
       end = line.size();
     }

@@ -20,7 +20,7 @@ using Words = std::vector<std::string>;
 /// quotes is written in pieces side by side: 'say "it'"'"'s"'. '' is an empty word. '#' starts a comment only
 /// where a word could start. The splitter leaves \xNN alone; the commands that take such texts resolve it.
 ///
-/// Throws `UsageError` with the column, counted from 1, of a quote that is not closed.
+/// Throws `LineError` for a quote that is not closed.
 Words SplitWords(std::string_view line);
 
 }  // namespace host

@@ -114,6 +114,11 @@ class Options(HostTest):
         for arguments, message in [
             ([], "a command is missing"),
             (["--nonsense"], "no option '--nonsense'"),
+            (["nonsense"], "no command 'nonsense'; --help lists them"),
+            (["help", "nonsense"], "no command 'nonsense'; 'help' lists them"),
+            (["call", "nonsense"], "no operation 'nonsense'; 'help call' lists them"),
+            (["unload", "nonsense"], "no bundle 'nonsense' is loaded; 'bundles' lists them"),
+            (["load", ""], "'' is no library; give its path"),
             (["bundels"], "no command 'bundels'; did you mean bundles?"),
             (["consol"], "did you mean console?"),
             (["--log-level", "7", "help"], "--log-level: '7' is no log level; there are 0, 1, 2 and off"),
@@ -132,6 +137,8 @@ class Options(HostTest):
         self.assertRegex(self.host("--version").stdout, r"^bundle_host \d+\.\d+\.\d+\n$")
         self.assertIn("SplitStr text:text separator:text -> integer, pieces:list", self.host("help", "call").stdout)
         self.assertEqual(self.host("unload", "--help").stdout, self.host("help", "unload").stdout)
+        self.assertEqual(self.host("run", "--help").stdout, self.host("--help").stdout)
+        self.assertEqual(self.host("console", "--help").stdout, self.host("--help").stdout)
 
     def test_an_unreadable_configuration_directory_is_told(self):
         self.assert_fails(self.host("-c", self.dir + "/none", "bundles"), 1, "/none/: No such file or directory")
@@ -208,7 +215,7 @@ class Loading(HostTest):
                 self.assert_fails(self.host("-b", self.broken(kind), "bundles", environment=quiet), 1, reason)
                 lines = f"load {self.broken(kind)}\n"
                 done = self.host("run", "-", stdin=lines, environment=quiet)
-                self.assert_fails(done, 1, "stdin:1: ")
+                self.assert_fails(done, 1, "stdin:1:1: ")
 
     def test_an_init_without_a_configuration_directory_fails(self):
         self.assert_fails(self.host("--log-level", "off", "-b", BUNDLE, "bundles"), 1, "init failed")
@@ -269,20 +276,25 @@ class Loading(HostTest):
 
     def test_a_wrong_directive_is_told_with_its_place(self):
         for text, place, reason in [
-            ("\n\nnonsense here\n", ":3: ", "'nonsense' is no directive"),
-            ("suspend nobody\n", ":1: ", "the directive failed"),
-            ("suspend\n", ":1: ", "'suspend' needs the name of a service"),
-            (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util \"\"\n", ":1: ", "write dynamic NAME"),
-            (f"dynamic a STREAM * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1: ", "write dynamic NAME"),
-            ("suspend a\0b\n", ":1: ", "a NUL byte"),
-            ("# x\ndynamic a Service_Object * /none.so:_make_a() \"\"\n", ":2: ", "/none.so: no such library"),
-            (f"dynamic a Service_Object * {BUNDLE}:_make_b() \"\"\n", ":1: ", "has no factory _make_b"),
-            ("dynamic a Service_Object * x:_y() \"open\n", ":1: ", "not closed"),
-            ("remove nobody\n", ":1: ", "no bundle 'nobody' is loaded"),
+            ("\n\n  nonsense here\n", ":3:3: ", "'nonsense' is no directive"),
+            ("nonsense\n", ":1:1: ", "'nonsense' is no directive"),
+            ("static nobody\n", ":1:1: ", "the directive failed"),
+            ("suspend nobody\n", ":1:1: ", "no bundle 'nobody' is loaded; 'bundles' lists them"),
+            ("suspend\n", ":1:1: ", "'suspend' needs the name of a service"),
+            (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util \"\"\n", ":1:1: ", "write dynamic NAME"),
+            (f"dynamic a STREAM * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "write dynamic NAME"),
+            ("suspend a\0b\n", ":1:10: ", "a NUL byte"),
+            ("# x\n\tdynamic a Service_Object * /none.so:_make_a() \"\"\n", ":2:2: ", "/none.so: no such library"),
+            (f"dynamic a Service_Object * {BUNDLE}:_make_b() \"\"\n", ":1:1: ", "has no factory _make_b"),
+            ("dynamic a Service_Object * x:_y()\"open\n{\n", ":1:34: ", "the '\"' is not closed"),
+            ("dynamic a Service_Object * x:_y() {\n { }\n", ":1:35: ", "the '{' is not closed"),
+            (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util() \"{{\" # {{\n }}\n", ":2:2: ", "a '}' without a '{' before it"),
+            ("remove nobody\n", ":1:1: ", "no bundle 'nobody' is loaded"),
+            ("\xef\xbb\xbfremove nobody\n", ":1:1: ", "a byte order mark"),
         ]:
             with self.subTest(text=text):
                 conf = self.write("svc.conf", text)
-                done = self.host("--svc-conf", conf, "bundles")
+                done = self.host("-c", self.config, "--log-level", "off", "--svc-conf", conf, "bundles")
                 self.assert_fails(done, 1, conf + place)
                 self.assertIn(reason, done.stderr)
 
@@ -313,10 +325,25 @@ class Console(HostTest):
         file = self.write("commands", "call IsValid\n\ncall Nonsense\ncall IsValid\n")
         done = self.loaded("run", file)
         self.assertEqual(done.stdout, "result: 1\n")
-        self.assert_fails(done, 1, f"{file}:3: no operation 'Nonsense'")
+        self.assert_fails(done, 1, f"{file}:3:1: no operation 'Nonsense'")
 
     def test_a_quote_that_is_not_closed_is_told_with_line_and_column(self):
-        self.assert_fails(self.loaded("run", "-", stdin="\ncall ToUpper 'a\n"), 1, "stdin:2: column 14: the quote ' is not closed")
+        self.assert_fails(self.loaded("run", "-", stdin="\ncall ToUpper 'a\n"), 1, "stdin:2:14: the quote ' is not closed")
+
+    def test_a_file_of_another_kind_is_told(self):
+        for text, message in [
+            ("\xef\xbb\xbfcall IsValid\n", ":1:1: a byte order mark; save the file without one"),
+            ("; items\n[items]\n", ":1:1: a comment starts with '#', not with ';'"),
+            ("\n [items]\nA=1\n", ":2:2: a section of an INI file is no command; items are read from config_items.ini"),
+        ]:
+            with self.subTest(text=text):
+                file = self.write("commands", text)
+                self.assert_fails(self.loaded("run", file), 1, file + message)
+
+    def test_a_directory_is_no_file_of_commands_or_directives(self):
+        for arguments in (["run", self.dir], ["--svc-conf", self.dir, "bundles"]):
+            with self.subTest(arguments=arguments):
+                self.assert_fails(self.host(*arguments), 1, f"{self.dir}: is a directory; a file is needed")
 
     def test_a_piped_console_shows_answer_out_values_and_records_under_headings(self):
         done = self.loaded("console", stdin="call Str2Num 7 10\ncall WriteDbgLog hello\n")
@@ -325,13 +352,13 @@ class Console(HostTest):
                                       r"Returned\n  result: 0\nOut values\n  none\nLog records\n  \S+Z \[0\] -:0 -: hello\n$")
 
     def test_a_line_with_control_characters_is_told_in_one_plain_line(self):
-        self.assert_fails(self.loaded("run", "-", stdin="\x1b[31mred\n"), 1, "stdin:1: no command '\\x1b[31mred'")
-        self.assert_fails(self.loaded("run", "-", stdin="set a\0b 1\n"), 1, "stdin:1: column 6: a NUL byte")
+        self.assert_fails(self.loaded("run", "-", stdin="\x1b[31mred\n"), 1, "stdin:1:1: no command '\\x1b[31mred'")
+        self.assert_fails(self.loaded("run", "-", stdin="set a\0b 1\n"), 1, "stdin:1:6: a NUL byte")
         self.assert_fails(self.host("--log-level", "a\nb", "help"), 2, "'a\\x0ab' is no log level")
 
     def test_a_huge_word_is_told_in_a_bounded_line(self):
         done = self.loaded("run", "-", stdin="x" * 5_000_000 + "\n")
-        self.assert_fails(done, 1, "stdin:1: no command 'xxx")
+        self.assert_fails(done, 1, "stdin:1:1: no command 'xxx")
         self.assertLess(len(done.stderr), 2100)
 
     def test_standard_input_that_cannot_be_read_is_told(self):
@@ -343,7 +370,7 @@ class Console(HostTest):
     def test_a_piped_console_stops_at_the_first_bad_line(self):
         done = self.loaded("console", stdin="log\nunlod ii_ascii_util\nlog\n")
         self.assertEqual(done.stdout, "log level: off\n")
-        self.assert_fails(done, 1, "stdin:2: no command 'unlod'; did you mean unload?")
+        self.assert_fails(done, 1, "stdin:2:1: no command 'unlod'; did you mean unload?")
 
     def test_items_can_be_set_and_unset_while_the_bundle_runs(self):
         done = self.loaded("run", "-", stdin="call IsTransQueltEnabled\nset IsTransQuelt 1\ncall IsTransQueltEnabled\n"
@@ -353,6 +380,7 @@ class Console(HostTest):
 
     def test_unsetting_a_missing_item_fails(self):
         self.assert_fails(self.loaded("unset", "IsTransQuel"), 1, "there is no item 'IsTransQuel'; did you mean IsTransQuelt?")
+        self.assert_fails(self.loaded("unset", "x"), 1, "there is no item 'x'; 'items' lists them")
 
     def test_init_reads_the_configuration_again(self):
         self.write("new.csv", "LINK\tRTR\tdown\t7\t16\n")

@@ -22,6 +22,11 @@ TEST(DidYouMean, IsSilentWhenNothingIsNear) {
   EXPECT_EQ(DidYouMean("call", {}), "");
 }
 
+TEST(DidYouMean, SaysSomethingElseInsteadWhenWanted) {
+  EXPECT_EQ(DidYouMean("xyz", {"call"}, "; 'help' lists them"), "; 'help' lists them");
+  EXPECT_EQ(DidYouMean("cal", {"call"}, "; 'help' lists them"), "; did you mean call?");
+}
+
 TEST(DidYouMean, AThirdOfTheLettersMayBeTooMany) {
   EXPECT_EQ(DidYouMean("abcdef", {"abcd"}), "; did you mean abcd?");
   EXPECT_EQ(DidYouMean("abcdef", {"abc"}), "");
