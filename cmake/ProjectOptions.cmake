@@ -37,7 +37,8 @@ if(ASCII_UTIL_SANITIZE)
 endif()
 if(ASCII_UTIL_COVERAGE)
   target_compile_options(ascii_util_options INTERFACE --coverage -fprofile-abs-path)
-  target_link_options(ascii_util_options INTERFACE --coverage)
+  # The function by which a process that is about to abort writes its counters.
+  target_link_options(ascii_util_options INTERFACE --coverage -Wl,--undefined=__gcov_dump)
 endif()
 
 # For shared libraries: every symbol must be found when the library is linked. Clang links a sanitizer's run time into

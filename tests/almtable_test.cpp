@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <new>
 #include <string>
 #include <thread>
 #include <unordered_map>
@@ -107,6 +108,23 @@ TEST(AlarmTable, TellsFieldsApartWhereTheirTextsAndHashesAreTheSame) {
   EXPECT_EQ(table.Locate(*table.array_, {"a", "bc", "d", "1"}, hash.value(), slot), 0U);
   EXPECT_EQ(table.Locate(*table.array_, {"ab", "cd", "", "1"}, hash.value(), slot), 0U);
   EXPECT_EQ(table.Locate(*table.array_, {"ab", "c", "d1", ""}, hash.value(), slot), 0U);
+  EXPECT_EQ(table.Locate(*table.array_, {"a", "b", "c", "d"}, hash.value(), slot), 0U);
+}
+
+// Only its length says that the field is too long. It is handed to the step behind the hash, so nobody reads
+// it.
+TEST(AlarmTable, RefusesAFieldOf4GiBAndAnswersAsBefore) {
+  AlarmTable table;
+  table.Insert({"a", "b", "c", "1"}, "value");
+  const std::size_t reserved = table.ReservedBytes();
+  const std::string_view tooLong("", std::size_t{1} << 32);
+  for (const AlarmKey& key : {AlarmKey{tooLong, "", "", ""}, AlarmKey{"", tooLong, "", ""},
+                              AlarmKey{"", "", tooLong, ""}, AlarmKey{"", "", "", tooLong}}) {
+    EXPECT_THROW(table.AddNode(*table.array_, 0, key, 0, "new"), std::bad_alloc);
+  }
+  EXPECT_EQ(table.size(), 1U);
+  EXPECT_EQ(table.ReservedBytes(), reserved);
+  EXPECT_THAT(AllOf(table), ElementsAre("a/b/c/1=value"));
 }
 
 TEST(AlarmTable, ComparesBytesCaseAndBlanksIncluded) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <new>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -68,6 +69,12 @@ TEST(AlarmTextPool, ReportsItsTextsAndItsSlots) {
   AlarmTextPool pool;
   pool.Intern("a");
   EXPECT_EQ(pool.ReservedBytes(), 16384U + 16 * 8);
+  for (const char* const text : {"b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l"}) {
+    pool.Intern(text);
+  }
+  EXPECT_EQ(pool.ReservedBytes(), 16384U + 16 * 8);  // Three quarters are taken.
+  pool.Intern("m");
+  EXPECT_EQ(pool.ReservedBytes(), 16384U + 32 * 8);
 }
 
 TEST(AlarmTextPool, TellsTextsOfOneHashApart) {
@@ -89,6 +96,17 @@ TEST(AlarmTextPool, TellsTextsOfOneHashApart) {
     EXPECT_EQ(pool.Text(ref), text);
   }
   EXPECT_GT(collisions, 0);
+}
+
+// Only its length says that the text is too long; nobody reads it.
+TEST(AlarmTextPool, RefusesATextOf4GiBAndIsThenUnchanged) {
+  AlarmTextPool pool;
+  const auto ref = pool.Intern("a");
+  const std::size_t reserved = pool.ReservedBytes();
+  EXPECT_THROW(pool.Intern({"", std::size_t{1} << 32}), std::bad_alloc);
+  EXPECT_EQ(pool.size(), 1U);
+  EXPECT_EQ(pool.ReservedBytes(), reserved);
+  EXPECT_EQ(pool.Text(ref), "a");
 }
 
 TEST(AlarmTextPool, CopiesTheText) {

@@ -10,6 +10,7 @@
 #include "framework/interface_registry.h"
 #include "src/almconfig.h"
 #include "src/asciiutilifimpl.h"
+#include "tests/counters_at_abort.h"
 #include "tests/recording_fixture.h"
 #include "tests/temp_directory.h"
 
@@ -300,8 +301,11 @@ TEST_F(Exterminator, DestroysTheObject) {
 TEST_F(Exterminator, AssertsThatThereIsAnObject) {
   ACE_Service_Object_Exterminator exterminator = nullptr;
   const std::unique_ptr<ACE_Service_Object> object(_make_ii_ascii_util(&exterminator));
-  EXPECT_EXIT(exterminator(nullptr), ::testing::KilledBySignal(SIGABRT),
-              "file asciiutilsvc, line 17.*_p != 0");
+  const auto exterminate = [exterminator] {
+    KeepCountersAtAbort();
+    exterminator(nullptr);
+  };
+  EXPECT_EXIT(exterminate(), ::testing::KilledBySignal(SIGABRT), "file asciiutilsvc, line 17.*_p != 0");
 }
 
 TEST_F(ServiceObject, HasTheServicesName) { EXPECT_STREQ(ServiceIn(Make()).GetName(), "ii_ascii_util"); }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "framework/interface_registry.h"
+#include "tests/counters_at_abort.h"
 #include "tests/recording_fixture.h"
 
 // The handler that the process may install for exceptions nobody announced is a thing of old C++.
@@ -318,7 +319,10 @@ TEST_F(FetchInterfaceSearch, AnswersSeveralThreadsAtOnce) {
   throw replacement;
 }
 
-[[noreturn]] void ThrowSomethingElse() { throw NS_BUNDLEMGR1::ProcessException(); }
+[[noreturn]] void ThrowSomethingElse() {
+  KeepCountersAtAbort();
+  throw NS_BUNDLEMGR1::ProcessException();
+}
 
 TEST_F(FetchInterfaceDeath, AnyOtherExceptionEndsTheProcess) {
   framework.On("GetAllBundles", [] { throw std::runtime_error("bundle manager"); });

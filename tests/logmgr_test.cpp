@@ -311,6 +311,7 @@ class AceLog : public ACE_Log_Msg_Callback {
     int line;
     ACE_Log_Priority priority;
     std::string text;
+    int status;
   };
 
   AceLog() : flags_(ACE_LOG_MSG->flags()) {
@@ -330,7 +331,8 @@ class AceLog : public ACE_Log_Msg_Callback {
 
   void log(ACE_Log_Record& record) override {
     entries.push_back({ACE_LOG_MSG->file(), ACE_LOG_MSG->linenum(),
-                       static_cast<ACE_Log_Priority>(record.type()), record.msg_data()});
+                       static_cast<ACE_Log_Priority>(record.type()), record.msg_data(),
+                       ACE_LOG_MSG->op_status()});
   }
 
   std::vector<Entry> entries;
@@ -345,6 +347,7 @@ void ExpectSlotReport(const std::vector<AceLog::Entry>& entries) {
   EXPECT_EQ(entries[0].line, 90);
   EXPECT_EQ(entries[0].priority, LM_ERROR);
   EXPECT_EQ(entries[0].text, "Error: ACE_Thread::setspecific() failed!: Invalid argument\n");
+  EXPECT_EQ(entries[0].status, -1);
 }
 
 // The key is taken away behind the storage's back, which makes its slots invalid.

@@ -142,6 +142,12 @@ TEST_F(LogMessageTest, LetsWhatTheLoggerThrowsReachTheCaller) {
   EXPECT_THROW(LogFormatted("tag", 1, 2, "text", "value"), std::logic_error);
 }
 
+TEST_F(LogMessageTest, LetsWhatTheRegistryThrowsReachTheCaller) {
+  framework.On("CheckIFBuf", [] { throw std::runtime_error("registry"); });
+  EXPECT_THROW(LogMessage("tag", 1, 2, "text"), std::runtime_error);
+  EXPECT_THROW(LogFormatted("tag", 1, 2, "text", "value"), std::runtime_error);
+}
+
 TEST_F(LogMessageTest, SendsEveryMessageOfThreadsThatStartTogether) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {

@@ -4,12 +4,14 @@
 
 #include <climits>
 #include <string>
+#include <vector>
 
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
 
 namespace {
 
+using NS_ASCII::IsElementOf;
 using NS_ASCII::Num2Str;
 using NS_ASCII::StrToLower;
 using NS_ASCII::StrToUpper;
@@ -68,6 +70,46 @@ TEST(Trim, AgreesWithTheLiteralRuleInAllItsForms) {
     ASSERT_EQ(TrimLeft(text), literal::TrimLeft(text)) << ::testing::PrintToString(text);
     ASSERT_EQ(TrimRight(text), literal::TrimRight(text)) << ::testing::PrintToString(text);
   });
+}
+
+// Long runs of blanks may be passed in another way than short ones.
+TEST(Trim, AgreesWithTheLiteralRuleOnLongRunsOfBlanks) {
+  testing_text::RandomText random(40);
+  for (std::size_t blanks = 0; blanks < 600; blanks += blanks < 140 ? 1 : 37) {
+    for (const char odd : {'x', '\v', '\0', '\xA0', '\x08', '\x0B', '\x1F', '!'}) {
+      std::string run(blanks, ' ');
+      for (char& c : run) {
+        c = " \t\n\r"[random.Below(4)];
+      }
+      std::string broken = run;
+      if (blanks != 0) {
+        broken[random.Below(blanks)] = odd;
+      }
+      for (const std::string& text :
+           {run, broken, run + odd, odd + run, run + odd + run, broken + "text" + broken}) {
+        ASSERT_EQ(Trim(text), literal::Trim(text)) << ::testing::PrintToString(text);
+        ASSERT_EQ(TrimLeft(text), literal::TrimLeft(text)) << ::testing::PrintToString(text);
+        ASSERT_EQ(TrimRight(text), literal::TrimRight(text)) << ::testing::PrintToString(text);
+      }
+    }
+  }
+}
+
+TEST(IsElementOf, KnowsTheStringsOfAListByTheirPlace) {
+  static const std::string kStatic = "a";
+  const std::string onStack = "a";
+  const std::vector<std::string> list(3, "a");
+  const std::vector<std::string> other(3, "a");
+  for (const std::string& element : list) {
+    EXPECT_TRUE(IsElementOf(element, list));
+    EXPECT_FALSE(IsElementOf(element, other));
+  }
+  for (const std::string& element : other) {
+    EXPECT_FALSE(IsElementOf(element, list));
+  }
+  EXPECT_FALSE(IsElementOf(onStack, list));
+  EXPECT_FALSE(IsElementOf(kStatic, list));
+  EXPECT_FALSE(IsElementOf(onStack, {}));
 }
 
 TEST(StrToUpper, RaisesLettersAndNothingElse) {

@@ -152,6 +152,50 @@ TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnRandomTexts) {
   }
 }
 
+// Runs of plain characters may be encoded in another way than single ones.
+TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnLongTextsWithFewEscapes) {
+  framework.SetRecording(false);
+  framework.convert = recording::CopyThrough;
+  const std::string plain = "ABCXYZabcxyz 0189-._*";
+  testing_text::RandomText random(45);
+  for (int trial = 0; trial < testing_text::Trials(2000); ++trial) {
+    std::string text;
+    for (std::size_t runs = random.Below(5); runs > 0; --runs) {
+      text += random.Of(plain, trial % 10 == 0 ? 3000 : 150) + random.Bytes(2);
+    }
+    ASSERT_EQ(GetURLEncoding(text), literal::EncodeLatin1(text)) << recording::Quoted(text);
+  }
+}
+
+TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnEveryByteWhereverItStandsInAPlainText) {
+  framework.SetRecording(false);
+  framework.convert = recording::CopyThrough;
+  for (int byte = 0; byte < 256; ++byte) {
+    for (std::size_t place = 0; place < 70; ++place) {
+      std::string text(70, 'a');
+      text[place] = static_cast<char>(byte);
+      ASSERT_EQ(GetURLEncoding(text), literal::EncodeLatin1(text)) << byte << ' ' << place;
+    }
+  }
+}
+
+TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleAroundItsBlocks) {
+  framework.SetRecording(false);
+  framework.convert = recording::CopyThrough;
+  for (const char* const end : {"\n", "\r", "\r\n", "\r\xA5", "\n\n/", "/", "%"}) {
+    for (std::size_t length = 1000; length < 1050; ++length) {
+      for (const char* const rest : {"", "a", "/"}) {
+        const std::string text = std::string(length, 'a') + end + rest + std::string(40, '/');
+        ASSERT_EQ(GetURLEncoding(text), literal::EncodeLatin1(text)) << recording::Quoted(text);
+      }
+    }
+  }
+  for (const char c : {'\n', '\xFF'}) {  // Everything escaped, in several blocks.
+    const std::string text(5000, c);
+    ASSERT_EQ(GetURLEncoding(text), literal::EncodeLatin1(text));
+  }
+}
+
 // --- GetURLDecoding ----------------------------------------------------------------------------------------
 
 TEST_F(GetUrlDecoding, DecodesPlusAndEscapes) {
@@ -263,6 +307,31 @@ TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleOnRandomTexts) {
   for (int trial = 0; trial < testing_text::Trials(5000); ++trial) {
     const std::string text = trial % 2 == 0 ? random.Bytes(60) : random.Of("%%%+ 0123abfFxX-\t\v", 60);
     ASSERT_EQ(GetURLDecoding(text), literal::GetURLDecoding(text)) << recording::Quoted(text);
+  }
+}
+
+TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleOnLongTextsWithFewEscapes) {
+  const std::string plain = "ABCXYZabcxyz +0189-._*";
+  testing_text::RandomText random(46);
+  for (int trial = 0; trial < testing_text::Trials(2000); ++trial) {
+    std::string text;
+    for (std::size_t runs = random.Below(5); runs > 0; --runs) {
+      text += random.Of(plain, 150) + random.Of("%%0f4-+ ", 4);
+    }
+    ASSERT_EQ(GetURLDecoding(text), literal::GetURLDecoding(text)) << recording::Quoted(text);
+  }
+}
+
+// An escape may begin in one stretch of the text and end in the next, or with the text.
+TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleWhereverAnEscapeStands) {
+  for (const char* const escape :
+       {"%", "%4", "%41", "%%", "%%%41", "%4%41", "%-1", "% 7", "%zz", "+", "%41%"}) {
+    for (std::size_t place = 0; place < 70; ++place) {
+      for (const std::size_t behind : {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{70}}) {
+        const std::string text = std::string(place, 'a') + escape + std::string(behind, 'b');
+        ASSERT_EQ(GetURLDecoding(text), literal::GetURLDecoding(text)) << text;
+      }
+    }
   }
 }
 

@@ -95,6 +95,32 @@ TEST_F(AddLine, LogsAWrongNumberOfFieldsAndStoresNothing) {
   EXPECT_THAT(Entries(config), IsEmpty());
 }
 
+// The lists may hold something already; it is stored with a good line and left alone with a bad one.
+TEST_F(AddLine, StoresWhatTheSecondListHoldsUnlessTheLineIsBad) {
+  std::vector<AlarmConfigRecord> first;
+  std::vector<AlarmConfigRecord> second = {{"before", "k", "1", "c", "v"}};
+  for (FieldList fields : {FieldList{"A", "X", "c", "1"}, FieldList{"A//", "X", "c", "1", "v"},
+                           FieldList{"A", "X//", "c", "1", "v"}}) {
+    first.clear();
+    config.AddLine(fields, first, second, "line");
+    EXPECT_EQ(second.size(), 1U);
+    EXPECT_THAT(Entries(config), IsEmpty());
+  }
+  FieldList fields{"A", "X", "c", "1", "v"};
+  first.clear();
+  config.AddLine(fields, first, second, "line");
+  EXPECT_THAT(Entries(config), ElementsAre("before|k|c|1=v", "A|X|c|1=v"));
+}
+
+TEST_F(AddLine, StoresEveryThirdColumn) {
+  FieldList fields{"A", "X", "c", "1", "v"};
+  std::vector<AlarmConfigRecord> first;
+  std::vector<AlarmConfigRecord> second;
+  config.AddLine(fields, first, second, "line");
+  EXPECT_TRUE(config.thirdColumns().Contains("c"));
+  EXPECT_EQ(config.thirdColumns().size(), 1U);
+}
+
 TEST_F(TakeLine, SaysWhatBecameOfTheLine) {
   Alarm_Config_Param::LineWork work;
   EXPECT_EQ(config.TakeLine("", work), LineFate::kSkipped);

@@ -143,6 +143,14 @@ TEST_F(LoadConfig, TakesACommaForText) {
   EXPECT_THAT(Entries(config), ElementsAre("A,B|k,l|c,d|1,2=v,w"));
 }
 
+TEST_F(LoadConfig, SplitsAtNoOtherCharacter) {
+  const std::string others = " !\"#$%&'()*+,-.0:;<=>?@[\\]^_`{|}~\v\f\xA0";
+  Load("A" + others + "A\tk" + others + "k\tc" + others + "c\t1" + others + "1\tv" + others + "v\n");
+  EXPECT_EQ(Value({"A" + others + "A", "k" + others + "k", "1" + others + "1", "c" + others + "c", ""}),
+            "v" + others + "v");
+  EXPECT_EQ(config.values().size(), 1U);
+}
+
 TEST_F(LoadConfig, TwiceLeavesTheStoreAsAfterOnce) {
   const std::string content = "A/B\tk\tc\t1\tv\nC\tk\td\t2\tw\n";
   Load(content);

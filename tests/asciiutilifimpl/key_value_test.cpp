@@ -58,6 +58,17 @@ TEST_F(GetKeyValue, FindsNothingForAnEmptyKey) {
   }
 }
 
+// A pair's key ends before its first "=" and holds no ",", so none equals these.
+TEST_F(GetKeyValue, FindsNothingForAKeyWithASeparatorOrALeadingBlank) {
+  EXPECT_EQ(impl.GetKeyValue("A=B", "A=B=1,A=B"), "");
+  EXPECT_EQ(impl.GetKeyValue("A,B", "A,B=1"), "");
+  EXPECT_EQ(impl.GetKeyValue("=", "==1"), "");
+  EXPECT_EQ(impl.GetKeyValue(",B", ",B=1"), "");
+  EXPECT_EQ(impl.GetKeyValue(" B", "A=1, B=2"), "");
+  EXPECT_EQ(impl.GetKeyValue("\tB", "A=1,\tB=2"), "");
+  EXPECT_EQ(impl.GetKeyValue(std::string("B\0=,", 4), "A=1,B=2"), "2");
+}
+
 TEST_F(GetKeyValue, ComparesKeysUpToTheirFirstNul) {
   EXPECT_EQ(impl.GetKeyValue(std::string("A\0x", 3), "A=1"), "1");
   EXPECT_EQ(impl.GetKeyValue("A", std::string("A\0y=1", 5)), "1");
@@ -68,7 +79,7 @@ TEST_F(GetKeyValue, GoesOnBehindAValueThatStartsWithNul) {
 }
 
 TEST_F(GetKeyValue, AgreesWithTheLiteralRuleOnEveryShortText) {
-  const Texts keys = {"A", "A ", "", "B", std::string("A\0", 2)};
+  const Texts keys = {"A", "A ", " A", "A=", "A,B", "", "B", std::string("A\0", 2)};
   ForEachText({"A=, 2\0", 6}, 7, [&](const std::string& text) {
     ASSERT_EQ(impl.GetKeyValue("A", text), literal::GetKeyValue("A", text)) << recording::Quoted(text);
   });

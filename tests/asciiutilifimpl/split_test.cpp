@@ -1,3 +1,4 @@
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -79,6 +80,39 @@ TEST_F(SplitStr, AppendsToTheList) {
   EXPECT_EQ(impl.SplitStr("a,b", ",", pieces), 0);
   EXPECT_EQ(impl.SplitStr("c,", ",", pieces), 0);
   EXPECT_THAT(pieces, ElementsAre("a", "b", "c", ""));
+}
+
+TEST_F(SplitStr, UsesTheRoomThatTheListHas) {
+  Texts pieces;
+  pieces.reserve(10);
+  const std::string* const place = pieces.data();
+  EXPECT_EQ(impl.SplitStr("a,b,c,d", ",", pieces), 0);
+  EXPECT_EQ(impl.SplitStr("a,b,c,d,e,f", ",", pieces), 0);
+  EXPECT_EQ(pieces.size(), 10U);
+  EXPECT_EQ(pieces.data(), place);
+}
+
+TEST_F(SplitStr, MovesAListThatIsAppendedToAgainAndAgainOnlyNowAndThen) {
+  Texts pieces;
+  int moves = 0;
+  for (int i = 0; i < 1000; ++i) {
+    const std::string* const before = pieces.data();
+    EXPECT_EQ(impl.SplitStr("a,b", ",", pieces), 0);
+    moves += pieces.data() != before ? 1 : 0;
+  }
+  EXPECT_EQ(pieces.size(), 2000U);
+  EXPECT_LE(moves, 12);
+}
+
+TEST_F(SplitStr, TakesATextFromAnywhere) {
+  static const std::string kStatic = "a,b";
+  const std::string onStack = "a,b";
+  const auto onHeap = std::make_unique<std::string>("a,b");
+  for (const std::string* const text : {&kStatic, &onStack, static_cast<const std::string*>(onHeap.get())}) {
+    Texts pieces(3);
+    EXPECT_EQ(impl.SplitStr(*text, ",", pieces), 0);
+    EXPECT_THAT(pieces, ElementsAre("", "", "", "a", "b"));
+  }
 }
 
 TEST_F(SplitStr, WorksOnATextOutOfTheListItself) {

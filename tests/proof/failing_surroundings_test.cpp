@@ -181,6 +181,23 @@ TEST_F(FailingSurroundings, AThreadSlotThatCannotBeStoredIsReportedThroughAce) {
   EXPECT_THAT(Texts(), ElementsAre("key made", "logged"));
 }
 
+// A thread of its own for each, as ACE makes what it needs for its log once a thread.
+TEST_F(FailingSurroundings, AThreadSlotThatCannotBeStoredGoesUnreportedWhenThereIsNoMemoryEither) {
+  EXPECT_EQ(util.WriteDbgLog("key made"), 0);
+  const Failing fault(Fault::kSlotStore);
+  for (const std::size_t nth : {1U, 2U}) {  // The record, ACE's log.
+    std::thread([&] {
+      const AceErrorLog aceLog;
+      const faults::AllocationFails noMemory(nth);
+      EXPECT_EQ(util.WriteDbgLog("dropped"), 0);
+      EXPECT_TRUE(noMemory.happened());
+      EXPECT_EQ(fault.hits(), static_cast<int>(nth) - 1);
+      EXPECT_THAT(aceLog.entries, IsEmpty());
+    }).join();
+  }
+  EXPECT_THAT(Texts(), ElementsAre("key made"));
+}
+
 // --- Clock, formatter, converter
 // ------------------------------------------------------------------------------------
 

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 #include "framework/interface_registry.h"
 
@@ -38,6 +39,9 @@ State& StateOf(Fault fault) { return states[static_cast<std::size_t>(fault)]; }
 
 std::atomic<const std::time_t*> clockNow{nullptr};
 
+std::function<void()> beforeLock;
+std::atomic<bool> isBeforeLockDue{false};
+
 }  // namespace
 
 AllocationFails::AllocationFails(std::size_t nth) {
@@ -55,6 +59,20 @@ Failing::Failing(Fault fault) : fault_(fault) {
 }
 Failing::~Failing() { StateOf(fault_).on = false; }
 int Failing::hits() const { return StateOf(fault_).hits; }
+
+BeforeLock::BeforeLock(std::function<void()> action) {
+  beforeLock = std::move(action);
+  isBeforeLockDue = true;
+}
+BeforeLock::~BeforeLock() { isBeforeLockDue = false; }
+bool BeforeLock::happened() const { return !isBeforeLockDue; }
+
+/// For the lock below.
+void NoteLock() {
+  if (isBeforeLockDue.exchange(false)) {
+    beforeLock();
+  }
+}
 
 ClockAt::ClockAt(std::time_t now) { clockNow = new std::time_t(now); }
 ClockAt::~ClockAt() { delete clockNow.exchange(nullptr); }
@@ -121,6 +139,7 @@ extern "C" {
 int __real__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(ACE_mutex_t* mutex);
 int __wrap__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(ACE_mutex_t* mutex);
 int __wrap__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(ACE_mutex_t* mutex) {
+  faults::NoteLock();
   Fault fault = Fault::kStorageLock;
   if (mutex == &NS_BUNDLEMGR1::_g_actualmutex.lock()) {
     fault = Fault::kGlobalLock;

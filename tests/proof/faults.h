@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <ctime>
+#include <functional>
 
 /// Everything outside the bundle that a test can make fail, by name. A fault lasts as long as its object, so
 /// no test leaves one behind. What the platform does wrong is told to the recording framework instead.
@@ -51,6 +52,19 @@ class Failing {
 
  private:
   Fault fault_;
+};
+
+/// Runs `action` once, right before the bundle's objects take the next lock, whichever it is, as if another
+/// thread had come first. Locks that the action takes are not waited for.
+class BeforeLock {
+ public:
+  explicit BeforeLock(std::function<void()> action);
+  ~BeforeLock();
+  BeforeLock(const BeforeLock&) = delete;
+  BeforeLock& operator=(const BeforeLock&) = delete;
+
+  /// Whether it has come to that.
+  [[nodiscard]] bool happened() const;
 };
 
 /// While it lives, the bundle's objects read this clock.

@@ -1,0 +1,68 @@
+// What is made or destroyed once, by a thread that finds another one was quicker: in the moment between its
+// first look, which takes no lock, and the look that it takes again under the lock.
+
+#include <algorithm>
+#include <string>
+#include <thread>
+
+#include "src/asciiutilifimpl.h"
+#include "src/logmgr.h"
+#include "tests/proof/faults.h"
+#include "tests/recording_fixture.h"
+
+namespace {
+
+class Overtaken : public recording::FrameworkTest {
+ protected:
+  Overtaken() {
+    framework.logger = [] { return new recording::Logger; };
+    framework.intItems["IsTransQuelt"] = 1;
+  }
+
+  std::ptrdiff_t CallsOf(const std::string& start) const {
+    const std::vector<std::string> calls = framework.Calls();
+    return std::count_if(calls.begin(), calls.end(),
+                         [&start](const std::string& call) { return call.rfind(start, 0) == 0; });
+  }
+
+  NS_ASCII::AsciiUtilInterfaceImpl util;
+};
+
+/// Runs `work` on another thread, whole, right before the next lock is taken.
+template <class Work>
+faults::BeforeLock OtherThreadFirst(Work work) {
+  return faults::BeforeLock([work] { std::thread(work).join(); });
+}
+
+TEST_F(Overtaken, AFirstMessageIsSentLikeThatOfTheOtherThread) {
+  {
+    const auto other = OtherThreadFirst([this] { EXPECT_TRUE(util.IsTransQueltEnabled()); });
+    EXPECT_TRUE(util.IsTransQueltEnabled());
+    EXPECT_TRUE(other.happened());
+  }
+  EXPECT_EQ(framework.Messages().size(), 2U);
+}
+
+TEST_F(Overtaken, AFirstDebugMessageGoesToTheLogManagerOfTheOtherThread) {
+  NS_ASCII::LogMgr* theirs = nullptr;
+  {
+    const auto other = OtherThreadFirst([&theirs] { theirs = NS_ASCII::LogMgr::Instance(); });
+    EXPECT_EQ(NS_ASCII::LogMgr::Instance(), theirs);
+    EXPECT_TRUE(other.happened());
+  }
+  EXPECT_NE(theirs, nullptr);
+  EXPECT_EQ(CallsOf("GetLogger("), 1);
+  NS_ASCII::LogMgr::Release();
+}
+
+TEST_F(Overtaken, AReleaseLeavesTheDestructionToTheOtherThread) {
+  ASSERT_NE(NS_ASCII::LogMgr::Instance(), nullptr);
+  {
+    const auto other = OtherThreadFirst([] { NS_ASCII::LogMgr::Release(); });
+    NS_ASCII::LogMgr::Release();
+    EXPECT_TRUE(other.happened());
+  }
+  EXPECT_EQ(CallsOf("~Logger()"), 1);
+}
+
+}  // namespace
