@@ -66,6 +66,14 @@ TEST(ExitCode, OfEveryMistakeInTheCommandLineIs2) {
   }
 }
 
+TEST(CommandLine, MistakesSayWhatThereIs) {
+  EXPECT_THAT(RunAlmcfg({}).err,
+              testing::StartsWith("almcfg: COMMAND: one of check|show|lookup|diff is needed\n"));
+  EXPECT_THAT(RunAlmcfg({"chek", "x"}).err,
+              testing::StartsWith("almcfg: COMMAND: \"chek\" is none of check|show|lookup|diff\n"));
+  EXPECT_THAT(RunAlmcfg({"check", ""}).err, testing::StartsWith("almcfg: FILE: a name is empty\n"));
+}
+
 TEST(ExitCode, OfHelpAndVersionIs0) {
   for (const std::vector<std::string>& arguments :
        std::vector<std::vector<std::string>>{{"--help"},
@@ -84,6 +92,17 @@ TEST(ExitCode, OfHelpAndVersionIs0) {
 TEST(ExitCode, OfOutputThatCannotBeWrittenIs2) {
   const int status = std::system(ALMCFG_PROGRAM " check - </dev/null >/dev/full 2>/dev/null");
   EXPECT_EQ(WEXITSTATUS(status), 2);
+}
+
+TEST(Check, DoesNotTakeAFileForAMissingStandardInput) {
+  const TempFile file(kGood);
+  const TempFile out("");
+  const std::string command =
+      ALMCFG_PROGRAM " check " + file.path() + " - <&- >" + out.path() + " 2>/dev/null";
+  const int status = std::system(command.c_str());
+  EXPECT_EQ(WEXITSTATUS(status), 2);
+  EXPECT_THAT(almcfg_test::ReadFile(out.path()),
+              HasSubstr("<stdin>:1:1: error: Bad file descriptor: a load would succeed and load nothing"));
 }
 
 TEST(Check, GoesOverAllFilesAndTotalsThem) {

@@ -35,21 +35,22 @@ Tally DeskLoad::Listener::TakeTally() { return std::exchange(tally_, Tally{}); }
 bool DeskLoad::Load(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) {
     if (const Place endless = loaded_.endlessLine()) {
-      outputs_.err << "almcfg: " << Printable(path) << ": never read, since the load of " << Shown(endless)
-                   << " does not end\n";
+      outputs_.err << "almcfg: " << Printable(SourceText::NameOf(path)) << ": never read, since the load of "
+                   << Shown(endless) << " does not end\n";
       continue;
     }
     try {
       loaded_.Load(SourceText::Read(path, outputs_.progress));
     } catch (const ReadError& error) {
       outputs_.progress.Hide();
-      outputs_.err << "almcfg: " << Printable(path) << ": " << error.what() << '\n';
+      outputs_.err << "almcfg: " << Printable(SourceText::NameOf(path)) << ": " << error.what() << '\n';
       return false;
     }
     const Tally tally = listener_.TakeTally();
     outputs_.progress.Hide();
     if (tally.errors + tally.warnings != 0) {
-      outputs_.err << "almcfg: " << Printable(path) << ": " << Summary(tally) << "; see almcfg check\n";
+      outputs_.err << "almcfg: " << Printable(SourceText::NameOf(path)) << ": " << Summary(tally)
+                   << "; see almcfg check\n";
     }
   }
   return true;

@@ -1,5 +1,6 @@
 #include "tools/almcfg/good_line.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>

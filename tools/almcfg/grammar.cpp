@@ -1,5 +1,7 @@
 #include "tools/almcfg/grammar.h"
 
+#include <utility>
+
 namespace almcfg {
 
 using NS_ASCII::Alarm_Config_Param;

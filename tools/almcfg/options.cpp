@@ -54,6 +54,23 @@ void AddCommon(CLI::App& app, Options& options, const Formats& formats, const st
   AddChoice(app, "--color", options.color, kColors, "Colors in text; auto: on a terminal (default)");
 }
 
+/// Throws unless the arguments start with a command or, as for help, an option.
+void RequireCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
+  std::string names;
+  for (const CLI::App* const command : app.get_subcommands({})) {
+    names += (names.empty() ? "" : "|") + command->get_name();
+    if (!arguments.empty() && arguments.front() == command->get_name()) {
+      return;
+    }
+  }
+  if (arguments.empty()) {
+    throw CLI::ValidationError("COMMAND", "one of " + names + " is needed");
+  }
+  if (arguments.front().compare(0, 1, "-") != 0) {
+    throw CLI::ValidationError("COMMAND", '"' + arguments.front() + "\" is none of " + names);
+  }
+}
+
 /// Takes off what must not be taken for options: everything behind a "--", or a negative number at the end of
 /// a lookup. Returns it.
 std::vector<std::string> TakePlainArguments(std::vector<std::string>& arguments) {
@@ -100,6 +117,9 @@ void Complete(Options& options) {
   }
   if (options.files.empty()) {
     throw CLI::ValidationError("FILE", "at least one is needed");
+  }
+  if (std::count(options.files.begin(), options.files.end(), "") > 0) {
+    throw CLI::ValidationError("FILE", "a name is empty");
   }
   if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
     throw CLI::ValidationError("FILE", "standard input (-) can be read only once");
@@ -162,6 +182,7 @@ Parsed ParseArguments(std::vector<std::string> arguments) {
   AddLookup(app, options);
   AddDiff(app, options);
   try {
+    RequireCommand(app, arguments);
     const std::vector<std::string> plain = TakePlainArguments(arguments);
     std::reverse(arguments.begin(), arguments.end());  // CLI11 takes them from the end.
     app.parse(std::move(arguments));

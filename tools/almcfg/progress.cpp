@@ -12,7 +12,7 @@ void Progress::Show(const std::string& name, const char* done, std::uint64_t cou
   if (!enabled_ || Clock::now() < next_) {
     return;
   }
-  next_ = Clock::now() + std::chrono::milliseconds(200);
+  next_ = Clock::now() + interval_;
   shown_ = true;
   std::cerr << kClearLine << Printable(name) + ": " + Grouped(count) + " lines " + done << std::flush;
 }

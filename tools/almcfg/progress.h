@@ -7,25 +7,32 @@
 
 namespace almcfg {
 
-/// One line on the terminal that says how far a long job has come. It appears after a second and leaves
-/// nothing behind. Call `Hide` before anything else is written to the terminal.
+/// One line on the terminal, written to standard error, that says how far a long job has come. It appears
+/// after a second and leaves nothing behind. Call `Hide` before anything else is written to the terminal.
 class Progress {
  public:
-  /// Shows nothing unless `enabled`.
-  explicit Progress(bool enabled) : enabled_(enabled) {}
+  using Clock = std::chrono::steady_clock;
+
+  /// Shows nothing unless `enabled`, and nothing before `delay` is over; from then on a new line every
+  /// `interval`, at most.
+  explicit Progress(bool enabled, Clock::duration delay = std::chrono::seconds(1),
+                    Clock::duration interval = std::chrono::milliseconds(200))
+      : enabled_(enabled), interval_(interval), next_(Clock::now() + delay) {}
   ~Progress() { Hide(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
   /// "NAME: COUNT lines DONE". Cheap, but not for every line.
   void Show(const std::string& name, const char* done, std::uint64_t count);
+
+  /// Takes the line away, if there is one.
   void Hide();
 
  private:
-  using Clock = std::chrono::steady_clock;
   bool enabled_;
+  Clock::duration interval_;
+  Clock::time_point next_;
   bool shown_ = false;
-  Clock::time_point next_ = Clock::now() + std::chrono::seconds(1);
 };
 
 }  // namespace almcfg

@@ -28,13 +28,14 @@ class InputFile {
  public:
   /// Without blocking, since opening a pipe that has no writer would wait for one.
   explicit InputFile(const std::string& path)
-      : fd_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK)) {
+      : isOpened_(path != "-"),
+        fd_(isOpened_ ? open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK) : STDIN_FILENO) {
     if (fd_ < 0) {
       ThrowErrno(errno);
     }
   }
   ~InputFile() {
-    if (fd_ != STDIN_FILENO) {
+    if (isOpened_) {
       close(fd_);
     }
   }
@@ -44,6 +45,7 @@ class InputFile {
   [[nodiscard]] int fd() const { return fd_; }
 
  private:
+  bool isOpened_;  // The number does not tell: without a standard input it is 0 as well.
   int fd_;
 };
 
@@ -94,7 +96,7 @@ bool IsSilentPipe(int fd) {
 SourceText SourceText::Read(const std::string& path, Progress& progress) {
   const InputFile file(path);
   RefuseWhatIsNoText(file.fd());
-  SourceText text(path == "-" ? "<stdin>" : path);
+  SourceText text(NameOf(path));
   text.ReadAll(file.fd(), progress);
   return text;
 }

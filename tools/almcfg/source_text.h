@@ -50,9 +50,12 @@ class SourceText {
   static SourceText Read(const std::string& path, Progress& progress);
 
   /// A text without lines, for a file that could not be read.
-  static SourceText Nothing(std::string name) { return SourceText(std::move(name)); }
+  static SourceText Nothing(const std::string& path) { return SourceText(NameOf(path)); }
 
-  /// As given by the user; "<stdin>" for standard input.
+  /// What a path is called in messages: as given by the user; "<stdin>" for standard input.
+  static std::string NameOf(const std::string& path) { return path == "-" ? "<stdin>" : path; }
+
+  /// By `NameOf`.
   [[nodiscard]] const std::string& name() const { return name_; }
   [[nodiscard]] LineNumber lineCount() const { return static_cast<LineNumber>(lines_.size()); }
 
