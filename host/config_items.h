@@ -18,10 +18,9 @@ inline constexpr const char* kItemsFile = "config_items.ini";
 PLATFORM_API std::optional<int> ParseInt(const std::string& text);
 
 /// Reads the items of an INI file: lines NAME=VALUE in the section [items]; ';' and '#' start a comment
-/// line. They are added to those there are, the same name replaced. Other sections are
-/// not looked at. A file that cannot be read or understood changes nothing and is reported by the returned
-/// text; empty when all went well. That a value is no integer is no error here: the item just cannot be read
-/// as one.
+/// line. They are added to those there are, the same name replaced. Other sections are not looked at. A file
+/// that cannot be read or understood changes nothing and is reported by the returned text; empty when all
+/// went well. That a value is no integer is no error here: the item just cannot be read as one.
 PLATFORM_API std::string LoadItems(const std::string& file);
 
 /// Sets an item, an existing one included.

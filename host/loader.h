@@ -23,9 +23,10 @@ struct LoadedBundle {
 
 /// What an unload found.
 struct UnloadReport {
-  std::string
-      problem;  ///< what went wrong on the way; empty when nothing did. The bundle is gone all the same.
-  std::string whyMapped;  ///< why the library is still mapped; empty when it is not
+  /// What went wrong on the way; empty when nothing did. The bundle is gone all the same.
+  std::string problem;
+  /// Why the library is still mapped; empty when it is not.
+  std::string whyMapped;
 };
 
 /// Loads bundles through ACE's service configurator, one directive each, and unloads them again.

@@ -1,5 +1,5 @@
 #include <dirent.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <iostream>
@@ -40,7 +40,8 @@ void SetUpConfiguration(const Options& options) {
     throw Failure("configuration directory " + directory + ": " + std::generic_category().message(errno));
   }
   const std::string items = directory + host::kItemsFile;
-  if (access(items.c_str(), F_OK) != 0 && errno == ENOENT) {
+  // Only what is not there at all counts as missing; a link that leads nowhere is a mistake.
+  if (struct stat status{}; lstat(items.c_str(), &status) != 0 && errno == ENOENT) {
     return;
   }
   if (const std::string problem = host::LoadItems(items); !problem.empty()) {

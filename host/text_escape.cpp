@@ -76,15 +76,7 @@ std::string OneLine(std::string_view message) {
     const std::size_t half = kLongest / 2;
     return OneLine(message.substr(0, half)) + "..." + OneLine(message.substr(message.size() - half));
   }
-  std::string out;
-  for (const char c : message) {
-    if (static_cast<unsigned char>(c) < ' ' || c == '\x7f') {
-      AppendEscape(out, c);
-    } else {
-      out += c;
-    }
-  }
-  return out;
+  return EscapeControls(message);
 }
 
 }  // namespace host

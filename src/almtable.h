@@ -31,16 +31,14 @@ bool ComesBefore(const AlarmKey& a, const AlarmKey& b);
 ///
 /// Invariants
 ///  1. A node is written completely before a slot that names it is published, with release; readers load
-///  slots
-///     with acquire. After that only its value number changes.
+///     slots with acquire. After that only its value number changes.
 ///  2. A node never moves and is never freed before the table.
 ///  3. Growth fills a larger slot array beside the old one and publishes it with one store. Old arrays stay
-///  until
-///     the table goes, so a reader that holds one finishes on it; it sees the entries as of that moment.
+///     until the table goes, so a reader that holds one finishes on it; it sees the entries as of that
+///     moment.
 ///  4. A new value for an entry is a new number in its node, published by one atomic exchange. The number
-///  names
-///     an immutable text of the value pool, where equal texts are stored once: loading the same values again,
-///     in whatever turn, takes no memory.
+///     names an immutable text of the value pool, where equal texts are stored once: loading the same values
+///     again, in whatever turn, takes no memory.
 ///  5. There is always a free slot, so every probe ends.
 ///
 /// Threads: one writer at a time calls `Insert`; any number of readers call `Find` and `size` at the same

@@ -11,10 +11,9 @@ namespace NS_ASCII {
 
 /// The one implementation of the interface. What each operation does is said at `AsciiUtilInterface`.
 ///
-/// Invariants: no data members, no state between calls. Operations that use another operation of the
-/// interface
-/// (`GetAlmCfgValue`, `IsKeyValueAboveOne`: `Str2Num`; `ParseListMap` and its entries: `SplitStr`) call it
-/// through the virtual table, so that a derived object is obeyed.
+/// Invariants: no data members, no state between calls. Operations that use another one (`GetAlmCfgValue` and
+/// `IsKeyValueAboveOne`: `Str2Num`; `ParseListMap` and its entries: `SplitStr`) call it through the virtual
+/// table, so that a derived object is obeyed.
 ///
 /// Platform functions (`strtol`, `time`, `gmtime_r`, `sprintf_s`, `NSTE_util`, the case tables, the
 /// configuration items) are called each time, nothing of theirs is kept.

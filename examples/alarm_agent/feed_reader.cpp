@@ -24,12 +24,12 @@ struct stat StatOf(int fd) {
   return status;
 }
 
-int OpenFeed(const std::string& path) {
+int OpenFeed(const std::string& path, const std::string& name) {
   // Opened without waiting: a named pipe that nobody writes to yet must not hold up the process.
   const int fd = path.empty() ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
                               : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) {
-    throw SetupError("the feed \"" + path + "\" cannot be opened: " + ErrorText(errno));
+    throw SetupError("the feed \"" + name + "\" cannot be opened: " + ErrorText(errno));
   }
   return fd;
 }
@@ -44,7 +44,7 @@ void AppendUpTo(std::size_t limit, std::string_view text, FeedLine& line) {
 
 FeedReader::FeedReader(const std::string& path)
     : name_(path.empty() ? "standard input" : path),
-      fd_(OpenFeed(path)),
+      fd_(OpenFeed(path, name_)),
       wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
   if (wake_.get() < 0) {
     throw SetupError("no event counter for the feed: " + ErrorText(errno));

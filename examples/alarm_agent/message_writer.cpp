@@ -14,12 +14,12 @@ namespace {
 
 constexpr mode_t kReadableByAll = 0644;
 
-int OpenOut(const std::string& path) {
+int OpenOut(const std::string& path, const std::string& name) {
   const int fd = path.empty()
                      ? ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0)
                      : ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, kReadableByAll);
   if (fd < 0) {
-    throw SetupError("the message file \"" + path +
+    throw SetupError("the message file \"" + name +
                      "\" cannot be opened: " + std::generic_category().message(errno));
   }
   return fd;
@@ -28,7 +28,7 @@ int OpenOut(const std::string& path) {
 }  // namespace
 
 MessageWriter::MessageWriter(const std::string& path)
-    : name_(path.empty() ? "standard output" : path), fd_(OpenOut(path)) {}
+    : name_(path.empty() ? "standard output" : path), fd_(OpenOut(path, name_)) {}
 
 bool MessageWriter::Write(const std::string& message) {
   const std::string line = message + '\n';

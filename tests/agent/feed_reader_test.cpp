@@ -132,6 +132,14 @@ TEST(FeedReader, AFeedThatDoesNotExistIsRefused) {
             "the feed \"/nowhere/feed.txt\" cannot be opened: No such file or directory");
 }
 
+TEST(FeedReader, AStandardInputThatIsClosedIsRefusedByItsName) {
+  const int input = dup(STDIN_FILENO);
+  close(STDIN_FILENO);
+  EXPECT_EQ(ComplaintAbout(""), "the feed \"standard input\" cannot be opened: Bad file descriptor");
+  dup2(input, STDIN_FILENO);
+  close(input);
+}
+
 TEST(FeedReader, ADirectoryIsRefused) {
   const TempDir dir;
   EXPECT_EQ(ComplaintAbout(dir / "."),

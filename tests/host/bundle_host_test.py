@@ -154,6 +154,11 @@ class Options(HostTest):
         os.remove(self.config + "/config_items.ini")
         os.mkfifo(self.config + "/config_items.ini")
         self.assert_fails(self.loaded("items"), 1, "config_items.ini: is no regular file")
+        os.remove(self.config + "/config_items.ini")
+        os.symlink("nowhere", self.config + "/config_items.ini")
+        self.assert_fails(self.loaded("items"), 1, "config_items.ini: cannot be opened: No such file or directory")
+        os.remove(self.config + "/config_items.ini")
+        self.assertEqual(self.loaded("items").stdout, "ITEM  VALUE  READABLE\n")
 
     def test_the_log_goes_to_the_file_and_respects_the_level(self):
         log = os.path.join(self.dir, "log")
