@@ -184,9 +184,12 @@ void ReadEscape(std::string_view escape, unsigned char& byte) {
   }
 }
 
-/// Decodes a run of bytes without a '%'; returns false, having done nothing, if there is one among them.
+/// What a byte that is no '%' stands for.
+constexpr char Unescaped(char c) { return c == '+' ? ' ' : c; }
+
+/// Decodes a run of bytes without a '%'; does nothing when there are some among them, and returns how many.
 /// `out` may lie at `in` or before it.
-bool DecodeRun(const char* in, char* out) {
+std::size_t DecodeRun(const char* in, char* out) {
   std::array<char, kRun> run;
   std::memcpy(run.data(), in, kRun);
   unsigned char percents = 0;
@@ -194,14 +197,19 @@ bool DecodeRun(const char* in, char* out) {
     percents = static_cast<unsigned char>(percents + (c == '%'));
   }
   if (percents != 0) {
-    return false;
+    return percents;
   }
   for (char& c : run) {
-    c = c == '+' ? ' ' : c;
+    c = Unescaped(c);
   }
   std::memcpy(out, run.data(), kRun);
-  return true;
+  return 0;
 }
+
+/// A run with so many percents is the start of text in which looking for runs without any does not pay, and
+/// this much of it is decoded byte by byte before the next look.
+constexpr std::size_t kManyPercents = 3;
+constexpr std::size_t kEscapedStretch = 16 * kRun;
 
 /// How far the decoder is, and the byte that the last escape stood for.
 struct Decoder {
@@ -223,31 +231,42 @@ Decoder DecodeEscape(Decoder at, const char* textEnd) {
   return {at.in + 1 + escape.size(), at.out + 1, at.byte};
 }
 
-/// Decodes at least the bytes before `stop`, in a text that ends at `textEnd`.
-Decoder DecodeBytes(Decoder at, const char* stop, const char* textEnd) {
+/// Decodes the bytes before `stop`, or as far as an escape that is not two digits. At least two bytes follow
+/// `stop`, so that no escape needs a look at the end of the text.
+inline Decoder DecodeWellFormed(Decoder at, const char* stop) {
   auto [in, out, byte] = at;
   while (in < stop) {
     if (*in != '%') {
-      *out++ = *in == '+' ? ' ' : *in;
-      ++in;
+      *out++ = Unescaped(*in++);
       continue;
     }
-    // Two digits follow in every well-formed text.
-    const bool enough = textEnd - in >= 3;
-    const unsigned first = kMeanings[static_cast<unsigned char>(enough ? in[1] : '%')];
-    const unsigned second = kMeanings[static_cast<unsigned char>(enough ? in[2] : '%')];
-    if ((first | second) <= kDigit15) {
-      byte = static_cast<unsigned char>(first << 4 | second);
-      *out++ = static_cast<char>(byte);
-      in += 3;
-    } else {
-      const Decoder behind = DecodeEscape({in, out, byte}, textEnd);
-      in = behind.in;
-      out = behind.out;
-      byte = behind.byte;
+    const unsigned first = kMeanings[static_cast<unsigned char>(in[1])];
+    const unsigned second = kMeanings[static_cast<unsigned char>(in[2])];
+    if ((first | second) > kDigit15) {
+      break;
     }
+    byte = static_cast<unsigned char>(first << 4 | second);
+    *out++ = static_cast<char>(byte);
+    in += 3;
   }
   return {in, out, byte};
+}
+
+/// Decodes at least the bytes before `stop`, in a text that ends at `textEnd`.
+Decoder DecodeBytes(Decoder at, const char* stop, const char* textEnd) {
+  const char* const wellFormedStop = std::min(stop, textEnd - std::min(textEnd - at.in, std::ptrdiff_t{2}));
+  while (at.in < stop) {
+    at = DecodeWellFormed(at, wellFormedStop);
+    if (at.in >= stop) {
+      break;
+    }
+    if (*at.in == '%') {
+      at = DecodeEscape(at, textEnd);
+    } else {
+      *at.out++ = Unescaped(*at.in++);
+    }
+  }
+  return at;
 }
 
 std::string Convert(const std::string& text) {
@@ -282,11 +301,12 @@ std::string GetURLDecoding(std::string text) {
   const char* const end = at.in + text.size();
   while (at.in != end) {
     const std::size_t left = static_cast<std::size_t>(end - at.in);
-    if (left >= kRun && DecodeRun(at.in, at.out)) {
+    const std::size_t percents = left < kRun ? 1 : DecodeRun(at.in, at.out);
+    if (percents == 0) {
       at.in += kRun;
       at.out += kRun;
     } else {
-      at = DecodeBytes(at, at.in + std::min(left, kRun), end);
+      at = DecodeBytes(at, at.in + std::min(left, percents < kManyPercents ? kRun : kEscapedStretch), end);
     }
   }
   text.resize(static_cast<std::size_t>(at.out - text.data()));

@@ -5,6 +5,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Random input for tests that compare with the literal rules. Seeds are fixed, so a failure comes back;
 /// the environment variable ASCII_UTIL_TRIALS multiplies the number of trials for a longer search.
@@ -28,6 +29,17 @@ class RandomText {
     std::string text(Below(longest + 1), '\0');
     for (char& c : text) {
       c = alphabet[Below(alphabet.size())];
+    }
+    return text;
+  }
+
+  /// Up to `mostStretches` stretches of up to `longest` characters, each stretch over one of the `alphabets`:
+  /// a text that is of one kind for a while, and then of another.
+  std::string Patchwork(const std::vector<std::string_view>& alphabets, std::size_t mostStretches,
+                        std::size_t longest) {
+    std::string text;
+    for (std::size_t left = Below(mostStretches + 1); left > 0; --left) {
+      text += Of(alphabets[Below(alphabets.size())], longest);
     }
     return text;
   }

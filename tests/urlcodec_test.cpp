@@ -167,6 +167,18 @@ TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnLongTextsWithFewEscapes) {
   }
 }
 
+// Texts are worked on in runs and blocks, whose ends must not show.
+TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnLongTexts) {
+  framework.SetRecording(false);
+  framework.convert = recording::CopyThrough;
+  testing_text::RandomText random(48);
+  for (int trial = 0; trial < testing_text::Trials(100); ++trial) {
+    const std::string text =
+        random.Patchwork({"abcXYZ019-._* ", "\r\n", "\n", "/\xA5\x01", "ab\r\n\xAF /"}, 8, 500);
+    ASSERT_EQ(GetURLEncoding(text), literal::EncodeLatin1(text)) << recording::Quoted(text);
+  }
+}
+
 TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnEveryByteWhereverItStandsInAPlainText) {
   framework.SetRecording(false);
   framework.convert = recording::CopyThrough;
@@ -318,6 +330,15 @@ TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleOnLongTextsWithFewEscapes) {
     for (std::size_t runs = random.Below(5); runs > 0; --runs) {
       text += random.Of(plain, 150) + random.Of("%%0f4-+ ", 4);
     }
+    ASSERT_EQ(GetURLDecoding(text), literal::GetURLDecoding(text)) << recording::Quoted(text);
+  }
+}
+
+TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleOnLongTexts) {
+  testing_text::RandomText random(49);
+  for (int trial = 0; trial < testing_text::Trials(300); ++trial) {
+    const std::string text =
+        random.Patchwork({"abcXYZ019-._*+", "%", "%0a", "ab+%4", "%+ -0123afx"}, 12, 700);
     ASSERT_EQ(GetURLDecoding(text), literal::GetURLDecoding(text)) << recording::Quoted(text);
   }
 }
