@@ -64,7 +64,7 @@ struct Progress {
 };
 
 /// Encodes the CR or LF at `at.in`, whose code may depend on the byte behind it and stand for that as well.
-Progress EncodeLineEnd(Progress at, const char* textEnd) {
+inline Progress EncodeLineEnd(Progress at, const char* textEnd) {
   const bool last = at.in + 1 == textEnd;
   const ByteCode next = last ? ByteCode{} : CodeOf(at.in[1]);
   const bool beforeEscape = next.text[0] == '%';
@@ -105,7 +105,7 @@ void EncodeRun(const char* in, char* out) {
   }
 }
 
-Progress EncodeBytes(Progress at, const char* end, const char* textEnd) {
+inline Progress EncodeBytes(Progress at, const char* end, const char* textEnd) {
   while (at.in < end) {
     if (*at.in == '\n' || *at.in == '\r') {
       at = EncodeLineEnd(at, textEnd);
@@ -288,9 +288,16 @@ std::string GetURLEncoding(std::string text) {
   const char* const end = latin.data() + latin.size();
   std::array<char, kEncoderBuffer> buffer;
   text.clear();  // Its memory serves for the result, as far as it goes.
-  for (Progress at{latin.data(), nullptr}; at.in != end;) {
-    at = EncodeBlock({at.in, buffer.data()}, end);
-    text.append(buffer.data(), static_cast<std::size_t>(at.out - buffer.data()));
+  for (const char* in = latin.data(); in != end;) {
+    const Progress behind = EncodeBlock({in, buffer.data()}, end);
+    const auto length = static_cast<std::size_t>(behind.out - buffer.data());
+    if (text.capacity() - text.size() < length) {
+      // One allocation, as a rule: the rest is taken to become longer by as much as this block did.
+      const auto rest = static_cast<std::size_t>(end - behind.in);
+      text.reserve(text.size() + length + rest * length / static_cast<std::size_t>(behind.in - in));
+    }
+    text.append(buffer.data(), length);
+    in = behind.in;
   }
   return text;
 }
