@@ -25,23 +25,39 @@ constexpr char kValueSeparator = '=';
 
 bool StartsWithText(std::string_view text) { return !text.empty() && text.front() != '\0'; }
 
+/// How many characters are looked through at a time for the start of a pair.
+constexpr std::size_t kPairBlock = 32;
+
+/// Whether one of the characters at `block` is `first` and has a separator or blank before it, as the first
+/// character of a pair has. A loop of constant length without exits becomes a few vector instructions, and a
+/// count is the form in which compilers see that.
+bool MayStartPair(const char* block, char first) {
+  unsigned char starts = 0;
+  for (std::size_t i = 0; i < kPairBlock; ++i) {
+    const char before = block[static_cast<std::ptrdiff_t>(i) - 1];
+    starts = static_cast<unsigned char>(starts +
+                                        ((static_cast<unsigned char>(before) <= ',') & (block[i] == first)));
+  }
+  return starts != 0;
+}
+
 /// Whether the trimmed pair that `pos` lies in starts there.
 bool StartsPair(std::string_view text, std::size_t pos) {
-  const std::string_view before = TrimRightView(text.substr(0, pos));
-  return before.empty() || before.back() == kPairSeparator;
+  while (pos > 0 && IsBlank(text[pos - 1])) {
+    --pos;
+  }
+  return pos == 0 || text[pos - 1] == kPairSeparator;
 }
+
+/// Whether a key ends here: at a separator, as none holds one, or at a NUL, as keys are compared up to there.
+constexpr bool EndsKey(char c) { return c == '\0' || c == kPairSeparator || c == kValueSeparator; }
 
 /// The key to look for: `text` up to its first NUL. Empty when no pair can have it, as a pair's key holds
 /// neither separator and starts with no blank.
 std::string_view KeyIn(std::string_view text) {
-  std::size_t size = 0;
-  while (size != text.size() && text[size] != '\0') {
-    if (text[size] == kPairSeparator || text[size] == kValueSeparator) {
-      return {};
-    }
-    ++size;
-  }
-  return size == 0 || IsBlank(text.front()) ? std::string_view() : text.substr(0, size);
+  const auto* const end = std::find_if(text.begin(), text.end(), EndsKey);
+  const bool impossible = end == text.begin() || IsBlank(text.front()) || (end != text.end() && *end != '\0');
+  return text.substr(0, impossible ? 0 : static_cast<std::size_t>(end - text.begin()));
 }
 
 /// Where the value starts if a pair with `key` starts at `pos`; else npos.
@@ -63,15 +79,18 @@ std::string_view FindValue(const std::string& keyText, std::string_view text) {
   if (key.empty()) {
     return {};
   }
-  // From one occurrence of the key's first character to the next: most pairs are passed without a look at
-  // them.
-  for (std::size_t pos = text.find(key.front()); pos != std::string_view::npos;
-       pos = text.find(key.front(), pos + 1)) {
+  std::size_t pos = text.find(key.front());
+  while (pos != std::string_view::npos) {
     if (const std::size_t start = ValueStart(text, key, pos); start != std::string_view::npos) {
       const std::string_view rest = text.substr(start);
       const std::string_view value = TrimRightView(rest.substr(0, rest.find(kPairSeparator)));
       return StartsWithText(value) ? value : TrimRightView(rest);
     }
+    ++pos;
+    while (text.size() - pos >= kPairBlock && !MayStartPair(text.data() + pos, key.front())) {
+      pos += kPairBlock;
+    }
+    pos = text.find(key.front(), pos);
   }
   return {};
 }
