@@ -92,6 +92,19 @@ TEST_F(GetKeyValue, AgreesWithTheLiteralRuleOnEveryShortText) {
   });
 }
 
+// Long texts are searched in blocks, whose ends must not show; pairs with the key start after every kind of
+// blank and separator, at every place of a block.
+TEST_F(GetKeyValue, AgreesWithTheLiteralRuleOnLongTexts) {
+  testing_text::RandomText random(48);
+  for (int trial = 0; trial < testing_text::Trials(20000); ++trial) {
+    const std::string text = random.Patchwork({"xyAB", "xA=1", "xB=2 ", ", \t\n\r", {",=\0", 3}}, 8, 40) +
+                             random.Of(", \t\n\r-", 1) + random.Of("AB", 2) +
+                             random.Patchwork({"=", "=9,x", "xA "}, 3, 20);
+    const std::string key = random.Of("ABx", 2);
+    ASSERT_EQ(impl.GetKeyValue(key, text), literal::GetKeyValue(key, text)) << recording::Quoted(text);
+  }
+}
+
 TEST_F(IsKeyValueAboveOne, ReadsTheNumberThatTheValueStartsWith) {
   EXPECT_TRUE(impl.IsKeyValueAboveOne("N", "N=2"));
   EXPECT_FALSE(impl.IsKeyValueAboveOne("N", "N=1"));
