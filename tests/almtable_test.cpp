@@ -258,7 +258,6 @@ TEST(AlarmTable, AgreesWithTheLiteralStore) {
 }
 
 // --- One writer, many readers
-// --------------------------------------------------------------------------------
 
 /// Runs `read` again and again on several threads while `write` runs on this one.
 template <class Write, class Read>

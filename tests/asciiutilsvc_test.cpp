@@ -106,7 +106,6 @@ class Exterminator : public ServiceTest {};
 class ServiceObject : public ServiceTest {};
 
 // --- The factory
-// ---------------------------------------------------------------------------------------------
 
 TEST_F(MakeIiAsciiUtil, PublishesTheInterfaceBeforeInit) {
   const auto object = Make();
@@ -154,7 +153,6 @@ TEST_F(MakeIiAsciiUtil, LetsAFailedRegistrationOutAndLeavesNoObject) {
 }
 
 // --- init
-// ----------------------------------------------------------------------------------------------------
 
 TEST_F(Init, FailsWithoutAConfigurationDirectory) {
   const auto object = Make();
@@ -275,7 +273,6 @@ TEST_F(Init, LetsWhatTheLoggerThrowsOut) {
 }
 
 // --- fini, the exterminator, the rest
-// --------------------------------------------------------------------------
 
 TEST_F(Fini, AnswersZeroWhetherInitRanOrNot) {
   const auto object = Make();

@@ -88,7 +88,6 @@ class FetchInterfaceSearch : public FetchInterfaceTest {};
 class FetchInterfaceDeath : public FetchInterfaceTest {};
 
 // --- A filled buffer
-// -----------------------------------------------------------------------------------------
 
 TEST_F(FetchInterfaceFast, ReturnsTheFirstElementWithoutAskingTheBundleManager) {
   LogService one;
@@ -128,7 +127,6 @@ TEST_F(FetchInterfaceFast, TakesAnElementOfAnotherTypeForAMissingInterface) {
 }
 
 // --- The search
-// ----------------------------------------------------------------------------------------------
 
 TEST_F(FetchInterfaceSearch, ReturnsAMatchWithoutABufferAndCachesNothing) {
   ServiceObject* const object = NewLogObject();
@@ -306,7 +304,6 @@ TEST_F(FetchInterfaceSearch, AnswersSeveralThreadsAtOnce) {
 }
 
 // --- Other exceptions
-// ----------------------------------------------------------------------------------------
 
 [[noreturn]] void SayGoodbye() {
   std::fputs("handler called\n", stderr);
@@ -364,7 +361,6 @@ TEST_F(FetchInterfaceSearch, LetsAnAnnouncedExceptionOfTheBundleManagerOut) {
 }
 
 // --- The null interface
-// --------------------------------------------------------------------------------------
 
 TEST(NullServiceInterface, SaysThatItIsNone) {
   NULLServiceInterface none;

@@ -48,7 +48,6 @@ std::string SearchValue(const std::string& key, const std::string& text) {
 }  // namespace
 
 // --- Trim, case conversion, numbers
-// --------------------------------------------------------------------------
 
 std::string TrimLeft(const std::string& text) {
   std::string copy = text;
@@ -113,7 +112,6 @@ std::string Num2Str(int number) {
 }
 
 // --- The interface's operations
-// ------------------------------------------------------------------------------
 
 bool Str2Num(const std::string& text, int& value, int base) {
   const char* const start = text.c_str();
@@ -224,7 +222,6 @@ std::int64_t GetMapList(const ListMap& map, const std::string& name, std::vector
 }
 
 // --- Percent encoding
-// ----------------------------------------------------------------------------------------
 
 void ReplaceAll(std::string& text, const std::string& pattern, const std::string& replacement) {
   while (text.find(pattern) != std::string::npos) {
@@ -302,7 +299,6 @@ std::string SetURLDecoding(const std::string& text) {
 }
 
 // --- The alarm configuration
-// -----------------------------------------------------------------------------------
 
 bool ComesBefore::operator()(const Record& a, const Record& b) const {
   if (a.key1 != b.key1) {

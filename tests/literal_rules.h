@@ -17,7 +17,6 @@
 namespace literal {
 
 // --- Trim, case conversion, numbers
-// --------------------------------------------------------------------------
 
 std::string TrimLeft(const std::string& text);
 std::string TrimRight(const std::string& text);
@@ -27,7 +26,6 @@ std::string StrToLower(std::string text);
 std::string Num2Str(int number);
 
 // --- The interface's operations
-// ------------------------------------------------------------------------------
 
 using ListMap = std::map<std::string, std::vector<std::string>>;
 
@@ -47,7 +45,6 @@ std::int64_t SplitStr(const std::string& text, const std::string& separator,
 void ParseListEntry(const std::string& entry, std::string& name, std::vector<std::string>& items);
 
 // --- Percent encoding
-// ----------------------------------------------------------------------------------------
 
 /// Replaces the pattern as long as the text holds it, from the beginning every time.
 void ReplaceAll(std::string& text, const std::string& pattern, const std::string& replacement);
@@ -59,7 +56,6 @@ std::string SetURLDecoding(const std::string& text);
 void ExtractHex(const std::string& escape, int& value);
 
 // --- The alarm configuration
-// -----------------------------------------------------------------------------------
 
 /// One entry, in the order in which it is declared: column 4 before column 3.
 struct Record {

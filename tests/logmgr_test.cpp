@@ -92,7 +92,6 @@ void OnAnotherThread(Work work) {
 }
 
 // --- Instance, LogPos, Release
-// -------------------------------------------------------------------------------
 
 TEST_F(LogMgrTest, ObtainsALoggerOfItsOwnWhenItIsMade) {
   LogMgr* const manager = LogMgr::Instance();
@@ -213,7 +212,6 @@ TEST_F(LogMgrTest, ReleaseGivesTheThreadKeyBack) {
 }
 
 // --- The records
-// ---------------------------------------------------------------------------------------------
 
 TEST_F(PosStorageTest, MakesAnEmptyRecordAndKeepsIt) {
   PosStorage storage;
@@ -301,7 +299,6 @@ TEST_F(PosStorageTest, HasNoRecordWithoutAThreadKeyAndTriesAgain) {
 }
 
 // --- The report of a failed thread slot
-// ----------------------------------------------------------------------
 
 /// What this thread tells ACE's error log while it lives.
 class AceLog : public ACE_Log_Msg_Callback {

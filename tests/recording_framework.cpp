@@ -223,7 +223,6 @@ NS_LOG_SERVICE1::Logger* LogService::GetLogger(const std::string& bundle, const 
 }
 
 // --- Bundles, mutex, converters
-// -----------------------------------------------------------------------------
 
 void Bundle::GetServiceObjects(std::map<std::string, NS_BUNDLEMGR1::ServiceObjectBase*>& found) {
   Framework::Instance().Called("GetServiceObjects", name);
@@ -257,7 +256,6 @@ int CopyThrough(const std::string& /*from*/, const std::string& /*to*/, const st
 }  // namespace recording
 
 // --- What framework/ declares
-// --------------------------------------------------------------------------------
 
 using recording::Framework;
 

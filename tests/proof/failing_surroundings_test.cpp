@@ -81,7 +81,6 @@ class AceErrorLog : private ACE_Log_Msg_Callback {
 };
 
 // --- Locks
-// ------------------------------------------------------------------------------------------------------
 
 TEST_F(FailingSurroundings, AGlobalLockThatFailsDoesNotStopTheNullInterfaceNorTheMessage) {
   const Failing fault(Fault::kGlobalLock);
@@ -130,7 +129,6 @@ TEST_F(FailingSurroundings, AStaticObjectLockThatFailsKeepsTheLogManagerFromItsR
 }
 
 // --- Thread-specific storage
-// ----------------------------------------------------------------------------------------
 
 TEST_F(FailingSurroundings, AStorageLockThatFailsDropsTheDebugMessage) {
   {
@@ -199,7 +197,6 @@ TEST_F(FailingSurroundings, AThreadSlotThatCannotBeStoredGoesUnreportedWhenThere
 }
 
 // --- Clock, formatter, converter
-// ------------------------------------------------------------------------------------
 
 TEST_F(FailingSurroundings, ATimeThatCannotBeBrokenDownIsAnEmptyStampWithoutAMessage) {
   const Failing fault(Fault::kTimeBreakDown);
@@ -257,7 +254,6 @@ TEST_F(FailingSurroundings, AConverterThatLeavesNothingMakesAnEmptyResult) {
 }
 
 // --- Log service
-// ----------------------------------------------------------------------------------------------------
 
 TEST_F(FailingSurroundings, WithoutALogServiceEveryResultIsTheSame) {
   framework.Unregister("LogSvcInterface");

@@ -106,7 +106,6 @@ void Free(void* memory) noexcept {
 }  // namespace faults
 
 // --- Memory
-// ----------------------------------------------------------------------------------------------------
 
 void* operator new(std::size_t bytes) {
   void* const memory = faults::Allocate(bytes);
@@ -130,7 +129,6 @@ void operator delete(void* memory, const std::nothrow_t& /*tag*/) noexcept { fau
 void operator delete[](void* memory, const std::nothrow_t& /*tag*/) noexcept { faults::Free(memory); }
 
 // --- Wrapped functions: __real_X is the function, __wrap_X what the bundle's objects call in its place
-// -----------
 
 using faults::Fault;
 

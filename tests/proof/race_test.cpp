@@ -106,7 +106,6 @@ TEST_F(Races, EverythingFirstUsedAtOnce) {
 }
 
 // --- Reload
-// -------------------------------------------------------------------------------------------------------
 
 constexpr int kRounds = 60;
 constexpr int kKeys = 40;

@@ -46,7 +46,6 @@ void Expect(bool holds, const std::string& what) {
 }
 
 // --- The log service: counts
-// --------------------------------------------------------------------------------------
 
 std::atomic<int> logged{0};
 
@@ -77,7 +76,6 @@ class CountingService : public NS_LOG_SERVICE1::LogSvcInterface {
 CountingService logService;
 
 // --- The bundle
-// -----------------------------------------------------------------------------------------------------
 
 class Loaded {
  public:
@@ -133,7 +131,6 @@ class Loaded {
 };
 
 // --- What the process holds
-// ---------------------------------------------------------------------------------------
 
 int MappingsOfBundle() {
   std::ifstream maps("/proc/self/maps");
@@ -177,7 +174,6 @@ int FreeThreadKeys() {
 std::size_t AllocatedBytes() { return mallinfo2().uordblks; }
 
 // --- Scenarios
-// ------------------------------------------------------------------------------------------------------
 
 /// A thread that does what it is told, step by step.
 class SteppedThread {
