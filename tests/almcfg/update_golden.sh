@@ -1,10 +1,17 @@
 #!/usr/bin/env bash
 # Writes down what the built checker says about each broken example. Look at the difference before you commit it.
 #
-#   tests/almcfg/update_golden.sh ALMCFG
+#   tests/almcfg/update_golden.sh [--help] ALMCFG
+#
+# ALMCFG is the program, such as build/release/tools/almcfg/almcfg.
 set -euo pipefail
 
-[ $# -eq 1 ] || { sed -n '2,4s/^# \{0,1\}//p' "$0" >&2; exit 2; }
+usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+
+case "${1:-}" in
+  --help) usage; exit 0 ;;
+esac
+[ $# -eq 1 ] || { usage >&2; exit 2; }
 almcfg=$(realpath "$1")
 cd "$(dirname "$0")/../.."
 for example in examples/broken/*.csv; do
