@@ -78,8 +78,8 @@ T* InterfaceOf(ServiceObjectBase* object) {
 
 /// Searches `bundles` in order. The first match goes into an empty buffer and the search goes on; a match
 /// that cannot be cached, because there is no buffer or it is filled by now, is returned at once. So with
-/// two matches and an empty buffer the first is cached and the second returned. Callers rely on neither
-/// being the other; it is kept as it is. Null when nothing was returned at once.
+/// two matches and an empty buffer the first is cached and the second returned, which is kept as it is. Null
+/// when nothing was returned at once.
 template <class T>
 T* Search(const std::list<Bundle*>& bundles, const std::string& serviceName,
           std::vector<ServiceInterface*>* buffer) {
@@ -102,7 +102,7 @@ template <class T>
 T* Fetch(InterfaceRef& ref, std::vector<ServiceInterface*>* out) {
   if (IsFilled(ref.buffer)) {
     CopyTo(out, *ref.buffer);
-    // `out` may be the buffer itself, so it is asked again.
+    // Asked again, since no lock keeps the buffer as it was.
     if (IsFilled(ref.buffer)) return FirstOf<T>(*ref.buffer);
   }
   const std::list<Bundle*> bundles = BundlesToSearch(ref.bundleName);
@@ -147,7 +147,9 @@ T* Fetch(InterfaceRef& ref, std::vector<ServiceInterface*>* out) {
 ///
 /// Throws `InterfaceNotExistException` when there is no such interface, and nothing else: any other
 /// exception on the way ends the process through the unexpected-exception handler.
-/// Threads: any, at the same time; at most one of several first lookups fills an empty buffer.
+/// Threads: any, at the same time; at most one of several first lookups fills an empty buffer. The others
+/// look at the buffer without the lock meanwhile, so a platform whose first lookups may meet should hand out
+/// null instead of an empty buffer.
 template <class T>
 T* FetchInterface(InterfaceRef& ref, std::vector<ServiceInterface*>* out = nullptr) {
   try {

@@ -82,6 +82,7 @@ class Backend : public ACE_Log_Msg_Backend {
 
   /// The file to write to, now owned here, and its name; null for standard error.
   void SetFile(std::FILE* file, const std::string& name) {
+    const std::lock_guard<std::mutex> guard(lock_);
     if (file_ != nullptr) {
       static_cast<void>(std::fclose(file_));
     }
@@ -90,10 +91,16 @@ class Backend : public ACE_Log_Msg_Backend {
     hasGivenUp_ = false;
   }
 
-  bool HasFile() const { return file_ != nullptr; }
+  bool HasFile() const {
+    const std::lock_guard<std::mutex> guard(lock_);
+    return file_ != nullptr;
+  }
 
   /// Whether the file could not be written to at some time; standard error has taken its place since.
-  bool HasGivenUp() const { return hasGivenUp_; }
+  bool HasGivenUp() const {
+    const std::lock_guard<std::mutex> guard(lock_);
+    return hasGivenUp_;
+  }
 
  private:
   static bool WriteTo(std::FILE* out, const std::string& line) {
@@ -101,6 +108,7 @@ class Backend : public ACE_Log_Msg_Backend {
   }
 
   void Write(const std::string& line) {
+    const std::lock_guard<std::mutex> guard(lock_);
     if (file_ != nullptr && !hasGivenUp_) {
       if (WriteTo(file_, line)) {
         return;
@@ -113,9 +121,11 @@ class Backend : public ACE_Log_Msg_Backend {
     WriteTo(stderr, line);
   }
 
+  // A thread may log while the output changes, and asks for the file before it has ACE's lock.
+  mutable std::mutex lock_;
   std::FILE* file_ = nullptr;
   std::string name_;
-  std::atomic<bool> hasGivenUp_ = false;
+  bool hasGivenUp_ = false;
 };
 
 Backend& TheBackend() {

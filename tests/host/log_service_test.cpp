@@ -6,6 +6,7 @@
 
 #include <ace/Log_Msg.h>
 
+#include <atomic>
 #include <cstdio>
 #include <fstream>
 #include <memory>
@@ -119,6 +120,20 @@ TEST_F(LogToFile, LinesOfSeveralThreadsAllArriveWhole) {
   for (std::string line; std::getline(lines, line); ++count)
     EXPECT_THAT(line, testing::EndsWith("f: 0123456789"));
   EXPECT_EQ(count, 1000);
+}
+
+TEST_F(LogToFile, RecordsMayComeWhileTheOutputChanges) {
+  const host::LogCapture capture(false);  // For each record it is asked whether there is a file.
+  std::atomic<bool> done{false};
+  std::thread thread([&] {
+    while (!done) logger_->Log("unit", "f", 1, 1, "whenever");
+  });
+  for (int i = 0; i < 200; ++i) {
+    const host::LogOutput output(file_);
+    EXPECT_TRUE(output.IsComplete());
+  }
+  done = true;
+  thread.join();
 }
 
 TEST_F(LogToFile, AFileThatCannotBeOpenedIsReported) {
