@@ -12,6 +12,12 @@ def next_number(match):
     return f"{int(digits.replace(chr(39), '')) + 1}{suffix}"
 
 
+def number_before(match):
+    digits, suffix = match.group(1), match.group(2)
+    number = int(digits.replace(chr(39), ""), 0)
+    return f"{number - 1}{suffix}" if number > 0 else match.group()
+
+
 def next_character(match):
     return f"'{chr(ord(match.group(1)) + 1)}'"
 
@@ -31,6 +37,7 @@ RULES = [
     ("logic", r"\b(if|while) \((\w[\w.>:-]*(?:\([\w.]*\))?)\)(?= \{$)", r"\1 (!(\2))"),
     ("logic", r"\? ([^?:;]+) : ([^?:;,]+)(?=;$)", r"? \2 : \1"),
     ("constant", r"(?<![\w.'])(0x[0-9A-Fa-f]+|\d[\d']*)([uU]?)(?![\w.'])", next_number),
+    ("constant", r"(?<![\w.'])(0x[0-9A-Fa-f]+|\d[\d']*)([uU]?)(?![\w.'])", number_before),
     ("constant", r"\btrue\b", "false"), ("constant", r"\bfalse\b", "true"),
     ("character", r"'([^'\\])'", next_character), ("character", r"'(\\[tnrvf0])'", "'~'"),
     ("arguments", r"(?<=\()([\w.]+), ([\w.]+)(?=[,)])", r"\2, \1"),
@@ -49,6 +56,9 @@ ORDER_RULES = [("order", r"memory_order_(release|acquire|acq_rel)\b", "memory_or
 LITERAL = re.compile(r'"(?:[^"\\]|\\.)*"|\'(?:[^\'\\]|\\.)*\'')
 IN_LITERALS = ("text", "character")
 
+# A name with something before it, at the margin or in a class.
+FUNCTION_HEAD = re.compile(r"(?:  )?(?!return|else|static_cast)[\w\[][^=;()]*[ *&:]([\w~]+)\(")
+
 
 @dataclasses.dataclass
 class Mutant:
@@ -58,17 +68,19 @@ class Mutant:
     what: str
     old: list
     new: list
+    function: str = ""  # the function that it is in
 
     def key(self):
-        """What it is, wherever in the file it stands."""
-        return str(self.path), " ".join(line.strip() for line in self.old), " ".join(line.strip() for line in self.new).strip()
+        """What it is, on whatever line of its function it stands."""
+        old, new = (" ".join(line.strip() for line in lines) for lines in (self.old, self.new))
+        return f"{self.path} {self.function}".strip(), old, new
 
     def name(self):
         return f"{self.path}:{self.number + 1}: {self.key()[2]}"
 
     def __str__(self):
-        _, old, new = self.key()
-        return f"{self.path}:{self.number + 1}: {self.what}: {old}  ->  {new}"
+        place, old, new = self.key()
+        return f"{self.path}:{self.number + 1}: {self.what}: {place}: {old}  ->  {new}"
 
     def applied_to(self, text):
         lines = text.split("\n")
@@ -119,14 +131,23 @@ def of_statement(path, number, lines):
 
 def of_file(root, path, rules):
     lines = (root / path).read_text(encoding="utf-8").split("\n")
+    function, end = "", "}"
     for number, line in enumerate(lines):
         code = without_comment(line).strip()
+        if head := FUNCTION_HEAD.match(line):
+            function = head.group(1) if not code.endswith(";") else ""
+            end = line[:len(line) - len(line.lstrip())] + "}"
+        elif line == end:
+            function = ""
         # Declarations without a body have nothing to change.
         if not code or code.startswith(("#", "using ", "namespace ", "template ")) or code.endswith(("= default;", "= delete;")):
             continue
-        yield from of_line(path, number, line, rules)
+        found = [*of_line(path, number, line, rules)]
         if rules is RULES and not without_comment(line).endswith((";", "{", "}")):
-            yield from of_statement(path, number, lines)
+            found += of_statement(path, number, lines)
+        for mutant in found:
+            mutant.function = function
+        yield from found
 
 
 def possible(root, units, rules):
@@ -140,7 +161,7 @@ def possible(root, units, rules):
 
 
 def read_explained(path):
-    """The changes that are known to change nothing. An entry is four lines: file, old, new, reason; then an empty line."""
+    """The changes that are known to change nothing. Four lines each: file and function, old, new, reason; then an empty one."""
     explained = set()
     if path.exists():
         text = "\n".join(line for line in path.read_text(encoding="utf-8").splitlines() if not line.startswith("#"))

@@ -76,6 +76,11 @@ TEST(AlarmArena, ThrowsWhenAPieceFitsNoChunkAndIsThenUnchanged) {
   EXPECT_EQ(arena.Allocate(4), 2U);
 }
 
+TEST(AlarmArena, HasANumberOf32BitsForEveryUnitOfItsChunks) {
+  EXPECT_LE(AlarmArena::FirstOf(AlarmArena::kChunks), std::uint64_t{1} << 32);
+  EXPECT_GT(AlarmArena::FirstOf(AlarmArena::kChunks + 1), std::uint64_t{1} << 32);
+}
+
 // Filling it would take 16 GiB, so the place where the next piece goes is moved by hand.
 TEST(AlarmArena, ThrowsWhenItsNumbersHaveRunOut) {
   constexpr std::uint64_t kEnd = (std::uint64_t{1} << 32) - 4096;

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "src/almhash.h"
+#include "tests/handover.h"
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
 
@@ -223,13 +224,17 @@ TEST(AlarmTable, TakesNoMemoryForValuesItHasSeenBefore) {
   EXPECT_EQ(table.size(), 1000U);
 }
 
+TEST(AlarmTable, TakesTwentyBytesForAnEntryBesideItsTexts) { EXPECT_EQ(sizeof(AlarmTable::Node), 20U); }
+
 TEST(AlarmTable, ReportsTheMemoryOfOldSlotArraysToo) {
   AlarmTable table;
   table.Insert({"0", "", "", ""}, "");
   const std::size_t first = table.ReservedBytes();
-  for (int i = 1; i <= 48; ++i) {  // The 49th entry no longer fits three quarters of 64 slots.
+  for (int i = 1; i < 48; ++i) {
     table.Insert({std::to_string(i), "", "", ""}, "");
   }
+  EXPECT_EQ(table.ReservedBytes(), first);
+  table.Insert({"48", "", "", ""}, "");  // The 49th entry no longer fits three quarters of 64 slots.
   EXPECT_EQ(table.ReservedBytes(), first + 128 * 8);
 }
 
@@ -345,6 +350,43 @@ TEST(AlarmTableUnderReaders, AnswersAnOlderValueOrTheNewestAndNeverGoesBack) {
         }
       });
   EXPECT_EQ(wrong.load(), 0);
+}
+
+// Each step publishes in another way: the slots, an entry, more slots, a value.
+TEST(AlarmTableUnderReaders, ShowsWhatIsInsertedWholeToAThreadThatIsToldNothing) {
+  AlarmTable found;
+  AlarmTable visited;
+  struct Step {
+    std::size_t count;
+    std::string value;
+  };
+  for (const Step& step :
+       {Step{1, "v"}, Step{2, "v"}, Step{100, "v"}, Step{100, "a value never seen before"}}) {
+    const auto insertInto = [&step](AlarmTable& table) {
+      for (std::size_t i = 0; i < step.count; ++i) {
+        table.Insert({"alarm", std::to_string(i), "c", "1"}, step.value);
+      }
+    };
+    HandOver([&] { insertInto(found); },
+             [&] {
+               const std::string last = std::to_string(step.count - 1);
+               EXPECT_EQ(Answer(found, {"alarm", last, "c", "1"}), step.value);
+             });
+    HandOver([&] { insertInto(visited); },
+             [&] { EXPECT_THAT(AllOf(visited), ::testing::SizeIs(step.count)); });
+    HandOver(
+        [&] {
+          visited.Insert({"alarm", "0", "c", "1"}, step.value + " again");
+        },
+        [&] { EXPECT_EQ(AllOf(visited).back(), "alarm/0/c/1=" + step.value + " again"); });
+  }
+}
+
+// The reader meets nothing of the table but its size.
+TEST(AlarmTableUnderReaders, ReportsItsSlotsToAThreadThatIsToldNothing) {
+  AlarmTable table;
+  HandOver([&table] { table.Grow(); }, [&table] { EXPECT_EQ(table.ReservedBytes(), 64U * 8); });
+  HandOver([&table] { table.Grow(); }, [&table] { EXPECT_EQ(table.ReservedBytes(), 64U * 8 + 128U * 8); });
 }
 
 TEST(AlarmTableUnderReaders, VisitsOnlyWholeEntriesInOrder) {

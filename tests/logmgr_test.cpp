@@ -126,6 +126,17 @@ TEST_F(LogMgrTest, DropsMessagesWhenItGotNoLogger) {
   EXPECT_THAT(framework.Messages(), IsEmpty());
 }
 
+TEST_F(LogMgrTest, ObtainsItsLoggerAndSaysWhetherItGotOne) {
+  LogMgr* const manager = LogMgr::Instance();
+  delete lastLogger;
+  EXPECT_TRUE(manager->ObtainOwnLogger());
+  EXPECT_EQ(manager->logger_, lastLogger);
+  delete lastLogger;
+  framework.logger = [] { return nullptr; };
+  EXPECT_FALSE(manager->ObtainOwnLogger());
+  EXPECT_EQ(manager->logger_, nullptr);
+}
+
 // Unlike the message path it does not ask again.
 TEST_F(LogMgrTest, StaysWithoutALoggerWhenTheLogServiceComesLater) {
   framework.Unregister("LogSvcInterface");
@@ -220,6 +231,13 @@ TEST_F(PosStorageTest, MakesAnEmptyRecordAndKeepsIt) {
   EXPECT_EQ(record->file, "");
   EXPECT_EQ(record->func, "");
   EXPECT_EQ(record->line, 0);
+  EXPECT_EQ(storage.Record(), record);
+}
+
+TEST_F(PosStorageTest, NeedsNoLockOnceItHasItsKey) {
+  PosStorage storage;
+  PosForDbg* const record = storage.Record();
+  aceLocksFail = true;
   EXPECT_EQ(storage.Record(), record);
 }
 

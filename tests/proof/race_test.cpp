@@ -14,6 +14,7 @@
 #include "src/asciiutilifimpl.h"
 #include "src/asciiutilsvc.h"
 #include "src/logmgr.h"
+#include "tests/handover.h"
 #include "tests/recording_fixture.h"
 #include "tests/temp_directory.h"
 
@@ -81,6 +82,20 @@ TEST_F(Races, TheFirstLookupsOfManyThreadsMakeOneStore) {
     EXPECT_EQ(util.GetAlmCfgValue(value, "A", "B", "C", number), 0);
     EXPECT_EQ(value, 0);
   });
+}
+
+TEST_F(Races, WhatOneThreadMadeIsWholeForAnotherThatIsToldNothing) {
+  framework.intItems["IsTransQuelt"] = 1;
+  framework.logger = [] { return new recording::Logger; };
+  framework.SetRecording(false);  // Its journal has a lock.
+  HandOver([this] { EXPECT_TRUE(util.IsTransQueltEnabled()); },
+           [this] { EXPECT_TRUE(util.IsTransQueltEnabled()); });
+  HandOver([] { EXPECT_NE(NS_ASCII::LogMgr::Instance(), nullptr); },
+           [this] { EXPECT_EQ(util.WriteDbgLog("the other thread's log manager"), 0); });
+  NS_ASCII::LogMgr::Release();
+  EXPECT_NE(NS_ASCII::LogMgr::Instance(), nullptr);
+  HandOver([this] { EXPECT_EQ(util.WriteDbgLog("the first use of the thread key"), 0); },
+           [this] { EXPECT_EQ(util.WriteDbgLog("the second"), 0); });
 }
 
 TEST_F(Races, EverythingFirstUsedAtOnce) {

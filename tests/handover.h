@@ -1,0 +1,32 @@
+#ifndef TESTS_HANDOVER_H_
+#define TESTS_HANDOVER_H_
+
+#include <atomic>
+#include <thread>
+
+/// Runs `make` on one thread and, when it is over, `use` on another, without a synchronisation between the
+/// two: what orders memory is then up to the code under test, and ThreadSanitizer sees where that does too
+/// little. Both threads are there before either runs.
+template <class Make, class Use>
+void HandOver(Make make, Use use) {
+  std::atomic<int> step{0};
+  const auto await = [&step](int wanted) {
+    while (step.load(std::memory_order_relaxed) != wanted) {
+      std::this_thread::yield();
+    }
+  };
+  std::thread user([&] {
+    step.store(1, std::memory_order_relaxed);
+    await(2);
+    use();
+  });
+  std::thread maker([&] {
+    await(1);
+    make();
+    step.store(2, std::memory_order_relaxed);
+  });
+  maker.join();
+  user.join();
+}
+
+#endif  // TESTS_HANDOVER_H_
