@@ -29,6 +29,9 @@ class Directives {
     while (at_.column <= line.size() && Take(line[at_.column - 1])) {
       ++at_.column;
     }
+    if (IsQuoted()) {
+      FailUnclosed();  // ACE's strings end with their line.
+    }
     Append('\n');
     if (open_.empty()) {
       Process();
@@ -37,7 +40,7 @@ class Directives {
 
   void End() const {
     if (!open_.empty()) {
-      Fail(open_.back().place, std::string("the '") + open_.back().mark + "' is not closed");
+      FailUnclosed();
     }
   }
 
@@ -51,6 +54,10 @@ class Directives {
   [[noreturn]] void Fail(Place place, const std::string& reason) const {
     throw Failure(file_ + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) + ": " +
                   reason);
+  }
+
+  [[noreturn]] void FailUnclosed() const {
+    Fail(open_.back().place, std::string("the '") + open_.back().mark + "' is not closed");
   }
 
   bool IsQuoted() const { return !open_.empty() && open_.back().mark != '{'; }

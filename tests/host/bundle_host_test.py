@@ -291,7 +291,7 @@ class Loading(HostTest):
             ("suspend a\0b\n", ":1:10: ", "a NUL byte"),
             ("# x\n\tdynamic a Service_Object * /none.so:_make_a() \"\"\n", ":2:2: ", "/none.so: no such library"),
             (f"dynamic a Service_Object * {BUNDLE}:_make_b() \"\"\n", ":1:1: ", "has no factory _make_b"),
-            ("dynamic a Service_Object * x:_y()\"open\n{\n", ":1:34: ", "the '\"' is not closed"),
+            ("dynamic a Service_Object * x:_y()\"open\nclosed\"\n", ":1:34: ", "the '\"' is not closed"),
             ("dynamic a Service_Object * x:_y() {\n { }\n", ":1:35: ", "the '{' is not closed"),
             (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util() \"{{\" # {{\n }}\n", ":2:2: ", "a '}' without a '{' before it"),
             ("remove nobody\n", ":1:1: ", "no bundle 'nobody' is loaded"),
