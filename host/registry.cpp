@@ -6,6 +6,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <utility>
 
 namespace NS_BUNDLEMGR1 {
 
@@ -85,11 +86,12 @@ int SetIFBuf(const std::string& name, ServiceInterface* interface) {
   host::Registry& registry = host::TheRegistry();
   const std::lock_guard<std::mutex> guard(registry.lock);
   host::Name& entry = registry.names[name];
-  host::Buffer& buffer = host::UnusedBuffer(entry);
-  buffer.push_back(interface);
+  host::Buffer newestFirst{interface};
   if (host::IsFilled(entry.current)) {
-    buffer.insert(buffer.end(), entry.current->begin(), entry.current->end());
+    newestFirst.insert(newestFirst.end(), entry.current->begin(), entry.current->end());
   }
+  host::Buffer& buffer = host::UnusedBuffer(entry);  // Perhaps the current one, when that was emptied.
+  buffer = std::move(newestFirst);
   entry.current = &buffer;
   entry.everRegistered = true;
   return 0;

@@ -94,6 +94,7 @@ TEST(Registry, RegisteringAndWithdrawingForEverUsesTheSameBuffer) {
     SetIFBuf("Again", &named);
     if (i == 0) buffer = CheckIFBuf("Again");
     EXPECT_EQ(CheckIFBuf("Again"), buffer);
+    EXPECT_EQ(*CheckIFBuf("Again"), std::vector<ServiceInterface*>{&named});
   }
 }
 
