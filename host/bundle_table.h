@@ -14,7 +14,9 @@
 /// process, because a lookup collects bundles before it takes the lock under which it asks them.
 ///
 /// Threads: any. Listing and unlisting happen under `_g_actualmutex`, so that a search that holds it never
-/// meets an object that is being destroyed.
+/// meets an object whose base is gone. It may meet one whose own class is just being made or destroyed, as
+/// the base is there first and last: nothing may search by type while a bundle is loaded or unloaded that it
+/// could find.
 namespace host {
 
 /// One living service object.
