@@ -194,10 +194,11 @@ std::int64_t AsciiUtilInterfaceImpl::ParseListMap(ListMap& map, const std::strin
   map.clear();
   std::vector<std::string> entries;
   SplitStr(text, ",", entries);
+  std::string value;
   for (const std::string& entry : entries) {
     std::string name;
     std::vector<std::string> items;
-    ParseListEntry(entry, name, items);
+    ParseListEntry(entry, value, name, items);
     map.emplace(std::move(name), std::move(items));  // Does nothing when the name is there already.
   }
   return 0;
@@ -252,13 +253,19 @@ bool AsciiUtilInterfaceImpl::SplitFirst(const std::string& source, std::string& 
     return false;
   }
   head.assign(source, 0, at);
-  tail = source.substr(at + delimiters.size());
+  tail.assign(source, at + delimiters.size(), std::string::npos);
   return true;
 }
 
 void AsciiUtilInterfaceImpl::ParseListEntry(const std::string& entry, std::string& name,
                                             std::vector<std::string>& items) {
   std::string value;
+  ParseListEntry(entry, value, name, items);
+}
+
+void AsciiUtilInterfaceImpl::ParseListEntry(const std::string& entry, std::string& value, std::string& name,
+                                            std::vector<std::string>& items) {
+  value.clear();
   SplitFirst(entry, name, value, "=");
   // The items of a path are separated by "-", and "|" is then a character like any other.
   SplitStr(value, std::strcmp(name.c_str(), "PATH") == 0 ? "-" : "|", items);

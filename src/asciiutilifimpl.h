@@ -55,6 +55,10 @@ class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
   /// Parses one entry name=item|item, or PATH=item-item: `name` (out, left alone without a "="), `items`
   /// (out, appended to).
   void ParseListEntry(const std::string& entry, std::string& name, std::vector<std::string>& items);
+
+  /// The same for one of many entries, which share the memory of `value`; nothing else of it counts.
+  void ParseListEntry(const std::string& entry, std::string& value, std::string& name,
+                      std::vector<std::string>& items);
 };
 
 }  // namespace NS_ASCII
