@@ -14,15 +14,23 @@ namespace NS_ASCII {
 class TextHash {
  public:
   void Add(std::string_view text) {
-    const char* p = text.data();
-    std::size_t left = text.size();
-    for (; left >= sizeof(std::uint64_t); p += sizeof(std::uint64_t), left -= sizeof(std::uint64_t)) {
-      Mix(Load<std::uint64_t>(p));
+    // The number made of one text waits for none of the others.
+    const char* const p = text.data();
+    std::uint64_t mixed = std::uint64_t{text.size()} << 56;
+    if (text.size() < kWord) {
+      mixed ^= ShortWord(p, text.size());
+    } else {
+      // The last word may overlap the one before.
+      const std::size_t last = text.size() - kWord;
+      for (std::size_t i = 0; i < last; i += kWord) {
+        mixed = Mixed(mixed ^ Load<std::uint64_t>(p + i));
+      }
+      mixed ^= Load<std::uint64_t>(p + last);
     }
-    Mix(Tail(p, left) ^ (std::uint64_t{text.size()} << 56));
+    state_ = (state_ << 23 | state_ >> 41) + mixed * kOdd;
   }
 
-  [[nodiscard]] std::uint32_t value() const { return static_cast<std::uint32_t>(state_ ^ (state_ >> 29)); }
+  [[nodiscard]] std::uint32_t value() const { return static_cast<std::uint32_t>(Mixed(state_)); }
 
  private:
   template <class T>
@@ -32,23 +40,26 @@ class TextHash {
     return word;
   }
 
-  /// The last `left` bytes, fewer than eight, as one number. Two overlapping loads replace a loop over bytes.
-  static std::uint64_t Tail(const char* p, std::size_t left) {
-    if (left >= 4) {
-      return std::uint64_t{Load<std::uint32_t>(p)} << 32 | Load<std::uint32_t>(p + left - 4);
+  /// The bytes of a text of fewer than eight as one number. Two overlapping loads replace a loop over bytes.
+  static std::uint64_t ShortWord(const char* p, std::size_t size) {
+    if (size >= 4) {
+      return std::uint64_t{Load<std::uint32_t>(p)} << 32 | Load<std::uint32_t>(p + size - 4);
     }
-    if (left == 0) {
+    if (size == 0) {
       return 0;
     }
     const auto byte = [p](std::size_t i) { return std::uint64_t{static_cast<unsigned char>(p[i])}; };
-    return byte(0) << 16 | byte(left / 2) << 8 | byte(left - 1);
+    return byte(0) << 16 | byte(size / 2) << 8 | byte(size - 1);
   }
 
-  void Mix(std::uint64_t word) {
-    // Multiplication carries every bit upwards, the shift brings the upper half back down.
-    state_ = (state_ ^ word) * 0x9E3779B97F4A7C15U;
-    state_ ^= state_ >> 32;
+  /// Multiplication carries every bit upwards, the shift brings the upper half back down.
+  static std::uint64_t Mixed(std::uint64_t word) {
+    word *= kOdd;
+    return word ^ word >> 32;
   }
+
+  static constexpr std::size_t kWord = sizeof(std::uint64_t);
+  static constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
 
   std::uint64_t state_ = 0x2545F4914F6CDD1DU;
 };

@@ -41,13 +41,6 @@ AlarmTextPool::Ref AlarmTextPool::Intern(std::string_view text) {
   return slot.ref;
 }
 
-std::string_view AlarmTextPool::Text(Ref ref) const {
-  const char* const piece = arena_.At(ref);
-  std::uint32_t length;
-  std::memcpy(&length, piece, sizeof length);
-  return {piece + sizeof length, length};
-}
-
 bool AlarmTextPool::Contains(std::string_view text) const {
   return size_ != 0 && slots_[SlotOf(text, HashOf(text))].ref != 0;
 }

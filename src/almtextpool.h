@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -25,7 +26,12 @@ class AlarmTextPool {
   Ref Intern(std::string_view text);
 
   /// The text of a number that `Intern` returned. Valid as long as the pool.
-  [[nodiscard]] std::string_view Text(Ref ref) const;
+  [[nodiscard]] std::string_view Text(Ref ref) const {
+    const char* const piece = arena_.At(ref);
+    std::uint32_t length;
+    std::memcpy(&length, piece, sizeof length);
+    return {piece + sizeof length, length};
+  }
 
   [[nodiscard]] bool Contains(std::string_view text) const;
   [[nodiscard]] std::size_t size() const { return size_; }
