@@ -91,7 +91,16 @@ class LineEditor::Impl {
     return CC_NEWLINE;
   }
 
+  /// Nothing may be thrown through libedit, which is C.
   static unsigned char Complete(EditLine* editor, int /*key*/) {
+    try {
+      return CompleteWord(editor);
+    } catch (...) {
+      return CC_REFRESH_BEEP;
+    }
+  }
+
+  static unsigned char CompleteWord(EditLine* editor) {
     const LineInfo* const info = el_line(editor);
     const std::string line(info->buffer, static_cast<std::size_t>(info->cursor - info->buffer));
     const std::vector<std::string> candidates = Of(editor).completer_(line);

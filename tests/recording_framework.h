@@ -22,7 +22,7 @@
 ///
 /// The bundle keeps its logger for the life of the process, so the loggers handed out by default are never
 /// destroyed. A test about how that logger is obtained needs a process of its own, which ctest gives to every
-/// test; run in one process with others it may fail.
+/// test, and process_each_main.cpp to each one of a program that is run as a whole.
 ///
 /// Threads: calls may come from any thread. Answers are set while no other thread calls.
 namespace recording {
