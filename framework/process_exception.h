@@ -13,6 +13,8 @@ namespace NS_BUNDLEMGR1 {
 ///
 /// Copying moves the readable text of all four streams out of the source, which is why the source is not
 /// constant. So throw a temporary or an object of its own, and catch by reference.
+///
+/// Threads: each object is used by one at a time.
 class PLATFORM_API ProcessException : public std::exception {
  public:
   ProcessException() = default;

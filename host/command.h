@@ -9,6 +9,8 @@
 
 /// The commands, as a table: the same ones on the program's command line, in a command file and in the
 /// console.
+///
+/// Threads: one, the program's own. The same holds for everything that commands are made of.
 namespace host {
 
 /// What the arguments of a command are names of, for completion.

@@ -6,6 +6,7 @@
 
 #include "framework/visibility.h"
 
+/// Printf formats of unknown origin. Pure functions.
 namespace host {
 
 /// Whether `format` is a printf format that the log service is willing to fill in: conversions d i u x X c s

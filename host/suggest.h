@@ -6,9 +6,9 @@
 
 namespace host {
 
-/// "; did you mean NAME?" for the name most like `word`, letter case aside; `otherwise` when none is like it:
-/// at most a third of its letters, and at least one, may have to be changed, added, dropped or swapped with
-/// the next.
+/// A pure function: "; did you mean NAME?" for the name most like `word`, letter case aside; `otherwise` when
+/// none is like it: at most a third of its letters, and at least one, may have to be changed, added, dropped
+/// or swapped with the next.
 std::string DidYouMean(const std::string& word, const std::vector<std::string>& names,
                        const std::string& otherwise = {});
 

@@ -7,6 +7,7 @@
 #include "framework/visibility.h"
 
 /// How byte strings are shown and typed: printable ASCII as it is, every other byte as \xNN.
+/// Pure functions.
 namespace host {
 
 /// `text` with every byte outside printable ASCII, and the backslash, as \xNN in lower-case digits.

@@ -9,8 +9,8 @@
 /// The hash of the alarm table. Not for storage: it may differ between machines of different byte order.
 namespace NS_ASCII {
 
-/// Mixes several texts into one hash value, in place. ("ab", "c") and ("a", "bc") differ, because each text
-/// ends with its length.
+/// Mixes several texts into one hash value, in place. It keeps nothing of the texts and is its owner's alone.
+/// ("ab", "c") and ("a", "bc") differ, because each text ends with its length.
 class TextHash {
  public:
   void Add(std::string_view text) {

@@ -19,6 +19,7 @@ struct Outputs {
 };
 
 /// The commands; each returns an `ExitCode`.
+/// Threads: the program has one, and nothing that it is made of is for more.
 int RunCheck(const Options& options, const Outputs& outputs);
 int RunShow(const Options& options, const Outputs& outputs);
 int RunLookup(const Options& options, const Outputs& outputs);

@@ -12,7 +12,7 @@
 namespace almcfg {
 
 /// Which line last set a key. It keeps eight bytes for each key and no text: whether a line really has the
-/// key is asked of whoever has the lines.
+/// key is asked of whoever has the lines, who must outlive it.
 class KeyIndex {
  public:
   /// A line among all that were loaded; 0 is none.
