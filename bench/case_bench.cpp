@@ -6,7 +6,7 @@
 #include "ascii_util/text_functions.h"
 #include "bench/contest.h"
 #include "bench/texts.h"
-#include "src/asciiutilifimpl.h"
+#include "bench/util.h"
 #include "tests/literal_rules.h"
 
 #if BENCH_WITH_ABSEIL
@@ -61,11 +61,7 @@ const bool entered = [] {
         "StrToUpper", text, [](const Text& input) { return NS_ASCII::StrToUpper(input); },
         [](const Text& input) { return literal::StrToUpper(input); });
     EnterUpper(
-        "ToUpper", text,
-        [](const Text& input) {
-          NS_ASCII::AsciiUtilInterfaceImpl util;
-          return util.ToUpper(input);
-        },
+        "ToUpper", text, [](const Text& input) { return Util().ToUpper(input); },
         [](const Text& input) { return literal::ToUpper(input); });
     EnterLower(text);
   }

@@ -10,7 +10,7 @@
 #include "ascii_util/text_functions.h"
 #include "bench/contest.h"
 #include "bench/texts.h"
-#include "src/asciiutilifimpl.h"
+#include "bench/util.h"
 
 #if BENCH_WITH_ABSEIL
 #include <absl/time/clock.h>
@@ -51,10 +51,7 @@ std::string ConvertWithIconv(const std::string& text) {
 }
 
 void EnterTimeStamp() {
-  const auto ours = [] {
-    NS_ASCII::AsciiUtilInterfaceImpl util;
-    return util.GetTimeStamp();
-  };
+  const auto ours = [] { return Util().GetTimeStamp(); };
   if (Form(ours()) != Form(StampWithStrftime())) {
     Disagree("strftime");
   }

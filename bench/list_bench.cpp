@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "bench/contest.h"
-#include "src/asciiutilifimpl.h"
+#include "bench/util.h"
 #include "tests/literal_rules.h"
 
 #if BENCH_WITH_ABSEIL
@@ -71,9 +71,8 @@ void EnterSplit(int count) {
   }
   const Input input = Share(text);
   const Contest contest("SplitStr/" + std::to_string(count) + " pieces", text.size(), [input] {
-    NS_ASCII::AsciiUtilInterfaceImpl util;
     Pieces pieces;
-    util.SplitStr(*input, ",", pieces);
+    Util().SplitStr(*input, ",", pieces);
     return pieces;
   });
   contest.Against("literal", [input] {
@@ -103,9 +102,8 @@ void EnterSplit(int count) {
     return Pieces(tokens.begin(), tokens.end());
   });
 #endif
-  NS_ASCII::AsciiUtilInterfaceImpl util;
   Pieces answer;
-  util.SplitStr(text, ",", answer);
+  Util().SplitStr(text, ",", answer);
   contest.Floor([answer] { return Pieces(answer); });
 }
 
@@ -116,9 +114,8 @@ void EnterParse(int count) {
   }
   const Input input = Share(text);
   const Contest contest("ParseListMap/" + std::to_string(count) + " entries", text.size(), [input] {
-    NS_ASCII::AsciiUtilInterfaceImpl util;
     ListMap map;
-    util.ParseListMap(map, *input);
+    Util().ParseListMap(map, *input);
     return map;
   });
   contest.Against("literal", [input] {
@@ -129,9 +126,8 @@ void EnterParse(int count) {
 #if BENCH_WITH_ABSEIL
   contest.Against("Abseil", [input] { return ParseWithAbseil(*input); });
 #endif
-  NS_ASCII::AsciiUtilInterfaceImpl util;
   ListMap answer;
-  util.ParseListMap(answer, text);
+  Util().ParseListMap(answer, text);
   contest.Floor([answer] { return ListMap(answer); });
 }
 

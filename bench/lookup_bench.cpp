@@ -15,8 +15,8 @@
 
 #include "bench/contest.h"
 #include "bench/stores.h"
+#include "bench/util.h"
 #include "framework/platform_util.h"
-#include "src/asciiutilifimpl.h"
 
 namespace bench {
 namespace {
@@ -203,8 +203,7 @@ void EnterQuery() {
 #endif
   }
   const auto ours = [](std::int64_t& value, const AlarmConfigRecord& key, int numKey) {
-    NS_ASCII::AsciiUtilInterfaceImpl util;
-    util.GetAlmCfgValue(value, key.key1, key.key2, key.key3, numKey);
+    Util().GetAlmCfgValue(value, key.key1, key.key2, key.key3, numKey);
   };
   EnterQueryAgainst(questions, ours, "ours", ours);
   EnterQueryAgainst(questions, ours, "literal",

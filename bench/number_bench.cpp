@@ -7,7 +7,7 @@
 
 #include "ascii_util/text_functions.h"
 #include "bench/contest.h"
-#include "src/asciiutilifimpl.h"
+#include "bench/util.h"
 #include "tests/literal_rules.h"
 
 #if BENCH_WITH_ABSEIL
@@ -30,9 +30,8 @@ using Number = std::pair<bool, int>;
 void EnterStr2Num(const std::string& text) {
   const Input input = Share(text);
   const Contest contest("Str2Num/" + std::to_string(text.size()) + " digits", 0, [input] {
-    NS_ASCII::AsciiUtilInterfaceImpl util;
     int value = 0;
-    const bool whole = util.Str2Num(*input, value, 10);
+    const bool whole = Util().Str2Num(*input, value, 10);
     return Number(whole, value);
   });
   contest.Against("literal", [input] {

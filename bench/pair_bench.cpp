@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "bench/contest.h"
-#include "src/asciiutilifimpl.h"
+#include "bench/util.h"
 #include "tests/literal_rules.h"
 
 #if BENCH_WITH_ABSEIL
@@ -49,10 +49,8 @@ std::string FindWithAbseil(const std::string& key, const std::string& text) {
 void EnterGetKeyValue(const std::string& inputName, const std::string& keyText) {
   const Input text = Share(kPairs);
   const Input key = Share(keyText);
-  const Contest contest("GetKeyValue/" + inputName, 0, [text, key] {
-    NS_ASCII::AsciiUtilInterfaceImpl util;
-    return util.GetKeyValue(*key, *text);
-  });
+  const Contest contest("GetKeyValue/" + inputName, 0,
+                        [text, key] { return Util().GetKeyValue(*key, *text); });
   contest.Against("literal", [text, key] { return literal::GetKeyValue(*key, *text); });
   contest.Against("find(key=)", [text, key] { return FindKey(*key, *text); });
 #if BENCH_WITH_ABSEIL
@@ -63,10 +61,8 @@ void EnterGetKeyValue(const std::string& inputName, const std::string& keyText) 
 void EnterIsKeyValueAboveOne() {
   const Input text = Share(kPairs);
   const Input key = Share("count");
-  const Contest contest("IsKeyValueAboveOne/6th of 12 pairs", 0, [text, key] {
-    NS_ASCII::AsciiUtilInterfaceImpl util;
-    return util.IsKeyValueAboveOne(*key, *text);
-  });
+  const Contest contest("IsKeyValueAboveOne/6th of 12 pairs", 0,
+                        [text, key] { return Util().IsKeyValueAboveOne(*key, *text); });
   contest.Against("literal", [text, key] { return literal::IsKeyValueAboveOne(*key, *text); });
   contest.Against("find(key=)", [text, key] { return std::atoi(FindKey(*key, *text).c_str()) > 1; });
 #if BENCH_WITH_ABSEIL
@@ -77,10 +73,8 @@ void EnterIsKeyValueAboveOne() {
 void EnterIsContain() {
   const Input text = Share(kPairs);
   const Input part = Share("north-west");
-  const Contest contest("IsContain/138 B, near the end", 0, [text, part] {
-    NS_ASCII::AsciiUtilInterfaceImpl util;
-    return util.IsContain(*part, *text);
-  });
+  const Contest contest("IsContain/138 B, near the end", 0,
+                        [text, part] { return Util().IsContain(*part, *text); });
   contest.Against("literal", [text, part] { return literal::IsContain(*part, *text); });
   contest.Against("string_view::find",
                   [text, part] { return std::string_view(*text).find(*part) != std::string_view::npos; });
