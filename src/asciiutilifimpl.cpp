@@ -49,16 +49,7 @@ bool StartsPair(std::string_view text, std::size_t pos) {
   return pos == 0 || text[pos - 1] == kPairSeparator;
 }
 
-/// Whether a key ends here: at a separator, as none holds one, or at a NUL, as keys are compared up to there.
-constexpr bool EndsKey(char c) { return c == '\0' || c == kPairSeparator || c == kValueSeparator; }
-
-/// The key to look for: `text` up to its first NUL. Empty when no pair can have it, as a pair's key holds
-/// neither separator and starts with no blank.
-std::string_view KeyIn(std::string_view text) {
-  const auto* const end = std::find_if(text.begin(), text.end(), EndsKey);
-  const bool impossible = end == text.begin() || IsBlank(text.front()) || (end != text.end() && *end != '\0');
-  return text.substr(0, impossible ? 0 : static_cast<std::size_t>(end - text.begin()));
-}
+constexpr bool IsSeparator(char c) { return c == kPairSeparator || c == kValueSeparator; }
 
 /// Where the value starts if a pair with `key` starts at `pos`; else npos.
 std::size_t ValueStart(std::string_view text, std::string_view key, std::size_t pos) {
@@ -67,17 +58,19 @@ std::size_t ValueStart(std::string_view text, std::string_view key, std::size_t 
   }
   std::size_t end = pos + key.size();
   if (end < text.size() && text[end] == '\0') {
-    end = text.find_first_of("=,", end);  // Keys are compared up to their first NUL.
+    end = text.find_first_of("=,", end);  // The rest of the pair's key does not count.
   }
-  return end < text.size() && text[end] == kValueSeparator ? end + 1 : std::string_view::npos;
+  const bool ends = end < text.size() && text[end] == kValueSeparator;
+  // No pair's key holds a separator.
+  return ends && std::none_of(key.begin(), key.end(), IsSeparator) ? end + 1 : std::string_view::npos;
 }
 
 /// The value of `key` in a text of pairs: that of the first pair with this key. When it is empty or starts
 /// with a NUL, all of the text behind the pair's "=" takes its place.
 std::string_view FindValue(const std::string& keyText, std::string_view text) {
-  const std::string_view key = KeyIn(keyText);
-  if (key.empty()) {
-    return {};
+  const std::string_view key = keyText.c_str();  // Keys are compared up to their first NUL.
+  if (key.empty() || IsBlank(key.front())) {
+    return {};  // No pair's key is either.
   }
   std::size_t pos = text.find(key.front());
   while (pos != std::string_view::npos) {
