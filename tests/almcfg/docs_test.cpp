@@ -155,6 +155,36 @@ TEST(Page, ShowsWhatTheProgramSays) {
   EXPECT_GT(CheckCommandsIn("docs/alarm-config.md"), static_cast<int>(almcfg::kTrapCount) - 3);
 }
 
+/// The block of a page that starts with the line `first`, without its fences.
+std::string BlockOf(const std::string& page, const std::string& first) {
+  const std::string text = ReadFile(ProjectFolder() + page);
+  const std::size_t start = text.find("```sh\n" + first + "\n") + 6;
+  return text.substr(start, text.find("```\n", start) - start);
+}
+
+TEST(Page, ShowsACommitHookThatKeepsFindingsOutWhateverTheFileIsCalled) {
+  const TempFile hook(BlockOf("docs/alarm-config.md", "#!/bin/bash"));
+  const TempFile script(R"(set -e
+    work=$(mktemp -d)
+    trap 'rm -rf "$work"' EXIT
+    cd "$work"
+    export PATH="$(dirname "$2"):$PATH" GIT_CONFIG_GLOBAL=/dev/null GIT_CONFIG_NOSYSTEM=1
+    git init -q
+    git config user.name nobody
+    git config user.email nobody@example
+    install -D "$1" .git/hooks/pre-commit
+    for file in AlarmConfig.csv $'\303\204 AlarmConfig.csv'; do
+      printf 'A\tB\tC\t07\t1\n' >"$file"
+      git add "$file"
+      ! git commit -qm warning || exit 1
+      printf 'A\tB\tC\t7\t1\n' >"$file"
+      git add "$file"
+      git commit -qm clean
+    done)");
+  const std::string command = "bash " + script.path() + " " + hook.path() + " " ALMCFG_PROGRAM " 2>/dev/null";
+  EXPECT_EQ(std::system(command.c_str()), 0);
+}
+
 TEST(Readme, ShowsWhatTheProgramSays) { EXPECT_GT(CheckCommandsIn("README.md"), 0); }
 
 }  // namespace
