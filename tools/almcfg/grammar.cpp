@@ -11,14 +11,14 @@ constexpr std::size_t kLinesPerOwnTable = 256;  // Small enough to stay in the p
 
 Grammar::Grammar(Alarm_Config_Param* table) : table_(table) {
   if (table_ == nullptr) {
-    own_ = std::make_unique<Alarm_Config_Param>();
+    own_ = std::make_unique<OwnTable>();
     table_ = own_.get();
   }
 }
 
 LineFate Grammar::Take(const Line& line) {
   if (own_ != nullptr && ++linesInOwn_ > kLinesPerOwnTable) {
-    own_ = std::make_unique<Alarm_Config_Param>();
+    own_ = std::make_unique<OwnTable>();
     table_ = own_.get();
     linesInOwn_ = 0;
   }

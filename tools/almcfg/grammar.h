@@ -41,9 +41,15 @@ class Grammar {
   [[nodiscard]] const Records& records() const { return work_.all; }
 
  private:
+  /// A table that a pointer may own: the base keeps its destructor out of the virtual table.
+  class OwnTable : public NS_ASCII::Alarm_Config_Param {
+   public:
+    virtual ~OwnTable() = default;
+  };
+
   NS_ASCII::Alarm_Config_Param::LineWork work_;
   LoggedMessage message_;
-  std::unique_ptr<NS_ASCII::Alarm_Config_Param> own_;
+  std::unique_ptr<OwnTable> own_;
   NS_ASCII::Alarm_Config_Param* table_;
   std::size_t linesInOwn_ = 0;
 };
