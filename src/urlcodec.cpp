@@ -164,8 +164,9 @@ constexpr std::array<unsigned char, 256> MakeMeanings() {
 
 constexpr std::array<unsigned char, 256> kMeanings = MakeMeanings();
 
-/// Reads the escape text (at most two characters) as the stream extraction of a hexadecimal `int` does, and
-/// stores the low eight bits in `byte`; leaves `byte` alone when there is nothing but white space.
+/// Reads the escape text (at most two characters, but not two digits) as the stream extraction of a
+/// hexadecimal `int` does, and stores the low eight bits in `byte`; leaves `byte` alone when there is nothing
+/// but white space.
 void ReadEscape(std::string_view escape, unsigned char& byte) {
   if (escape.empty()) {
     return;
@@ -174,7 +175,7 @@ void ReadEscape(std::string_view escape, unsigned char& byte) {
   const unsigned char second = escape.size() > 1 ? kMeanings[static_cast<unsigned char>(escape[1])]
                                                  : static_cast<unsigned char>(kOther);
   if (first <= kDigit15) {
-    byte = second <= kDigit15 ? static_cast<unsigned char>(first << 4 | second) : first;
+    byte = first;
   } else if (first == kSpace && (escape.size() == 1 || second == kSpace)) {
     return;
   } else if (first != kOther && second <= kDigit15) {
