@@ -29,6 +29,7 @@ COPY = WORK / "tree"
 EQUIVALENT = ROOT / "scripts" / "mutate.equivalent"
 SLOW_SECONDS = 0.4
 MEMORY = 4 << 30
+FILTER = "--gtest_filter="
 
 
 def run(command, seconds=None, env=None, cwd=None, limits=None):
@@ -75,10 +76,10 @@ class Program:
                 failing.append(name)
             taken[name] = (time.monotonic() - start, command)
         good = [name for name in taken if name not in failing]
-        quick = [name for name in good if taken[name][0] < SLOW_SECONDS]
+        quick = [name for name in good if taken[name][0] < SLOW_SECONDS and taken[name][1][1].startswith(FILTER)]
         apart = []
         while len(quick) > 1:
-            self.together = [self.tests[0][1][0], "--gtest_filter=" + ":".join(quick), "--gtest_fail_fast"]
+            self.together = [str(self.path), FILTER + ":".join(quick), "--gtest_fail_fast"]
             bad = self.not_together(quick)
             apart += bad
             quick = [name for name in quick if name not in bad]
@@ -159,8 +160,8 @@ class Bench:
             path = pathlib.Path(test["command"][0])
             program = self.programs.setdefault(
                 path.name, Program(path, env, properties["WORKING_DIRECTORY"], self.jobs, self.limits))
-            names = [argument[len("--gtest_filter="):] for argument in test["command"] if argument.startswith("--gtest_filter=")]
-            program.tests.append((names[0] if names else test["name"], test["command"]))
+            name = test["command"][1].removeprefix(FILTER) if test["command"][1].startswith(FILTER) else test["name"]
+            program.tests.append((name, test["command"]))
         for program in self.programs.values():
             for name in program.learn():
                 print(f"left out, as it fails without any change: {name}", flush=True)

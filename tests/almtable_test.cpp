@@ -230,6 +230,8 @@ TEST(AlarmTable, ReportsTheMemoryOfOldSlotArraysToo) {
   AlarmTable table;
   table.Insert({"0", "", "", ""}, "");
   const std::size_t first = table.ReservedBytes();
+  // Slots, entries, values and the values' own slots.
+  EXPECT_EQ(first, 64U * 8 + 16384 + 16384 + 16 * 8);
   for (int i = 1; i < 48; ++i) {
     table.Insert({std::to_string(i), "", "", ""}, "");
   }

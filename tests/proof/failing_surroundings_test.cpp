@@ -6,6 +6,7 @@
 #include <ace/Log_Msg_Callback.h>
 #include <ace/Log_Record.h>
 
+#include <cerrno>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -177,6 +178,16 @@ TEST_F(FailingSurroundings, AThreadSlotThatCannotBeStoredIsReportedThroughAce) {
     EXPECT_EQ(util.WriteDbgLog("logged"), 0);
   }).join();
   EXPECT_THAT(Texts(), ElementsAre("key made", "logged"));
+}
+
+TEST_F(FailingSurroundings, ARecordThatFindsNoMemorySetsTheErrorNumber) {
+  EXPECT_EQ(util.WriteDbgLog("key made"), 0);
+  std::thread([&] {
+    const faults::AllocationFails noMemory(1);
+    errno = 0;
+    EXPECT_EQ(util.WriteDbgLog("dropped"), 0);
+    EXPECT_EQ(errno, ENOMEM);
+  }).join();
 }
 
 // A thread of its own for each, as ACE makes what it needs for its log once a thread.
