@@ -24,6 +24,21 @@ bool TakeText(std::string& rest, const std::string& text) {
   return true;
 }
 
+/// Whether `rest` is what may stand behind a factory: `active` or `inactive`, then a string in quotes; each
+/// may be missing.
+bool IsEndOfDynamic(std::string rest) {
+  if (!TakeText(rest, "active")) {
+    TakeText(rest, "inactive");
+  }
+  rest.erase(0, rest.find_first_not_of(kBlanks));
+  if (rest.empty()) {
+    return true;
+  }
+  const std::size_t close =
+      rest.front() == '"' || rest.front() == '\'' ? rest.find(rest.front(), 1) : std::string::npos;
+  return close != std::string::npos && rest.find_first_not_of(kBlanks, close + 1) == std::string::npos;
+}
+
 }  // namespace
 
 Directive ParseDirective(const std::string& text) {
@@ -37,7 +52,7 @@ Directive ParseDirective(const std::string& text) {
   const std::string library = Take(rest, " \t\r\n:");
   if (TakeText(rest, ":")) {
     const std::string factory = Take(rest, " \t\r\n(");
-    if (TakeText(rest, "(") && TakeText(rest, ")")) {
+    if (TakeText(rest, "(") && TakeText(rest, ")") && IsEndOfDynamic(rest)) {
       directive.library = library;
       directive.factory = factory;
     }

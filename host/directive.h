@@ -7,13 +7,16 @@ namespace host {
 
 /// What the loader must know of a directive of ACE's service configurator; ACE itself takes the rest.
 struct Directive {
-  std::string verb;     ///< its first word: dynamic, remove, ...
-  std::string name;     ///< the service that it is about
-  std::string library;  ///< as in `dynamic NAME Service_Object * LIBRARY:FACTORY()`; empty for any other form
-  std::string factory;  ///< the same
+  std::string verb;  ///< its first word: dynamic, remove, ...
+  std::string name;  ///< the service that it is about
+
+  // Of `dynamic NAME Service_Object * LIBRARY:FACTORY() [active|inactive] ["ARGUMENTS"]`, and empty unless
+  // the whole directive has this form: behind a mistake ACE loads what stands before it.
+  std::string library;
+  std::string factory;
 };
 
-/// Takes a directive apart, as far as it goes; whether it is right is left to ACE.
+/// Takes a directive apart, as far as it goes; whether others than dynamic ones are right is left to ACE.
 Directive ParseDirective(const std::string& text);
 
 }  // namespace host

@@ -287,6 +287,7 @@ class Loading(HostTest):
             ("suspend nobody\n", ":1:1: ", "no bundle 'nobody' is loaded; 'bundles' lists them"),
             ("suspend\n", ":1:1: ", "'suspend' needs the name of a service"),
             (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util \"\"\n", ":1:1: ", "write dynamic NAME"),
+            (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util() actve \"\"\n", ":1:1: ", "write dynamic NAME"),
             (f"dynamic a STREAM * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "write dynamic NAME"),
             ("suspend a\0b\n", ":1:10: ", "a NUL byte"),
             ("# x\n\tdynamic a Service_Object * /none.so:_make_a() \"\"\n", ":2:2: ", "/none.so: no such library"),

@@ -20,6 +20,16 @@ TEST(Directive, BlanksMayStandAroundTheStarAndTheColon) {
   EXPECT_EQ(parts.factory, "_make_b");
 }
 
+TEST(Directive, BehindTheFactoryStandTheStateAndTheArgumentsAndNothingElse) {
+  const std::string start = "dynamic N Service_Object * lib:_make_b()";
+  for (const char* end : {"", " ", " active", " inactive 'a b'", "\"a 'b' c\" \r", "''"}) {
+    EXPECT_EQ(ParseDirective(start + end).library, "lib") << end;
+  }
+  for (const char* end : {" passive", " active x", " \"a\" b", " \"a", " x \"a\"", "}", " \"a\" \"b\""}) {
+    EXPECT_EQ(ParseDirective(start + end).library, "") << end;
+  }
+}
+
 TEST(Directive, AnotherVerbHasOnlyAName) {
   const auto parts = ParseDirective("remove Name");
   EXPECT_EQ(parts.verb, "remove");
