@@ -7,6 +7,7 @@
 
 #include "src/asciiutilifimpl.h"
 #include "src/logmgr.h"
+#include "src/logmsg.h"
 #include "tests/proof/faults.h"
 #include "tests/recording_fixture.h"
 
@@ -63,6 +64,14 @@ TEST_F(Overtaken, AReleaseLeavesTheDestructionToTheOtherThread) {
     EXPECT_TRUE(other.happened());
   }
   EXPECT_EQ(CallsOf("~Logger()"), 1);
+}
+
+TEST_F(Overtaken, NoLockIsTakenWhereNothingIsToBeMadeOrDestroyed) {
+  ASSERT_NE(NS_ASCII::ObtainLogger("a", "b", "c"), nullptr);
+  const faults::BeforeLock lock([] {});
+  NS_ASCII::LogMgr::Release();
+  EXPECT_NE(NS_ASCII::ObtainLogger("a", "b", "c"), nullptr);
+  EXPECT_FALSE(lock.happened());
 }
 
 }  // namespace
