@@ -134,8 +134,9 @@ def of_file(root, path, rules):
     function, end = "", "}"
     for number, line in enumerate(lines):
         code = without_comment(line).strip()
-        if head := FUNCTION_HEAD.match(line):
-            function = head.group(1) if not code.endswith(";") else ""
+        head = FUNCTION_HEAD.match(line)
+        if head and not code.endswith(";") and (path.suffix == ".h" or not line.startswith(" ")):
+            function = head.group(1)
             end = line[:len(line) - len(line.lstrip())] + "}"
         elif line == end:
             function = ""

@@ -234,13 +234,6 @@ TEST_F(PosStorageTest, MakesAnEmptyRecordAndKeepsIt) {
   EXPECT_EQ(storage.Record(), record);
 }
 
-TEST_F(PosStorageTest, NeedsNoLockOnceItHasItsKey) {
-  PosStorage storage;
-  PosForDbg* const record = storage.Record();
-  aceLocksFail = true;
-  EXPECT_EQ(storage.Record(), record);
-}
-
 TEST_F(PosStorageTest, GivesEachThreadARecordOfItsOwn) {
   PosStorage storage;
   PosForDbg* const mine = storage.Record();

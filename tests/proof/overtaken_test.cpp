@@ -67,11 +67,21 @@ TEST_F(Overtaken, AReleaseLeavesTheDestructionToTheOtherThread) {
 }
 
 TEST_F(Overtaken, NoLockIsTakenWhereNothingIsToBeMadeOrDestroyed) {
-  ASSERT_NE(NS_ASCII::ObtainLogger("a", "b", "c"), nullptr);
-  const faults::BeforeLock lock([] {});
+  {
+    const faults::BeforeLock lock([] {});
+    NS_ASCII::LogMgr::Release();
+    EXPECT_FALSE(lock.happened());
+  }
+  EXPECT_TRUE(util.IsTransQueltEnabled());
+  EXPECT_EQ(util.WriteDbgLog("makes the log manager, the key and the record"), 0);
+  {
+    const faults::BeforeLock lock([] {});
+    EXPECT_NE(NS_ASCII::ObtainLogger("a", "b", "c"), nullptr);
+    EXPECT_TRUE(util.IsTransQueltEnabled());
+    EXPECT_EQ(util.WriteDbgLog("finds them"), 0);
+    EXPECT_FALSE(lock.happened());
+  }
   NS_ASCII::LogMgr::Release();
-  EXPECT_NE(NS_ASCII::ObtainLogger("a", "b", "c"), nullptr);
-  EXPECT_FALSE(lock.happened());
 }
 
 }  // namespace
