@@ -178,8 +178,9 @@ int Alarm_Config_Param::GetValue(const AlarmKey& key, std::string& value) const 
 }
 
 int Alarm_Config_Param::Split(const std::string& text, FieldList& fields, const std::string& separators) {
-  return IsElementOf(text, fields) ? SplitInto(fields, std::string(text), separators)
-                                   : SplitInto(fields, text, separators);
+  return IsElementOf(text, fields) || IsElementOf(separators, fields)
+             ? SplitInto(fields, std::string(text), std::string(separators))
+             : SplitInto(fields, text, separators);
 }
 
 int Alarm_Config_Param::ListToRecord(const FieldList& fields, AlarmConfigRecord& record,

@@ -210,8 +210,8 @@ std::int64_t AsciiUtilInterfaceImpl::GetMapList(const ListMap& map, const std::s
 
 std::int64_t AsciiUtilInterfaceImpl::SplitStr(const std::string& text, const std::string& separator,
                                               std::vector<std::string>& pieces) {
-  if (IsElementOf(text, pieces)) {
-    return AsciiUtilInterfaceImpl::SplitStr(std::string(text), separator, pieces);
+  if (IsElementOf(text, pieces) || IsElementOf(separator, pieces)) {
+    return AsciiUtilInterfaceImpl::SplitStr(std::string(text), std::string(separator), pieces);
   }
   const std::string_view whole = text;
   const bool single = separator.size() == 1;

@@ -82,15 +82,19 @@ TEST_F(Split, LogsTheTextUpToItsFirstNul) {
   EXPECT_THAT(framework.Messages(), ElementsAre(BadLine(195, "a")));
 }
 
-TEST_F(Split, WorksOnATextOutOfTheListItself) {
+TEST_F(Split, WorksOnATextAndSeparatorsOutOfTheListItself) {
   constexpr std::size_t kFull = FreedMemoryOverwritten::kWholeBytes / sizeof(std::string);
-  FieldList fields(kFull, "a/b/c");  // The first part finds no room and moves them all.
-  ASSERT_EQ(fields.capacity(), kFull);
-  const FreedMemoryOverwritten overwritten;
-  EXPECT_EQ(config.Split(fields[0], fields, "/"), 0);
-  ASSERT_EQ(fields.size(), kFull + 3);
-  EXPECT_EQ(fields[0], "a/b/c");
-  EXPECT_EQ(fields[kFull] + fields[kFull + 1] + fields[kFull + 2], "abc");
+  const std::string text = "a/b/c";
+  for (const bool ownText : {true, false}) {
+    FieldList fields(kFull, text);  // The first part finds no room and moves them all.
+    fields[1] = "/";
+    ASSERT_EQ(fields.capacity(), kFull);
+    const FreedMemoryOverwritten overwritten;
+    EXPECT_EQ(ownText ? config.Split(fields[0], fields, "/") : config.Split(text, fields, fields[1]), 0);
+    ASSERT_EQ(fields.size(), kFull + 3);
+    EXPECT_EQ(fields[0], text);
+    EXPECT_EQ(fields[kFull] + fields[kFull + 1] + fields[kFull + 2], "abc");
+  }
 }
 
 TEST_F(Split, AgreesWithTheLiteralRule) {

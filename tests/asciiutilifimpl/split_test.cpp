@@ -115,17 +115,21 @@ TEST_F(SplitStr, TakesATextFromAnywhere) {
   }
 }
 
-TEST_F(SplitStr, WorksOnATextOutOfTheListItself) {
+TEST_F(SplitStr, WorksOnATextAndASeparatorOutOfTheListItself) {
   constexpr std::size_t kFull = FreedMemoryOverwritten::kWholeBytes / sizeof(std::string);
   for (const char* const separator : {",", "--"}) {
     const std::string text = std::string("a") + separator + "b" + separator + "c";
-    Texts pieces(kFull, text);  // The first piece finds no room and moves them all.
-    ASSERT_EQ(pieces.capacity(), kFull);
-    const FreedMemoryOverwritten overwritten;
-    EXPECT_EQ(impl.SplitStr(pieces[1], separator, pieces), 0);
-    ASSERT_EQ(pieces.size(), kFull + 3);
-    EXPECT_EQ(pieces[1], text);
-    EXPECT_EQ(pieces[kFull] + pieces[kFull + 1] + pieces[kFull + 2], "abc");
+    for (const bool ownText : {true, false}) {
+      Texts pieces(kFull, text);  // The first piece finds no room and moves them all.
+      pieces[2] = separator;
+      ASSERT_EQ(pieces.capacity(), kFull);
+      const FreedMemoryOverwritten overwritten;
+      EXPECT_EQ(
+          ownText ? impl.SplitStr(pieces[1], separator, pieces) : impl.SplitStr(text, pieces[2], pieces), 0);
+      ASSERT_EQ(pieces.size(), kFull + 3);
+      EXPECT_EQ(pieces[1], text);
+      EXPECT_EQ(pieces[kFull] + pieces[kFull + 1] + pieces[kFull + 2], "abc");
+    }
   }
 }
 
