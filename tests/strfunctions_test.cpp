@@ -11,6 +11,7 @@
 
 namespace {
 
+using NS_ASCII::CountOf;
 using NS_ASCII::IsElementOf;
 using NS_ASCII::Num2Str;
 using NS_ASCII::StrToLower;
@@ -63,13 +64,16 @@ TEST(TrimRight, TakesTrailingBlanksOnly) {
   EXPECT_EQ(TrimRight("a"), "a");
 }
 
+void ExpectTrimmedAsByTheLiteralRule(const std::string& text) {
+  ASSERT_EQ(Trim(text), literal::Trim(text)) << ::testing::PrintToString(text);
+  ASSERT_EQ(TrimView(text), literal::Trim(text)) << ::testing::PrintToString(text);
+  ASSERT_EQ(TrimLeft(text), literal::TrimLeft(text)) << ::testing::PrintToString(text);
+  ASSERT_EQ(TrimRight(text), literal::TrimRight(text)) << ::testing::PrintToString(text);
+}
+
 TEST(Trim, AgreesWithTheLiteralRuleInAllItsForms) {
-  testing_text::ForEachText({" \t\n\r\v\0a\xA0", 8}, 5, [](const std::string& text) {
-    ASSERT_EQ(Trim(text), literal::Trim(text)) << ::testing::PrintToString(text);
-    ASSERT_EQ(TrimView(text), literal::Trim(text)) << ::testing::PrintToString(text);
-    ASSERT_EQ(TrimLeft(text), literal::TrimLeft(text)) << ::testing::PrintToString(text);
-    ASSERT_EQ(TrimRight(text), literal::TrimRight(text)) << ::testing::PrintToString(text);
-  });
+  testing_text::ForEachText({" \t\n\r\v\0a\xA0", 8}, 5,
+                            [](const std::string& text) { ExpectTrimmedAsByTheLiteralRule(text); });
 }
 
 // Long runs of blanks may be passed in another way than short ones.
@@ -87,11 +91,41 @@ TEST(Trim, AgreesWithTheLiteralRuleOnLongRunsOfBlanks) {
       }
       for (const std::string& text :
            {run, broken, run + odd, odd + run, run + odd + run, broken + "text" + broken}) {
-        ASSERT_EQ(Trim(text), literal::Trim(text)) << ::testing::PrintToString(text);
-        ASSERT_EQ(TrimLeft(text), literal::TrimLeft(text)) << ::testing::PrintToString(text);
-        ASSERT_EQ(TrimRight(text), literal::TrimRight(text)) << ::testing::PrintToString(text);
+        ExpectTrimmedAsByTheLiteralRule(text);
       }
     }
+  }
+}
+
+TEST(Trim, EndsLongRunsOfBlanksAtEveryOtherByte) {
+  for (const char blank : {' ', '\t', '\n', '\r'}) {
+    for (int byte = 0; byte < 256; ++byte) {
+      for (const std::size_t place : {0, 1, 100, 127, 128, 129, 200, 299}) {
+        std::string text(300, blank);
+        text[place] = static_cast<char>(byte);
+        ExpectTrimmedAsByTheLiteralRule(text);
+      }
+    }
+  }
+}
+
+TEST(Trim, AgreesWithTheLiteralRuleOnRunsOfOneByte) {
+  testing_text::RandomText random(47);
+  const std::size_t lengths[] = {0, 1, 5, 64, 127, 128, 129, 255, 256, 257, 300};
+  for (int trial = 0; trial < testing_text::Trials(3000); ++trial) {
+    std::string text;
+    for (std::size_t runs = random.Below(5); runs > 0; --runs) {
+      text += std::string(lengths[random.Below(11)], " \t\n\rx~\x0B!"[random.Below(8)]);
+    }
+    ExpectTrimmedAsByTheLiteralRule(text);
+  }
+}
+
+TEST(CountOf, CountsLongTextsToo) {
+  for (const std::size_t length : {0, 1, 254, 255, 256, 257, 510, 511, 5000}) {
+    EXPECT_EQ(CountOf('x', std::string(length, 'x')), length);
+    EXPECT_EQ(CountOf('y', std::string(length, 'x')), 0U);
+    EXPECT_EQ(CountOf('y', std::string(length, 'x') + 'y'), 1U);
   }
 }
 
