@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -90,6 +91,15 @@ TEST_F(SplitStr, UsesTheRoomThatTheListHas) {
   EXPECT_EQ(impl.SplitStr("a,b,c,d,e,f", ",", pieces), 0);
   EXPECT_EQ(pieces.size(), 10U);
   EXPECT_EQ(pieces.data(), place);
+}
+
+TEST_F(SplitStr, MakesRoomForAllPiecesAtOnceAndAtLeastDoublesTheList) {
+  for (std::size_t separators = 0; separators < 20; ++separators) {
+    Texts pieces(3);
+    impl.SplitStr(std::string(separators, ','), ",", pieces);
+    EXPECT_EQ(pieces.size(), 3 + separators + 1);
+    EXPECT_EQ(pieces.capacity(), std::max<std::size_t>(6, pieces.size()));
+  }
 }
 
 TEST_F(SplitStr, MovesAListThatIsAppendedToAgainAndAgainOnlyNowAndThen) {

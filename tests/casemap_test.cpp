@@ -1,0 +1,72 @@
+#include "src/casemap.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <string>
+#include <utility>
+
+// How ToUpper, StrToUpper and StrToLower use this is tested with those, and in other locales with
+// locale_test.
+
+namespace {
+
+using NS_ASCII::IsAscii;
+using NS_ASCII::kPlainLower;
+using NS_ASCII::kPlainUpper;
+using NS_ASCII::MapCase;
+using NS_ASCII::SignedUpper;
+
+TEST(PlainCase, MapsAllBytesAsTheCLocaleDoes) {
+  for (int byte = 0; byte < 256; ++byte) {
+    EXPECT_EQ(kPlainUpper.mapped[static_cast<std::size_t>(byte)], std::toupper(byte)) << byte;
+    EXPECT_EQ(kPlainLower.mapped[static_cast<std::size_t>(byte)], std::tolower(byte)) << byte;
+  }
+}
+
+TEST(IsAscii, LooksAtEveryByte) {
+  EXPECT_TRUE(IsAscii(""));
+  for (int byte = 0; byte < 256; ++byte) {
+    for (std::size_t place = 0; place < 40; ++place) {
+      std::string text(40, 'a');
+      text[place] = static_cast<char>(byte);
+      EXPECT_EQ(IsAscii(text), byte < 128) << byte << ' ' << place;
+    }
+  }
+}
+
+TEST(SignedUpper, IsPlainInTheCLocale) {
+  EXPECT_TRUE(SignedUpper().IsPlain(false));
+  EXPECT_TRUE(SignedUpper().IsPlain(true));
+}
+
+/// What MapCase makes of the text when looking a byte up gives '?', and all bytes, or the ASCII ones, are
+/// said to be mapped plainly; with the number of such questions behind it.
+std::pair<std::string, int> Mapped(std::string text, bool allPlain, bool asciiPlain) {
+  int questions = 0;
+  MapCase(
+      text, kPlainUpper, [](char) { return '?'; },
+      [&](bool ascii) {
+        ++questions;
+        return ascii ? asciiPlain : allPlain;
+      });
+  return {text, questions};
+}
+
+TEST(MapCase, LooksUpEachByteOfAShortTextWithoutAQuestion) {
+  EXPECT_EQ(Mapped("", true, true), std::pair(std::string(), 0));
+  EXPECT_EQ(Mapped(std::string(31, 'a'), true, true), std::pair(std::string(31, '?'), 0));
+}
+
+TEST(MapCase, LooksNoByteUpWhereAllAreMappedPlainly) {
+  EXPECT_EQ(Mapped(std::string(32, 'a'), true, false), std::pair(std::string(32, 'A'), 1));
+  EXPECT_EQ(Mapped(std::string(99, '\xE4') + "az", true, true), std::pair(std::string(99, '\xE4') + "AZ", 1));
+}
+
+TEST(MapCase, LooksNoByteOfAnAsciiTextUpWhereThoseAreMappedPlainly) {
+  EXPECT_EQ(Mapped(std::string(32, 'z'), false, true), std::pair(std::string(32, 'Z'), 2));
+  EXPECT_EQ(Mapped(std::string(32, '\xE4'), false, true), std::pair(std::string(32, '?'), 2));
+  EXPECT_EQ(Mapped(std::string(32, 'z'), false, false), std::pair(std::string(32, '?'), 2));
+}
+
+}  // namespace
