@@ -25,6 +25,7 @@ TEST_F(SplitFirst, LeavesBothTextsAloneWithoutADelimiter) {
   std::string tail = "tail";
   EXPECT_FALSE(impl.SplitFirst("kv", head, tail, "="));
   EXPECT_FALSE(impl.SplitFirst("k=v", head, tail, ""));
+  EXPECT_FALSE(impl.SplitFirst(std::string("k\0v", 3), head, tail, ""));
   EXPECT_FALSE(impl.SplitFirst("", head, tail, "="));
   EXPECT_EQ(head + tail, "headtail");
 }
