@@ -98,9 +98,10 @@ TEST(Trim, AgreesWithTheLiteralRuleOnLongRunsOfBlanks) {
 }
 
 TEST(Trim, EndsLongRunsOfBlanksAtEveryOtherByte) {
+  const std::size_t places[] = {0, 1, 100, 127, 128, 129, 200, 299};
   for (const char blank : {' ', '\t', '\n', '\r'}) {
     for (int byte = 0; byte < 256; ++byte) {
-      for (const std::size_t place : {0, 1, 100, 127, 128, 129, 200, 299}) {
+      for (const std::size_t place : places) {
         std::string text(300, blank);
         text[place] = static_cast<char>(byte);
         ExpectTrimmedAsByTheLiteralRule(text);
@@ -122,7 +123,8 @@ TEST(Trim, AgreesWithTheLiteralRuleOnRunsOfOneByte) {
 }
 
 TEST(CountOf, CountsLongTextsToo) {
-  for (const std::size_t length : {0, 1, 254, 255, 256, 257, 510, 511, 5000}) {
+  const std::size_t lengths[] = {0, 1, 254, 255, 256, 257, 510, 511, 5000};
+  for (const std::size_t length : lengths) {
     EXPECT_EQ(CountOf('x', std::string(length, 'x')), length);
     EXPECT_EQ(CountOf('y', std::string(length, 'x')), 0U);
     EXPECT_EQ(CountOf('y', std::string(length, 'x') + 'y'), 1U);
