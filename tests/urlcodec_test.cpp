@@ -191,6 +191,24 @@ TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnEveryByteWhereverItStandsInAPla
   }
 }
 
+// One text for each pair of plain characters, all others between them to be escaped or of one plain kind.
+TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleBetweenPlainCharacters) {
+  framework.SetRecording(false);
+  framework.convert = recording::CopyThrough;
+  const std::string plain = "aZ09 -._*";
+  for (const char first : plain) {
+    for (const char last : plain) {
+      for (const char between : plain + "/~!\x01\xE9") {
+        for (const std::size_t escapes : {std::size_t{0}, std::size_t{1}, std::size_t{15}, std::size_t{30}}) {
+          const std::string text =
+              first + std::string(escapes, '/') + std::string(30 - escapes, between) + last;
+          ASSERT_EQ(GetURLEncoding(text), literal::EncodeLatin1(text)) << recording::Quoted(text);
+        }
+      }
+    }
+  }
+}
+
 TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleAroundItsBlocks) {
   framework.SetRecording(false);
   framework.convert = recording::CopyThrough;

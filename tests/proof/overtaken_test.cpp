@@ -15,9 +15,11 @@ namespace {
 
 class Overtaken : public recording::FrameworkTest {
  protected:
-  Overtaken() {
+  Overtaken() { framework.intItems["IsTransQuelt"] = 1; }
+
+  /// The log manager destroys the logger that it was given.
+  void GiveLoggersAway() {
     framework.logger = [] { return new recording::Logger; };
-    framework.intItems["IsTransQuelt"] = 1;
   }
 
   std::ptrdiff_t CallsOf(const std::string& start) const {
@@ -45,6 +47,7 @@ TEST_F(Overtaken, AFirstMessageIsSentLikeThatOfTheOtherThread) {
 }
 
 TEST_F(Overtaken, AFirstDebugMessageGoesToTheLogManagerOfTheOtherThread) {
+  GiveLoggersAway();
   NS_ASCII::LogMgr* theirs = nullptr;
   {
     const auto other = OtherThreadFirst([&theirs] { theirs = NS_ASCII::LogMgr::Instance(); });
@@ -57,6 +60,7 @@ TEST_F(Overtaken, AFirstDebugMessageGoesToTheLogManagerOfTheOtherThread) {
 }
 
 TEST_F(Overtaken, AReleaseLeavesTheDestructionToTheOtherThread) {
+  GiveLoggersAway();
   ASSERT_NE(NS_ASCII::LogMgr::Instance(), nullptr);
   {
     const auto other = OtherThreadFirst([] { NS_ASCII::LogMgr::Release(); });
@@ -73,7 +77,10 @@ TEST_F(Overtaken, NoLockIsTakenWhereNothingIsToBeMadeOrDestroyed) {
     EXPECT_FALSE(lock.happened());
   }
   EXPECT_TRUE(util.IsTransQueltEnabled());
+  const auto common = framework.logger;
+  GiveLoggersAway();
   EXPECT_EQ(util.WriteDbgLog("makes the log manager, the key and the record"), 0);
+  framework.logger = common;
   {
     const faults::BeforeLock lock([] {});
     EXPECT_NE(NS_ASCII::ObtainLogger("a", "b", "c"), nullptr);
