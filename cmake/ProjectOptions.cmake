@@ -36,7 +36,8 @@ if(ASCII_UTIL_SANITIZE)
   endif()
 endif()
 if(ASCII_UTIL_COVERAGE)
-  target_compile_options(ascii_util_options INTERFACE --coverage -fprofile-abs-path)
+  # Atomic, because tests count on several threads; the counts would otherwise come out torn.
+  target_compile_options(ascii_util_options INTERFACE --coverage -fprofile-abs-path -fprofile-update=atomic)
   # The function by which a process that is about to abort writes its counters.
   target_link_options(ascii_util_options INTERFACE --coverage -Wl,--undefined=__gcov_dump)
 endif()
