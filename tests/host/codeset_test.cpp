@@ -23,6 +23,9 @@ std::size_t mostBytes = SIZE_MAX;
   }
   return piece;
 }
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept {
+  return size <= mostBytes ? std::malloc(size) : nullptr;
+}
 [[gnu::noinline]] void operator delete(void* piece) noexcept { std::free(piece); }
 [[gnu::noinline]] void operator delete(void* piece, std::size_t) noexcept { std::free(piece); }
 
