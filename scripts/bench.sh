@@ -50,7 +50,7 @@ run fields ascii_util_bench '^(GetKeyValue|IsKeyValueAboveOne|IsContain|SplitStr
 run coding ascii_util_bench '^(GetURLEncoding|GetURLDecoding|SetURLDecoding)/' 11 0.005
 run host ascii_util_host_bench '^(GetTimeStamp|utf8toiso8859)/' 21 0.01
 run lookup ascii_util_bench '^(Lookup|GetAlmCfgValue)/' 7 0.1
-run readers ascii_util_bench '^Readers/' 5 0.1
+run readers ascii_util_bench '^Readers/' 9 0.2
 run reload ascii_util_bench '^Reload/' 5 0.1
 run memory ascii_util_bench '^Memory/' 1 0.1
 run load_small ascii_util_bench '^LoadConfig/10\^3' 11 0.02
