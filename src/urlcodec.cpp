@@ -295,7 +295,7 @@ std::string GetURLEncoding(std::string text) {
     if (text.capacity() - text.size() < length) {
       // One allocation, as a rule: the rest is taken to become longer by as much as this block did.
       const auto rest = static_cast<std::size_t>(end - behind.in);
-      text.reserve(text.size() + length + rest * length / static_cast<std::size_t>(behind.in - in));
+      text.reserve(text.size() + length + rest * length / kEncoderBlock);
     }
     text.append(buffer.data(), length);
     in = behind.in;
