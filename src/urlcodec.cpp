@@ -295,7 +295,8 @@ std::string GetURLEncoding(std::string text) {
     if (text.capacity() - text.size() < length) {
       // One allocation, as a rule: the rest is taken to become longer by as much as this block did.
       const auto rest = static_cast<std::size_t>(end - behind.in);
-      text.reserve(text.size() + length + rest * length / kEncoderBlock);
+      const auto done = static_cast<std::size_t>(behind.in - in);  // Never 0, which the analyzer cannot see.
+      text.reserve(text.size() + length + rest * length / done);   // NOLINT(clang-analyzer-core.DivideZero)
     }
     text.append(buffer.data(), length);
     in = behind.in;
