@@ -92,6 +92,15 @@ TEST_F(GetKeyValue, AgreesWithTheLiteralRuleOnEveryShortText) {
   });
 }
 
+TEST_F(GetKeyValue, IgnoresWhateverStandsBetweenTheNulOfAPairsKeyAndItsEqualsSign) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const char c = static_cast<char>(byte);
+    if (c != ',' && c != '=') {
+      EXPECT_EQ(impl.GetKeyValue("A", std::string({'A', '\0', c, '=', '1'})), "1") << byte;
+    }
+  }
+}
+
 // Long texts are searched in blocks, whose ends must not show; pairs with the key start after every kind of
 // blank and separator, at every place of a block.
 TEST_F(GetKeyValue, AgreesWithTheLiteralRuleOnLongTexts) {
