@@ -360,6 +360,7 @@ int KelpCodeSetConvert(const std::string& fromCode, const std::string& toCode, c
 extern "C" int sprintf_s(char* buffer, std::size_t size, const char* format, ...) {
   Framework::Instance().Called("sprintf_s", size, std::string(format));
   if (Framework::Instance().sprintfResult) {
+    buffer[0] = '\0';
     return *Framework::Instance().sprintfResult;
   }
   va_list values;

@@ -123,7 +123,7 @@ class Framework {
   std::string cfgDir;                   ///< `GetCfgDirPath`
   std::map<std::string, int> intItems;  ///< the readable items of `GetIntItemInfo`
   std::optional<int> unreadable;        ///< what a failing `GetIntItemInfo` leaves in the value; else nothing
-  std::optional<int> sprintfResult;     ///< what `sprintf_s` answers; else it formats
+  std::optional<int> sprintfResult;     ///< what `sprintf_s` answers, writing nothing; else it formats
   std::list<NS_BUNDLEMGR1::Bundle*> bundles;  ///< the loaded bundles; `GetBundle` finds a recording one
   Converter convert;                          ///< `KelpCodeSetConvert`; at first `Utf8ToLatin1`
   std::function<std::string(int)> num2Str;    ///< `NSTE_util::Num2Str`

@@ -90,4 +90,11 @@ TEST_F(GetTimeStamp, IsEmptyAndLoggedWheneverTheFormatterFails) {
   EXPECT_THAT(framework.Messages(), ElementsAre(Said(86, 1, "sprintf_s failed.")));
 }
 
+// Only a negative result is a failure.
+TEST_F(GetTimeStamp, IsWhatTheFormatterWroteWhenThatIsNothing) {
+  framework.sprintfResult = 0;
+  EXPECT_EQ(impl.GetTimeStamp(), "");
+  EXPECT_THAT(framework.Messages(), IsEmpty());
+}
+
 }  // namespace
