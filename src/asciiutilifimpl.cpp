@@ -28,9 +28,10 @@ bool StartsWithText(std::string_view text) { return !text.empty() && text.front(
 /// How many characters are looked through at a time for the start of a pair.
 constexpr std::size_t kPairBlock = 32;
 
-/// Whether one of the characters at `block` is `first` and has a separator or blank before it, as the first
-/// character of a pair has. A loop of constant length without exits becomes a few vector instructions, and a
-/// count is the form in which compilers see that.
+/// False only if none of the characters at `block` is `first` with a separator or blank before it, as the
+/// first character of a pair has. All of these are at most ','; that others are, too, costs a closer look. A
+/// loop of constant length without exits becomes a few vector instructions, and a count is the form in which
+/// compilers see that.
 bool MayStartPair(const char* block, char first) {
   unsigned char starts = 0;
   for (std::size_t i = 0; i < kPairBlock; ++i) {
