@@ -30,12 +30,14 @@ constexpr bool IsKept(unsigned c) {
          c == '_' || c == '*';
 }
 
-/// A byte's own code, line ends not considered. All four bytes are written and only the length counted, which
-/// saves a decision per byte.
+/// A byte's own code. All four bytes are written and only the length counted, which saves a decision per
+/// byte. It is 0 for CR and LF, whose code depends on the byte behind.
 struct ByteCode {
   char text[3];
   unsigned char length;
 };
+
+constexpr bool IsLineEnd(unsigned c) { return c == '\r' || c == '\n'; }
 
 constexpr std::array<ByteCode, 256> MakeByteCodes() {
   std::array<ByteCode, 256> codes{};
@@ -45,7 +47,7 @@ constexpr std::array<ByteCode, 256> MakeByteCodes() {
     } else if (c > 0x0F) {
       codes[c] = {{'%', kHexDigits[c >> 4], kHexDigits[c & 0x0F]}, 3};
     } else {
-      codes[c] = {{'%', kHexDigits[c], 0}, 2};
+      codes[c] = {{'%', kHexDigits[c], 0}, static_cast<unsigned char>(IsLineEnd(c) ? 0 : 2)};
     }
   }
   return codes;
@@ -63,23 +65,38 @@ struct Progress {
   char* out;
 };
 
-/// Encodes the CR or LF at `at.in`, whose code may depend on the byte behind it and stand for that as well.
-inline Progress EncodeLineEnd(Progress at, const char* textEnd) {
-  const bool last = at.in + 1 == textEnd;
-  const ByteCode next = last ? ByteCode{} : CodeOf(at.in[1]);
+/// Encodes the CR or LF at `at.in`, whose code may stand for the byte behind it as well, or as many LFs as
+/// follow one another before `end`. The NUL behind a text's last byte serves as what is behind that byte: its
+/// escape, "%0", is as good as the end of the text.
+inline Progress EncodeLineEnd(Progress at, const char* end) {
+  for (; at.in[0] == '\n' && at.in[1] == '\n' && at.in + 1 != end; ++at.in) {
+    at.out = Append(kLineEnd, at.out);
+  }
+  const ByteCode& next = CodeOf(at.in[1]);
   const bool beforeEscape = next.text[0] == '%';
   if (*at.in == '\n') {
-    if (last || beforeEscape) {
-      return {at.in + 1, Append(kLineEnd, at.out)};
-    }
-    return {at.in + 1, Append("%a", at.out)};
+    return {at.in + 1, Append(beforeEscape ? kLineEnd : "%a", at.out)};
   }
   if (!beforeEscape || next.text[1] != 'a') {
     return {at.in + 1, Append("%d", at.out)};
   }
   at.out = Append(kLineEnd, at.out);
   *at.out = next.text[2];  // The second digit of 0xA0 to 0xAF; not counted for a LF, which has none.
-  return {at.in + 2, at.out + (next.length - 2)};
+  return {at.in + 2, at.out + (next.length == 3 ? 1 : 0)};
+}
+
+inline Progress EncodeByte(Progress at, const ByteCode& code) {
+  std::memcpy(at.out, &code, sizeof code);
+  return {at.in + 1, at.out + code.length};
+}
+
+/// Encodes the bytes before `end`, and one more if a CR takes that in.
+inline Progress EncodeBytes(Progress at, const char* end) {
+  while (at.in < end) {
+    const ByteCode& code = CodeOf(*at.in);
+    at = code.length == 0 ? EncodeLineEnd(at, end) : EncodeByte(at, code);
+  }
+  return at;
 }
 
 /// Runs of bytes that need no escape are encoded and decoded this many at a time. The loops over them are
@@ -105,18 +122,12 @@ void EncodeRun(const char* in, char* out) {
   }
 }
 
-inline Progress EncodeBytes(Progress at, const char* end, const char* textEnd) {
-  while (at.in < end) {
-    if (*at.in == '\n' || *at.in == '\r') {
-      at = EncodeLineEnd(at, textEnd);
-    } else {
-      const ByteCode& code = CodeOf(*at.in);
-      std::memcpy(at.out, &code, sizeof code);
-      at.out += code.length;
-      ++at.in;
-    }
+bool HasLineEnd(const char* in) {
+  unsigned char lineEnds = 0;
+  for (std::size_t i = 0; i < kRun; ++i) {
+    lineEnds = static_cast<unsigned char>(lineEnds + ((in[i] == '\r') | (in[i] == '\n')));
   }
-  return at;
+  return lineEnds != 0;
 }
 
 /// How many bytes are encoded into a buffer at a time, and how long their codes can get: that of a LF is
@@ -128,15 +139,20 @@ constexpr std::size_t kEncoderBuffer = kEncoderBlock * kLineEnd.size() + sizeof(
 Progress EncodeBlock(Progress at, const char* textEnd) {
   const char* const end = at.in + std::min(static_cast<std::size_t>(textEnd - at.in), kEncoderBlock);
   while (end - at.in >= static_cast<std::ptrdiff_t>(kRun)) {
+    const char* const runEnd = at.in + kRun;
     // The ends are a cheap first look.
     if (CodeOf(at.in[0]).length == 1 && CodeOf(at.in[kRun - 1]).length == 1 && IsRun(at.in)) {
       EncodeRun(at.in, at.out);
-      at = {at.in + kRun, at.out + kRun};
+      at = {runEnd, at.out + kRun};
+    } else if (HasLineEnd(at.in)) {
+      at = EncodeBytes(at, runEnd);
     } else {
-      at = EncodeBytes(at, at.in + kRun, textEnd);
+      while (at.in != runEnd) {
+        at = EncodeByte(at, CodeOf(*at.in));
+      }
     }
   }
-  return EncodeBytes(at, end, textEnd);
+  return EncodeBytes(at, end);
 }
 
 /// What a byte means to the extraction of a hexadecimal integer.
