@@ -31,8 +31,7 @@ void LogBadLine(int line, std::string_view text) {
   LogFormatted(kTag, line, kLevel, kBadLineFormat, std::string(text).c_str());
 }
 
-template <class Record>
-AlarmKey KeyOf(const Record& record) {
+AlarmKey KeyOf(const AlarmConfigRecord& record) {
   return {record.key1, record.key2, record.key3, record.numKey};
 }
 
@@ -157,10 +156,9 @@ LineFate Alarm_Config_Param::TakeLine(const char* text, LineWork& work) {
   if (!ExpandLine(work.fields, work.byKey1, work.all, line)) {
     return LineFate::kLogged;
   }
-  for (const AlarmRecordView& record : work.all) {
-    valueMap.Insert(KeyOf(record), record.value);
-  }
-  key3Set.Intern(work.all.front().key3);  // All of a line's records have it.
+  // All of a line's records have the same value and third column.
+  valueMap.InsertAll(work.all, work.all.front().value);
+  key3Set.Intern(work.all.front().key3);
   return LineFate::kStored;
 }
 

@@ -21,11 +21,7 @@ struct AlarmConfigRecord {
 };
 
 /// An entry whose fields look into a line that somebody else keeps.
-struct AlarmRecordView {
-  std::string_view key1;
-  std::string_view key2;
-  std::string_view numKey;
-  std::string_view key3;
+struct AlarmRecordView : AlarmKey {
   std::string_view value;
 };
 

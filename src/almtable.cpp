@@ -55,13 +55,30 @@ AlarmTable::SlotArray::SlotArray(std::size_t count, std::unique_ptr<SlotArray> p
 AlarmTable::~AlarmTable() { delete array_.load(std::memory_order_relaxed); }
 
 void AlarmTable::Insert(const AlarmKey& key, std::string_view value) {
+  Put(key, HashOf(key), values_.Intern(value));
+}
+
+std::uint32_t AlarmTable::HashAndFetch(const AlarmKey& key) const {
   const std::uint32_t hash = HashOf(key);
+  // Relaxed: only this thread ever stores it.
+  if (const SlotArray* const array = array_.load(std::memory_order_relaxed); array != nullptr) {
+    __builtin_prefetch(&array->slots[hash & array->mask]);
+  }
+  return hash;
+}
+
+void AlarmTable::Put(const AlarmKey& key, std::uint32_t hash, Ref value) {
   // Relaxed: only this thread ever stores it.
   SlotArray* array = array_.load(std::memory_order_relaxed);
   std::size_t slot = 0;
   if (array != nullptr) {
     if (const Ref ref = Locate(*array, key, hash, slot); ref != 0) {
-      SetValue(ref, value);
+      // The value number is the one part of a published node that may change. Equal numbers are equal texts.
+      auto& current = const_cast<std::atomic<Ref>&>(NodeAt(ref).value);
+      if (current.load(std::memory_order_relaxed) != value) {
+        // Release: the text is complete before its number is seen.
+        current.exchange(value, std::memory_order_release);
+      }
       return;
     }
   }
@@ -162,24 +179,14 @@ AlarmTable::Ref AlarmTable::Locate(const SlotArray& array, const AlarmKey& key, 
   }
 }
 
-void AlarmTable::SetValue(Ref ref, std::string_view value) {
-  // The value number is the one part of a published node that may change.
-  auto& current = const_cast<std::atomic<Ref>&>(NodeAt(ref).value);
-  if (values_.Text(current.load(std::memory_order_relaxed)) != value) {
-    // Release: the text is complete before its number is seen.
-    current.exchange(values_.Intern(value), std::memory_order_release);
-  }
-}
-
 void AlarmTable::AddNode(SlotArray& array, std::size_t slot, const AlarmKey& key, std::uint32_t hash,
-                         std::string_view value) {
+                         Ref value) {
   const std::uint32_t lengths[] = {LengthOf(key.key1), LengthOf(key.key2), LengthOf(key.key3),
                                    LengthOf(key.numKey)};
-  const Ref valueRef = values_.Intern(value);
   const std::size_t textBytes = std::size_t{lengths[0]} + lengths[1] + lengths[2] + lengths[3];
   const Ref ref = nodes_.Allocate(sizeof(Node) + textBytes);
   char* const piece = nodes_.At(ref);
-  Node* const node = new (piece) Node{{valueRef}, {lengths[0], lengths[1], lengths[2], lengths[3]}};
+  Node* const node = new (piece) Node{{value}, {lengths[0], lengths[1], lengths[2], lengths[3]}};
   char* text = reinterpret_cast<char*>(node + 1);
   for (const std::string_view part : {key.key1, key.key2, key.key3, key.numKey}) {
     text += part.copy(text, part.size());

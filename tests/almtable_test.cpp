@@ -119,9 +119,10 @@ TEST(AlarmTable, RefusesAFieldOf4GiBAndAnswersAsBefore) {
   table.Insert({"a", "b", "c", "1"}, "value");
   const std::size_t reserved = table.ReservedBytes();
   const std::string_view tooLong("", std::size_t{1} << 32);
+  const NS_ASCII::AlarmArena::Ref value = table.values_.Intern("new");
   for (const AlarmKey& key : {AlarmKey{tooLong, "", "", ""}, AlarmKey{"", tooLong, "", ""},
                               AlarmKey{"", "", tooLong, ""}, AlarmKey{"", "", "", tooLong}}) {
-    EXPECT_THROW(table.AddNode(*table.array_, 0, key, 0, "new"), std::bad_alloc);
+    EXPECT_THROW(table.AddNode(*table.array_, 0, key, 0, value), std::bad_alloc);
   }
   EXPECT_EQ(table.size(), 1U);
   EXPECT_EQ(table.ReservedBytes(), reserved);
@@ -203,6 +204,31 @@ TEST(AlarmTable, FindsEveryEntryWhileItGrows) {
     ASSERT_EQ(Answer(table, {"alarm", "absent", "c", "1"}), "(none)");
   }
   EXPECT_EQ(AllOf(table).size(), 5000U);
+}
+
+TEST(AlarmTable, InsertsSeveralKeysAtOnceAsOneByOne) {
+  AlarmTable table;
+  table.Insert({"a", "b", "c", "17"}, "old");
+  std::vector<std::string> numbers;
+  for (int i = 0; i < 1000; ++i) {
+    numbers.push_back(std::to_string(i));
+  }
+  std::vector<AlarmKey> keys;
+  for (const std::string& number : numbers) {
+    keys.push_back({"a", "b", "c", number});
+  }
+  keys.push_back(keys.front());
+  table.InsertAll(keys, "new");  // The table grows several times on the way.
+  EXPECT_EQ(table.size(), 1000U);
+  for (const AlarmKey& key : keys) {
+    EXPECT_EQ(Answer(table, key), "new") << key.numKey;
+  }
+  table.InsertAll(std::vector<AlarmKey>{{"a", "b", "c", "17"}, {"x", "", "", ""}}, "newest");
+  EXPECT_EQ(Answer(table, {"a", "b", "c", "16"}), "new");
+  EXPECT_EQ(Answer(table, {"a", "b", "c", "17"}), "newest");
+  EXPECT_EQ(Answer(table, {"x", "", "", ""}), "newest");
+  table.InsertAll(std::vector<AlarmKey>(), "nobody's");
+  EXPECT_EQ(table.size(), 1001U);
 }
 
 TEST(AlarmTable, TakesNoMemoryForValuesItHasSeenBefore) {

@@ -45,7 +45,7 @@ Answer Ask(const Options& options, const DeskLoad& load) {
   const NS_ASCII::AlarmKey key = answer.Key();
   load.files().ForEachLine([&](Place place, const Records& records) {
     for (const auto& record : records) {
-      if (IsSameKey(KeyOf(record), key)) {
+      if (IsSameKey(record, key)) {
         answer.settings.push_back({place, record.value});
         return;
       }

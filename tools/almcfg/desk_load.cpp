@@ -60,10 +60,10 @@ void DeskLoad::ForEachInFileOrder(const std::function<void(const Entry&)>& visit
   std::string value;
   loaded_.ForEachLine([&](Place place, const Records& records) {
     for (auto record = records.begin(); record != records.end(); ++record) {
-      const AlarmKey key = KeyOf(*record);
+      const AlarmKey& key = *record;
       // An alternative that is named twice is one entry.
-      const bool isAgain = std::any_of(records.begin(), record,
-                                       [&key](const auto& before) { return IsSameKey(KeyOf(before), key); });
+      const bool isAgain =
+          std::any_of(records.begin(), record, [&key](const auto& before) { return IsSameKey(before, key); });
       if (!isAgain && loaded_.ServedBy(key) == place && table_.GetValue(key, value) == 0) {
         visit({key, value, place});
       }

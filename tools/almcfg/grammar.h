@@ -12,14 +12,9 @@
 
 namespace almcfg {
 
-/// What a line stands for. The records look into the line.
+/// What a line stands for. The records look into the line. Each is its own key.
 using Record = NS_ASCII::AlarmRecordView;
 using Records = std::vector<Record>;
-
-/// The four key fields of a record.
-inline NS_ASCII::AlarmKey KeyOf(const Record& record) {
-  return {record.key1, record.key2, record.key3, record.numKey};
-}
 
 inline bool IsSameKey(const NS_ASCII::AlarmKey& a, const NS_ASCII::AlarmKey& b) {
   return std::tie(a.key1, a.key2, a.key3, a.numKey) == std::tie(b.key1, b.key2, b.key3, b.numKey);

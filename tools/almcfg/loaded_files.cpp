@@ -16,7 +16,7 @@ constexpr LineNumber kProgressLines = 4096;
 
 bool HasKey(const Records& records, const AlarmKey& key) {
   return std::any_of(records.begin(), records.end(),
-                     [&key](const auto& record) { return IsSameKey(KeyOf(record), key); });
+                     [&key](const auto& record) { return IsSameKey(record, key); });
 }
 
 }  // namespace
@@ -57,7 +57,7 @@ void LoadedFiles::TakeLine(const SourceText& text, LineNumber number) {
     loaded_ = IdOf(place);
     if (fate == LineFate::kStored) {
       for (const auto& record : grammar.records()) {
-        earlier_.push_back(PlaceOf(index_.Put(KeyOf(record), loaded_)));
+        earlier_.push_back(PlaceOf(index_.Put(record, loaded_)));
       }
     }
     if (line.IsOverlong()) {
