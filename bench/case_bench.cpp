@@ -24,9 +24,13 @@ namespace {
 
 using Text = std::string;
 
+Text NameOf(const Text& operation, const Text& text, const Text& locale) {
+  return operation + "/" + SizeName(text.size()) + (locale == "C" ? "" : ", " + locale);
+}
+
 template <class Ours, class Literal>
-void EnterUpper(const Text& operation, const Text& text, Ours ours, Literal literal) {
-  const TextContest contest(operation + "/" + SizeName(text.size()), text.size(), text, ours);
+void EnterUpper(const Text& operation, const Text& text, const char* locale, Ours ours, Literal literal) {
+  const TextContest contest(NameOf(operation, text, locale), text.size(), text, ours, locale);
   contest.Against("literal", literal);
 #if BENCH_WITH_ABSEIL
   contest.Against("Abseil", [](const Text& input) { return absl::AsciiStrToUpper(input); });
@@ -39,9 +43,10 @@ void EnterUpper(const Text& operation, const Text& text, Ours ours, Literal lite
 #endif
 }
 
-void EnterLower(const Text& text) {
-  const TextContest contest("StrToLower/" + SizeName(text.size()), text.size(), text,
-                            [](const Text& input) { return NS_ASCII::StrToLower(input); });
+void EnterLower(const Text& text, const char* locale) {
+  const TextContest contest(
+      NameOf("StrToLower", text, locale), text.size(), text,
+      [](const Text& input) { return NS_ASCII::StrToLower(input); }, locale);
   contest.Against("literal", [](const Text& input) { return literal::StrToLower(input); });
 #if BENCH_WITH_ABSEIL
   contest.Against("Abseil", [](const Text& input) { return absl::AsciiStrToLower(input); });
@@ -55,15 +60,17 @@ void EnterLower(const Text& text) {
 }
 
 const bool entered = [] {
-  for (const std::size_t bytes : {16, 64, 4096}) {
-    const Text text = Words(bytes);
-    EnterUpper(
-        "StrToUpper", text, [](const Text& input) { return NS_ASCII::StrToUpper(input); },
-        [](const Text& input) { return literal::StrToUpper(input); });
-    EnterUpper(
-        "ToUpper", text, [](const Text& input) { return Util().ToUpper(input); },
-        [](const Text& input) { return literal::ToUpper(input); });
-    EnterLower(text);
+  for (const char* const locale : {"C", "C.UTF-8"}) {
+    for (const std::size_t bytes : {16, 64, 4096}) {
+      const Text text = Words(bytes);
+      EnterUpper(
+          "StrToUpper", text, locale, [](const Text& input) { return NS_ASCII::StrToUpper(input); },
+          [](const Text& input) { return literal::StrToUpper(input); });
+      EnterUpper(
+          "ToUpper", text, locale, [](const Text& input) { return Util().ToUpper(input); },
+          [](const Text& input) { return literal::ToUpper(input); });
+      EnterLower(text, locale);
+    }
   }
   return true;
 }();

@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <clocale>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -34,11 +35,12 @@ inline Input Share(std::string text) { return std::make_shared<const std::string
 template <class Ours>
 class Contest {
  public:
-  /// `bytes` is the length of the input when throughput is of interest, else 0.
-  Contest(std::string name, std::size_t bytes, Ours ours)
-      : name_(std::move(name)), bytes_(bytes), ours_(std::move(ours)) {
+  /// `bytes` is the length of the input when throughput is of interest, else 0. `locale` is in force whenever
+  /// a contestant runs.
+  Contest(std::string name, std::size_t bytes, Ours ours, const char* locale = "C")
+      : name_(std::move(name)), bytes_(bytes), ours_(std::move(ours)), locale_(locale) {
     Register(
-        name_ + "/ours", bytes_, [] {}, ours_);
+        name_ + "/ours", bytes_, locale_, [] {}, ours_);
   }
 
   /// Enters `rival`, a callable that returns what `Ours` returns.
@@ -58,7 +60,7 @@ class Contest {
         Disagree(name);
       }
     };
-    Register(name, bytes_, check, rival);
+    Register(name, bytes_, locale_, check, rival);
     return *this;
   }
 
@@ -66,14 +68,18 @@ class Contest {
   template <class Run>
   const Contest& Floor(Run run) const {
     Register(
-        name_ + "/floor", bytes_, [] {}, run);
+        name_ + "/floor", bytes_, locale_, [] {}, run);
     return *this;
   }
 
  private:
   template <class Check, class Run>
-  static void Register(const std::string& name, std::size_t bytes, Check check, Run run) {
-    benchmark::RegisterBenchmark(name.c_str(), [bytes, check, run](benchmark::State& state) {
+  static void Register(const std::string& name, std::size_t bytes, const char* locale, Check check, Run run) {
+    benchmark::RegisterBenchmark(name.c_str(), [bytes, locale, check, run](benchmark::State& state) {
+      if (std::setlocale(LC_ALL, locale) == nullptr) {
+        state.SkipWithError("no such locale");
+        return;
+      }
       check();
       for ([[maybe_unused]] auto unused : state) {
         auto answer = run();
@@ -88,6 +94,7 @@ class Contest {
   std::string name_;
   std::size_t bytes_;
   Ours ours_;
+  const char* locale_;
 };
 
 /// `function` as a callable without arguments.
@@ -100,8 +107,9 @@ auto Applied(Function function, Input input) {
 template <class Ours>
 class TextContest {
  public:
-  TextContest(const std::string& name, std::size_t bytes, const std::string& text, Ours ours)
-      : input_(Share(text)), contest_(name, bytes, Applied(ours, input_)) {
+  TextContest(const std::string& name, std::size_t bytes, const std::string& text, Ours ours,
+              const char* locale = "C")
+      : input_(Share(text)), contest_(name, bytes, Applied(ours, input_), locale) {
     contest_.Floor([answer = ours(text)] { return std::string(answer); });
   }
 

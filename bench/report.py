@@ -23,10 +23,9 @@ GOALS = [
     ("Trim/12 B, a blank at each end", "Abseil", 0.4),
     ("Trim/40 B, 2 blanks at each end", "Abseil", 0.8),
     ("Trim/4 KiB of blanks", "Abseil", 0.2),
-    ("StrToUpper/64 B", "Abseil", 0.5),
-    ("StrToUpper/4 KiB", "Abseil", 0.1),
-    ("ToUpper/64 B", "Abseil", 0.5),
-    ("ToUpper/4 KiB", "Abseil", 0.1),
+    *[(f"{operation}/{size}{locale}", "Abseil", goal)
+      for operation in ("StrToUpper", "ToUpper") for locale in ("", ", C.UTF-8")
+      for size, goal in (("64 B", 0.5), ("4 KiB", 0.1))],
     ("Str2Num/5 digits", "strtol", 1.1),
     ("Num2Str/5 digits", "fmt", 1.0),
     ("GetTimeStamp/now", "strftime", 1.0),

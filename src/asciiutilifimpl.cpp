@@ -161,7 +161,8 @@ std::int64_t AsciiUtilInterfaceImpl::GetAlmCfgValue(std::int64_t& value, const s
 std::string AsciiUtilInterfaceImpl::ToUpper(const std::string& text) {
   std::string upper = text;
   const SignedUpper mapByte;
-  MapCase(upper, kPlainUpper, mapByte, [&mapByte](bool ascii) { return mapByte.IsPlain(ascii); });
+  MapCase(upper, kPlainUpper, mapByte.IsBuiltIn(), mapByte,
+          [&mapByte](bool ascii) { return mapByte.IsPlain(ascii); });
   return upper;
 }
 

@@ -2,6 +2,7 @@
 #define SRC_CASEMAP_H_
 
 #include <ctype.h>
+#include <locale.h>
 
 #include <algorithm>
 #include <array>
@@ -15,12 +16,13 @@
 /// Nearly all text is ASCII, nearly every locale maps ASCII as the "C" locale does, and UTF-8 locales map
 /// other single bytes to themselves. A text for which that holds is mapped without looking its bytes up.
 /// Whether it holds is established anew for each text: the locale may be another one next time, at the same
-/// address.
+/// address. Only the built-in "C" locale, which few services ever leave, is known by the address of its
+/// tables.
 ///
 /// The loops here are plain and without exits, so that they become vector instructions.
 namespace NS_ASCII {
 
-/// Texts shorter than this are mapped before anything is established about the locale.
+/// Texts shorter than this are mapped before anything is established about another locale.
 inline constexpr std::size_t kShortText = 32;
 
 constexpr char FlipLetter(char c, char firstLetter) {
@@ -44,6 +46,12 @@ constexpr PlainCase MakePlainCase(char firstLetter) {
 inline constexpr PlainCase kPlainUpper = MakePlainCase('a');
 inline constexpr PlainCase kPlainLower = MakePlainCase('A');
 
+/// The "C" locale that is part of the C library. It is no copy: nobody frees it, and its tables never change.
+inline const __locale_struct& BuiltInLocale() {
+  static const locale_t builtIn = newlocale(LC_ALL_MASK, "C", nullptr);
+  return *builtIn;
+}
+
 inline bool IsAscii(std::string_view text) {
   unsigned char bits = 0;
   for (const char c : text) {
@@ -58,6 +66,10 @@ class SignedUpper {
   char operator()(char c) const {
     const int code = static_cast<signed char>(c);  // NOLINT(bugprone-signed-char-misuse,cert-str34-c)
     return IsLower(code) ? static_cast<char>(upper_[code]) : c;
+  }
+
+  [[nodiscard]] bool IsBuiltIn() const {
+    return classes_ == BuiltInLocale().__ctype_b && upper_ == BuiltInLocale().__ctype_toupper;
   }
 
   /// Whether all bytes, or at least the ASCII ones, are mapped as in the "C" locale.
@@ -79,11 +91,13 @@ class SignedUpper {
   const std::int32_t* upper_ = *__ctype_toupper_loc();
 };
 
-/// Maps `text` in place. `mapByte` maps one char; `mapsPlainly(ascii)` tells whether it maps all bytes, or at
-/// least the ASCII ones, as `plain` does.
+/// Maps `text` in place. `mapByte` maps one char. `isBuiltIn` says that it does so as `plain` without being
+/// asked; else `mapsPlainly(ascii)` tells whether it does for all bytes, or at least for the ASCII ones.
 template <class MapByte, class MapsPlainly>
-void MapCase(std::string& text, const PlainCase& plain, MapByte mapByte, MapsPlainly mapsPlainly) {
-  if (text.size() >= kShortText && (mapsPlainly(false) || (mapsPlainly(true) && IsAscii(text)))) {
+void MapCase(std::string& text, const PlainCase& plain, bool isBuiltIn, MapByte mapByte,
+             MapsPlainly mapsPlainly) {
+  if (isBuiltIn ||
+      (text.size() >= kShortText && (mapsPlainly(false) || (mapsPlainly(true) && IsAscii(text))))) {
     const char firstLetter = plain.firstLetter;
     for (char& c : text) {
       c = FlipLetter(c, firstLetter);

@@ -56,10 +56,13 @@ inline std::string_view WithoutTrailing(std::string_view text) {
   return TrimRightView(text);
 }
 
-/// `table` is the C library's for the locale in force; it maps bytes as unsigned values.
-void MapByTable(std::string& text, const std::int32_t* table, const PlainCase& plain) {
+/// `table` is the C library's for the locale in force; it maps bytes as unsigned values. `builtIn` is that of
+/// the built-in locale.
+void MapByTable(std::string& text, const std::int32_t* table, const std::int32_t* builtIn,
+                const PlainCase& plain) {
   MapCase(
-      text, plain, [table](char c) { return static_cast<char>(table[static_cast<unsigned char>(c)]); },
+      text, plain, table == builtIn,
+      [table](char c) { return static_cast<char>(table[static_cast<unsigned char>(c)]); },
       [table, &plain](bool ascii) {
         return std::equal(table, table + (ascii ? 128 : 256), plain.mapped.begin());
       });
@@ -93,12 +96,12 @@ std::string TrimRight(const std::string& text) { return std::string(WithoutTrail
 std::string Trim(const std::string& text) { return std::string(WithoutTrailing(WithoutLeading(text))); }
 
 std::string StrToUpper(std::string text) {
-  MapByTable(text, *__ctype_toupper_loc(), kPlainUpper);
+  MapByTable(text, *__ctype_toupper_loc(), BuiltInLocale().__ctype_toupper, kPlainUpper);
   return text;
 }
 
 std::string StrToLower(std::string text) {
-  MapByTable(text, *__ctype_tolower_loc(), kPlainLower);
+  MapByTable(text, *__ctype_tolower_loc(), BuiltInLocale().__ctype_tolower, kPlainLower);
   return text;
 }
 

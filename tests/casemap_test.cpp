@@ -11,6 +11,7 @@
 
 namespace {
 
+using NS_ASCII::BuiltInLocale;
 using NS_ASCII::IsAscii;
 using NS_ASCII::kPlainLower;
 using NS_ASCII::kPlainUpper;
@@ -35,6 +36,20 @@ TEST(IsAscii, LooksAtEveryByte) {
   }
 }
 
+TEST(BuiltInLocale, IsTheOneInForceAtTheStart) {
+  EXPECT_EQ(BuiltInLocale().__ctype_toupper, *__ctype_toupper_loc());
+  EXPECT_EQ(BuiltInLocale().__ctype_tolower, *__ctype_tolower_loc());
+  EXPECT_TRUE(SignedUpper().IsBuiltIn());
+}
+
+TEST(BuiltInLocale, IsNoOtherOne) {
+  ASSERT_NE(setlocale(LC_ALL, "C.UTF-8"), nullptr);
+  EXPECT_NE(BuiltInLocale().__ctype_toupper, *__ctype_toupper_loc());
+  EXPECT_FALSE(SignedUpper().IsBuiltIn());
+  setlocale(LC_ALL, "C");
+  EXPECT_TRUE(SignedUpper().IsBuiltIn());
+}
+
 TEST(SignedUpper, IsPlainInTheCLocale) {
   EXPECT_TRUE(SignedUpper().IsPlain(false));
   EXPECT_TRUE(SignedUpper().IsPlain(true));
@@ -42,15 +57,22 @@ TEST(SignedUpper, IsPlainInTheCLocale) {
 
 /// What MapCase makes of the text when looking a byte up gives '?', and all bytes, or the ASCII ones, are
 /// said to be mapped plainly; with the number of such questions behind it.
-std::pair<std::string, int> Mapped(std::string text, bool allPlain, bool asciiPlain) {
+std::pair<std::string, int> Mapped(std::string text, bool allPlain, bool asciiPlain, bool builtIn = false) {
   int questions = 0;
   MapCase(
-      text, kPlainUpper, [](char) { return '?'; },
+      text, kPlainUpper, builtIn, [](char) { return '?'; },
       [&](bool ascii) {
         ++questions;
         return ascii ? asciiPlain : allPlain;
       });
   return {text, questions};
+}
+
+TEST(MapCase, LooksNoByteUpAndAsksNothingInTheBuiltInLocale) {
+  EXPECT_EQ(Mapped("", false, false, true), std::pair(std::string(), 0));
+  EXPECT_EQ(Mapped("a", false, false, true), std::pair(std::string("A"), 0));
+  EXPECT_EQ(Mapped(std::string(99, '\xE4') + "az", false, false, true),
+            std::pair(std::string(99, '\xE4') + "AZ", 0));
 }
 
 TEST(MapCase, LooksUpEachByteOfAShortTextWithoutAQuestion) {
