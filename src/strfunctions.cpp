@@ -14,11 +14,15 @@ namespace {
 /// instructions, and a count is the form in which compilers see that.
 constexpr std::size_t kBlankBlock = 128;
 
+/// A tab and a CR differ in one bit, so that one comparison finds both.
+constexpr int kAllButThatBit = ~('\t' ^ '\r');
+static_assert(('\r' & kAllButThatBit) == '\t');
+
 bool IsBlankBlock(const char* block) {
   unsigned char blanks = 0;
   for (std::size_t i = 0; i < kBlankBlock; ++i) {
     const char c = block[i];
-    blanks = static_cast<unsigned char>(blanks + (c == ' ') + (c == '\t') + (c == '\n') + (c == '\r'));
+    blanks = static_cast<unsigned char>(blanks + ((c == ' ') | (c == '\n') | ((c & kAllButThatBit) == '\t')));
   }
   return blanks == kBlankBlock;
 }
