@@ -26,7 +26,7 @@ constexpr char kValueSeparator = '=';
 bool StartsWithText(std::string_view text) { return !text.empty() && text.front() != '\0'; }
 
 /// How many characters are looked through at a time for the start of a pair.
-constexpr std::size_t kPairBlock = 32;
+constexpr std::size_t kPairBlock = 64;
 
 /// False only if none of the characters at `block` is `first` with a separator or blank before it, as the
 /// first character of a pair has. All of these are at most ','; that others are, too, costs a closer look. A
@@ -52,9 +52,9 @@ bool StartsPair(std::string_view text, std::size_t pos) {
 
 constexpr bool IsSeparator(char c) { return c == kPairSeparator || c == kValueSeparator; }
 
-/// Where the value starts if a pair with `key` starts at `pos`; else npos.
+/// Where the value starts if a pair with `key`, which is not empty, starts at `pos`; else npos.
 std::size_t ValueStart(std::string_view text, std::string_view key, std::size_t pos) {
-  if (!StartsPair(text, pos) || text.substr(pos, key.size()) != key) {
+  if (text[pos] != key.front() || !StartsPair(text, pos) || text.substr(pos, key.size()) != key) {
     return std::string_view::npos;
   }
   std::size_t end = pos + key.size();
@@ -73,8 +73,7 @@ std::string_view FindValue(const std::string& keyText, std::string_view text) {
   if (key.empty() || IsBlank(key.front())) {
     return {};  // No pair's key is either.
   }
-  std::size_t pos = text.find(key.front());
-  while (pos != std::string_view::npos) {
+  for (std::size_t pos = 0; pos < text.size(); pos = text.find(key.front(), pos)) {
     if (const std::size_t start = ValueStart(text, key, pos); start != std::string_view::npos) {
       const std::string_view rest = text.substr(start);
       const std::string_view value = TrimRightView(rest.substr(0, rest.find(kPairSeparator)));
@@ -84,7 +83,6 @@ std::string_view FindValue(const std::string& keyText, std::string_view text) {
     while (text.size() - pos >= kPairBlock && !MayStartPair(text.data() + pos, key.front())) {
       pos += kPairBlock;
     }
-    pos = text.find(key.front(), pos);
   }
   return {};
 }
