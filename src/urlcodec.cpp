@@ -351,7 +351,8 @@ std::string SetURLDecoding(std::string text) {
     escaped += "%25";
     pos = percent + 1;
   }
-  return escaped.append(text, pos);
+  escaped.append(text, pos);
+  return escaped;
 }
 
 }  // namespace NS_ASCII
