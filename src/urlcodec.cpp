@@ -65,9 +65,9 @@ struct Progress {
   char* out;
 };
 
-/// Encodes the CR or LF at `at.in`, whose code may stand for the byte behind it as well, or as many LFs as
-/// follow one another before `end`. The NUL behind a text's last byte serves as what is behind that byte: its
-/// escape, "%0", is as good as the end of the text.
+/// Encodes the CR or LF at `at.in`: a CR with the byte behind it, if the two make a line end, a LF with all
+/// LFs that follow at once before `end`. Behind a text's last byte stands its NUL, whose escape, "%0", is as
+/// good as the end of the text.
 inline Progress EncodeLineEnd(Progress at, const char* end) {
   for (; at.in[0] == '\n' && at.in[1] == '\n' && at.in + 1 != end; ++at.in) {
     at.out = Append(kLineEnd, at.out);
