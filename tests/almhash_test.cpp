@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <initializer_list>
 #include <set>
@@ -72,6 +73,19 @@ TEST(TextHash, SeesTheLengthOfEachText) {
   EXPECT_NE(HashOf({"abcdefgh", ""}), HashOf({"", "abcdefgh"}));
   EXPECT_NE(HashOf({"a", ""}), HashOf({"a"}));
   EXPECT_NE(HashOf({"a", "b"}), HashOf({"b", "a"}));
+}
+
+TEST(TextHash, SeesEachOfTheTextsOfAKey) {
+  constexpr std::size_t kTexts = 4;
+  for (std::size_t place = 0; place < kTexts; ++place) {
+    std::set<std::uint32_t> hashes;
+    for (int i = 0; i < 1000; ++i) {
+      std::array<std::string, kTexts> texts{"RNC1", "LOF", "LINK", "0"};
+      texts[place] = std::to_string(i);
+      hashes.insert(HashOf({texts[0], texts[1], texts[2], texts[3]}));
+    }
+    EXPECT_GE(hashes.size(), 999U) << place;
+  }
 }
 
 // Tables take the place of an entry from the lowest bits. Keys as they are configured, numbered one after the

@@ -27,11 +27,13 @@ TEST(PlainCase, MapsAllBytesAsTheCLocaleDoes) {
 
 TEST(IsAscii, LooksAtEveryByte) {
   EXPECT_TRUE(IsAscii(""));
-  for (int byte = 0; byte < 256; ++byte) {
-    for (std::size_t place = 0; place < 40; ++place) {
-      std::string text(40, 'a');
-      text[place] = static_cast<char>(byte);
-      EXPECT_EQ(IsAscii(text), byte < 128) << byte << ' ' << place;
+  for (const char other : {'\0', 'a'}) {
+    for (int byte = 0; byte < 256; ++byte) {
+      for (std::size_t place = 0; place < 40; ++place) {
+        std::string text(40, other);
+        text[place] = static_cast<char>(byte);
+        EXPECT_EQ(IsAscii(text), byte < 128) << byte << ' ' << place;
+      }
     }
   }
 }
