@@ -54,16 +54,17 @@ constexpr bool IsSeparator(char c) { return c == kPairSeparator || c == kValueSe
 
 /// Where the value starts if a pair with `key`, which is not empty, starts at `pos`; else npos.
 std::size_t ValueStart(std::string_view text, std::string_view key, std::size_t pos) {
-  if (text[pos] != key.front() || !StartsPair(text, pos) || text.substr(pos, key.size()) != key) {
+  // No pair's key holds a separator.
+  const auto areSame = [](char a, char b) { return a == b && !IsSeparator(a); };
+  if (text[pos] != key.front() || !StartsPair(text, pos) || text.size() - pos < key.size() ||
+      !std::equal(key.begin(), key.end(), text.data() + pos, areSame)) {
     return std::string_view::npos;
   }
   std::size_t end = pos + key.size();
   if (end < text.size() && text[end] == '\0') {
     end = text.find_first_of("=,", end);  // The rest of the pair's key does not count.
   }
-  const bool ends = end < text.size() && text[end] == kValueSeparator;
-  // No pair's key holds a separator.
-  return ends && std::none_of(key.begin(), key.end(), IsSeparator) ? end + 1 : std::string_view::npos;
+  return end < text.size() && text[end] == kValueSeparator ? end + 1 : std::string_view::npos;
 }
 
 /// The value of `key` in a text of pairs: that of the first pair with this key. When it is empty or starts

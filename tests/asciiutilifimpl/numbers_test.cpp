@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <string>
 
 #include "tests/asciiutilifimpl/c_library.h"
@@ -68,6 +69,19 @@ TEST_F(Str2Num, KeepsTheLow32Bits) {
   EXPECT_EQ(Converted(impl, "99999999999999999999", 10), "true -1");
 }
 
+TEST_F(Str2Num, ReadsNumbersOfEveryLength) {
+  for (const std::string sign : {"", "-", "+"}) {
+    for (const std::string behind : {"", " ", "x"}) {
+      for (std::int64_t number : {0LL, 1LL, 42LL, 2147483647LL, 2147483648LL, 2147483649LL, 9876543210LL}) {
+        const std::string text = sign + std::to_string(number) + behind;
+        const int low = static_cast<int>(sign == "-" ? -number : number);
+        EXPECT_EQ(Converted(impl, text, 10), (behind.empty() ? "true " : "false ") + std::to_string(low))
+            << text;
+      }
+    }
+  }
+}
+
 TEST_F(Str2Num, CountsATextUpToItsFirstNul) {
   EXPECT_EQ(Converted(impl, std::string("5\0x", 3), 10), "true 5");
 }
@@ -78,15 +92,17 @@ TEST_F(Str2Num, ReadsNothingInABaseThatDoesNotExist) {
   EXPECT_EQ(Converted(impl, "", 1), "true 0");
 }
 
+// A platform may have its own strtol.
 TEST_F(Str2Num, AsksTheCLibrary) {
   Texts texts;
   strtolTexts = &texts;
   Converted(impl, "42", 7);
-  EXPECT_THAT(texts, ElementsAre("42 in 7"));
+  Converted(impl, "42", 10);
+  EXPECT_THAT(texts, ElementsAre("42 in 7", "42 in 10"));
 }
 
 TEST_F(Str2Num, AgreesWithTheLiteralRule) {
-  for (const int base : {0, 2, 10, 16, 36}) {
+  for (const int base : {0, 2, 9, 10, 11, 16, 36}) {
     ForEachText({"0x19f- \0", 8}, 5, [&](const std::string& text) {
       int expected = 0;
       int value = 1;
