@@ -182,11 +182,13 @@ TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnLongTexts) {
 TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnEveryByteWhereverItStandsInAPlainText) {
   framework.SetRecording(false);
   framework.convert = recording::CopyThrough;
-  for (int byte = 0; byte < 256; ++byte) {
-    for (std::size_t place = 0; place < 70; ++place) {
-      std::string text(70, 'a');
-      text[place] = static_cast<char>(byte);
-      ASSERT_EQ(GetURLEncoding(text), literal::EncodeLatin1(text)) << byte << ' ' << place;
+  for (const char plain : {'a', 'Z', '0', '.'}) {
+    for (int byte = 0; byte < 256; ++byte) {
+      for (std::size_t place = 0; place < 70; ++place) {
+        std::string text(70, plain);
+        text[place] = static_cast<char>(byte);
+        ASSERT_EQ(GetURLEncoding(text), literal::EncodeLatin1(text)) << byte << ' ' << place;
+      }
     }
   }
 }
