@@ -124,7 +124,8 @@ void AlarmTable::ForEach(const std::function<void(const AlarmKey&, std::string_v
 
 std::size_t AlarmTable::ReservedBytes() const {
   std::size_t bytes = nodes_.ReservedBytes() + values_.ReservedBytes();
-  for (const SlotArray* array = array_.load(std::memory_order_acquire); array != nullptr;
+  // Relaxed: only this thread ever stores it.
+  for (const SlotArray* array = array_.load(std::memory_order_relaxed); array != nullptr;
        array = array->older.get()) {
     bytes += (array->mask + 1) * sizeof array->slots[0];
   }

@@ -42,10 +42,10 @@ bool ComesBefore(const AlarmKey& a, const AlarmKey& b);
 ///     again, in whatever turn, takes no memory.
 ///  5. There is always a free slot, so every probe ends.
 ///
-/// Threads: one writer at a time calls `Insert`; any number of readers call `Find` and `size` at the same
-/// time. They take no lock and never wait. For each key a reader sees no value, an older one or the newest,
-/// never part of one; what was inserted before the reader began is seen. `ForEach` is for when a view as of
-/// some moment is good enough.
+/// Threads: one writer at a time calls `Insert`, `InsertAll` and `ReservedBytes`; any number of readers call
+/// `Find`, `ForEach` and `size` at the same time. They take no lock and never wait. For each key a reader
+/// sees no value, an older one or the newest, never part of one; what was inserted before the reader began is
+/// seen. `ForEach` is for when a view as of some moment is good enough.
 class AlarmTable {
  public:
   AlarmTable() = default;
@@ -57,9 +57,9 @@ class AlarmTable {
   /// `std::bad_alloc` when memory runs out; the table then answers as before.
   void Insert(const AlarmKey& key, std::string_view value);
 
-  /// The same for each of `keys` in turn, a container of `AlarmKey` or what derives from it. Faster in a
-  /// table that is larger than the caches: the slots of all keys are fetched at once, and the value is stored
-  /// once.
+  /// The same for each of `keys` in turn, a container of `AlarmKey` or what derives from it; when memory runs
+  /// out, the first of them may be in. Faster in a table that is larger than the caches: the slots of all
+  /// keys are fetched at once, and the value is stored once.
   template <class Keys>
   void InsertAll(const Keys& keys, std::string_view value) {
     hashes_.clear();
@@ -82,7 +82,7 @@ class AlarmTable {
   /// Visits every entry in the table's order. The texts stay valid as long as the table.
   void ForEach(const std::function<void(const AlarmKey&, std::string_view value)>& visit) const;
 
-  /// Bytes asked of the system so far, for reports.
+  /// Bytes asked of the system for entries, values and slots so far, for reports.
   [[nodiscard]] std::size_t ReservedBytes() const;
 
  private:

@@ -54,10 +54,10 @@ constexpr bool IsSeparator(char c) { return c == kPairSeparator || c == kValueSe
 
 /// Where the value starts if a pair with `key`, which is not empty, starts at `pos`; else npos.
 std::size_t ValueStart(std::string_view text, std::string_view key, std::size_t pos) {
-  // No pair's key holds a separator.
-  const auto areSame = [](char a, char b) { return a == b && !IsSeparator(a); };
+  // Not a character of a pair's key: a separator, even if both have it.
+  const auto isSameInKey = [](char a, char b) { return a == b && !IsSeparator(a); };
   if (text[pos] != key.front() || !StartsPair(text, pos) || text.size() - pos < key.size() ||
-      !std::equal(key.begin(), key.end(), text.data() + pos, areSame)) {
+      !std::equal(key.begin(), key.end(), text.data() + pos, isSameInKey)) {
     return std::string_view::npos;
   }
   std::size_t end = pos + key.size();
@@ -74,6 +74,7 @@ std::string_view FindValue(const std::string& keyText, std::string_view text) {
   if (key.empty() || IsBlank(key.front())) {
     return {};  // No pair's key is either.
   }
+  // A pair at the very start is found without a search. `pos` is npos when a search finds nothing.
   for (std::size_t pos = 0; pos < text.size(); pos = text.find(key.front(), pos)) {
     if (const std::size_t start = ValueStart(text, key, pos); start != std::string_view::npos) {
       const std::string_view rest = text.substr(start);
@@ -159,9 +160,7 @@ std::int64_t AsciiUtilInterfaceImpl::GetAlmCfgValue(std::int64_t& value, const s
 
 std::string AsciiUtilInterfaceImpl::ToUpper(const std::string& text) {
   std::string upper = text;
-  const SignedUpper mapByte;
-  MapCase(upper, kPlainUpper, mapByte.IsBuiltIn(), mapByte,
-          [&mapByte](bool ascii) { return mapByte.IsPlain(ascii); });
+  MapCase(upper, SignedUpper());
   return upper;
 }
 
@@ -185,9 +184,11 @@ std::string AsciiUtilInterfaceImpl::GetKeyValue(const std::string& key, const st
 }
 
 std::int64_t AsciiUtilInterfaceImpl::ParseListMap(ListMap& map, const std::string& text) {
-  map.clear();
+  ListMap former;
+  map.swap(former);  // The text may be one of its own.
   std::vector<std::string> entries;
   SplitStr(text, ",", entries);
+  former.clear();
   std::string value;
   for (const std::string& entry : entries) {
     std::string name;

@@ -15,8 +15,8 @@ namespace NS_ASCII {
 /// `IsKeyValueAboveOne`: `Str2Num`; `ParseListMap` and its entries: `SplitStr`) call it through the virtual
 /// table, so that a derived object is obeyed.
 ///
-/// Platform functions (`strtol`, `time`, `gmtime_r`, `sprintf_s`, `NSTE_util`, the case tables, the
-/// configuration items) are called each time, nothing of theirs is kept.
+/// Platform functions (`strtol`, `time`, `gmtime_r`, `sprintf_s`, `NSTE_util`, the configuration items) are
+/// called each time, nothing of theirs is kept; which locale is in force is asked for each text.
 class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
  public:
   ~AsciiUtilInterfaceImpl() override;

@@ -22,7 +22,7 @@
 /// The loops here are plain and without exits, so that they become vector instructions.
 namespace NS_ASCII {
 
-/// Texts shorter than this are mapped before anything is established about another locale.
+/// Texts shorter than this are looked up before anything is established, but for the built-in locale.
 inline constexpr std::size_t kShortText = 32;
 
 constexpr char FlipLetter(char c, char firstLetter) {
@@ -60,6 +60,27 @@ inline bool IsAscii(std::string_view text) {
   return bits < 0x80;
 }
 
+/// Case mapping of characters taken as unsigned, by the C library's `table` for the locale in force;
+/// `builtIn` is that of the built-in locale, and `plain` what it says.
+class UnsignedCase {
+ public:
+  UnsignedCase(const std::int32_t* table, const std::int32_t* builtIn, const PlainCase& plain)
+      : table_(table), builtIn_(builtIn), plain_(plain) {}
+
+  char operator()(char c) const { return static_cast<char>(table_[static_cast<unsigned char>(c)]); }
+
+  [[nodiscard]] const PlainCase& plain() const { return plain_; }
+  [[nodiscard]] bool IsBuiltIn() const { return table_ == builtIn_; }
+  [[nodiscard]] bool IsPlain(bool ascii) const {
+    return std::equal(table_, table_ + (ascii ? 128 : 256), plain_.mapped.begin());
+  }
+
+ private:
+  const std::int32_t* table_;
+  const std::int32_t* builtIn_;
+  const PlainCase& plain_;
+};
+
 /// Upper case for characters taken as signed, which is how far down the C library's tables reach.
 class SignedUpper {
  public:
@@ -68,20 +89,20 @@ class SignedUpper {
     return IsLower(code) ? static_cast<char>(upper_[code]) : c;
   }
 
+  [[nodiscard]] static const PlainCase& plain() { return kPlainUpper; }
   [[nodiscard]] bool IsBuiltIn() const {
     return classes_ == BuiltInLocale().__ctype_b && upper_ == BuiltInLocale().__ctype_toupper;
   }
 
-  /// Whether all bytes, or at least the ASCII ones, are mapped as in the "C" locale.
   [[nodiscard]] bool IsPlain(bool ascii) const {
-    const auto plain = kPlainUpper.mapped.begin();
+    const auto mapped = kPlainUpper.mapped.begin();
     int common = _ISlower;
     for (int letter = 'a'; letter <= 'z'; ++letter) {
       common &= classes_[letter];
     }
     // -128 to -2 stand for the bytes 128 to 254. -1 is no character to the C library and never changes.
-    return common != 0 && std::equal(plain, plain + 128, upper_) &&
-           (ascii || std::equal(plain + 128, plain + 255, upper_ - 128));
+    return common != 0 && std::equal(mapped, mapped + 128, upper_) &&
+           (ascii || std::equal(mapped + 128, mapped + 255, upper_ - 128));
   }
 
  private:
@@ -91,19 +112,19 @@ class SignedUpper {
   const std::int32_t* upper_ = *__ctype_toupper_loc();
 };
 
-/// Maps `text` in place. `mapByte` maps one char. `isBuiltIn` says that it does so as `plain` without being
-/// asked; else `mapsPlainly(ascii)` tells whether it does for all bytes, or at least for the ASCII ones.
-template <class MapByte, class MapsPlainly>
-void MapCase(std::string& text, const PlainCase& plain, bool isBuiltIn, MapByte mapByte,
-             MapsPlainly mapsPlainly) {
-  if (isBuiltIn ||
-      (text.size() >= kShortText && (mapsPlainly(false) || (mapsPlainly(true) && IsAscii(text))))) {
-    const char firstLetter = plain.firstLetter;
+/// Maps `text` in place. `mapper(c)` is what becomes of one character, `mapper.IsBuiltIn()` whether the
+/// built-in locale is in force, and `mapper.IsPlain(ascii)` whether all bytes, or at least the ASCII ones,
+/// are mapped as `mapper.plain()` says. Inline, so that the two letters are constants in the loop.
+template <class Mapper>
+inline void MapCase(std::string& text, const Mapper& mapper) {
+  if (mapper.IsBuiltIn() ||
+      (text.size() >= kShortText && (mapper.IsPlain(false) || (mapper.IsPlain(true) && IsAscii(text))))) {
+    const char firstLetter = mapper.plain().firstLetter;
     for (char& c : text) {
       c = FlipLetter(c, firstLetter);
     }
   } else {
-    std::transform(text.begin(), text.end(), text.begin(), mapByte);
+    std::transform(text.begin(), text.end(), text.begin(), mapper);
   }
 }
 

@@ -15,14 +15,14 @@ namespace {
 constexpr std::size_t kBlankBlock = 128;
 
 /// A tab and a CR differ in one bit, so that one comparison finds both.
-constexpr int kAllButThatBit = ~('\t' ^ '\r');
-static_assert(('\r' & kAllButThatBit) == '\t');
+constexpr int kThatBit = '\t' ^ '\r';
+static_assert((kThatBit & (kThatBit - 1)) == 0 && ('\t' & kThatBit) == 0);
 
 bool IsBlankBlock(const char* block) {
   unsigned char blanks = 0;
   for (std::size_t i = 0; i < kBlankBlock; ++i) {
     const char c = block[i];
-    blanks = static_cast<unsigned char>(blanks + ((c == ' ') | (c == '\n') | ((c & kAllButThatBit) == '\t')));
+    blanks = static_cast<unsigned char>(blanks + ((c == ' ') | (c == '\n') | ((c & ~kThatBit) == '\t')));
   }
   return blanks == kBlankBlock;
 }
@@ -60,18 +60,6 @@ inline std::string_view WithoutTrailing(std::string_view text) {
   return TrimRightView(text);
 }
 
-/// `table` is the C library's for the locale in force; it maps bytes as unsigned values. `builtIn` is that of
-/// the built-in locale.
-void MapByTable(std::string& text, const std::int32_t* table, const std::int32_t* builtIn,
-                const PlainCase& plain) {
-  MapCase(
-      text, plain, table == builtIn,
-      [table](char c) { return static_cast<char>(table[static_cast<unsigned char>(c)]); },
-      [table, &plain](bool ascii) {
-        return std::equal(table, table + (ascii ? 128 : 256), plain.mapped.begin());
-      });
-}
-
 }  // namespace
 
 bool IsElementOf(const std::string& text, const std::vector<std::string>& list) {
@@ -100,12 +88,12 @@ std::string TrimRight(const std::string& text) { return std::string(WithoutTrail
 std::string Trim(const std::string& text) { return std::string(WithoutTrailing(WithoutLeading(text))); }
 
 std::string StrToUpper(std::string text) {
-  MapByTable(text, *__ctype_toupper_loc(), BuiltInLocale().__ctype_toupper, kPlainUpper);
+  MapCase(text, UnsignedCase(*__ctype_toupper_loc(), BuiltInLocale().__ctype_toupper, kPlainUpper));
   return text;
 }
 
 std::string StrToLower(std::string text) {
-  MapByTable(text, *__ctype_tolower_loc(), BuiltInLocale().__ctype_tolower, kPlainLower);
+  MapCase(text, UnsignedCase(*__ctype_tolower_loc(), BuiltInLocale().__ctype_tolower, kPlainLower));
   return text;
 }
 

@@ -31,7 +31,8 @@ constexpr bool IsKept(unsigned c) {
 }
 
 /// A byte's own code. All four bytes are written and only the length counted, which saves a decision per
-/// byte. It is 0 for CR and LF, whose code depends on the byte behind.
+/// byte. The length of CR and LF is 0, because what they become depends on the byte behind; their texts say
+/// how they start.
 struct ByteCode {
   char text[3];
   unsigned char length;
@@ -65,19 +66,22 @@ struct Progress {
   char* out;
 };
 
-/// Encodes the CR or LF at `at.in`: a CR with the byte behind it, if the two make a line end, a LF with all
-/// LFs that follow at once before `end`. Behind a text's last byte stands its NUL, whose escape, "%0", is as
-/// good as the end of the text.
-inline Progress EncodeLineEnd(Progress at, const char* end) {
-  for (; at.in[0] == '\n' && at.in[1] == '\n' && at.in + 1 != end; ++at.in) {
+/// Whether the byte's code starts with a '%'. So does that of the NUL behind a text's last byte, "%0", and
+/// that is as good as the end of the text.
+bool IsEscaped(char c) { return CodeOf(c).text[0] == '%'; }
+
+/// Encodes the LF at `at.in`, and all LFs that follow at once before `end`.
+inline Progress EncodeLineFeeds(Progress at, const char* end) {
+  for (; at.in[1] == '\n' && at.in + 1 != end; ++at.in) {
     at.out = Append(kLineEnd, at.out);
   }
+  return {at.in + 1, Append(IsEscaped(at.in[1]) ? kLineEnd : "%a", at.out)};
+}
+
+/// Encodes the CR at `at.in`, with the byte behind it, if the two make a line end.
+inline Progress EncodeCarriageReturn(Progress at) {
   const ByteCode& next = CodeOf(at.in[1]);
-  const bool beforeEscape = next.text[0] == '%';
-  if (*at.in == '\n') {
-    return {at.in + 1, Append(beforeEscape ? kLineEnd : "%a", at.out)};
-  }
-  if (!beforeEscape || next.text[1] != 'a') {
+  if (next.text[0] != '%' || next.text[1] != 'a') {
     return {at.in + 1, Append("%d", at.out)};
   }
   at.out = Append(kLineEnd, at.out);
@@ -85,6 +89,7 @@ inline Progress EncodeLineEnd(Progress at, const char* end) {
   return {at.in + 2, at.out + (next.length == 3 ? 1 : 0)};
 }
 
+/// Encodes the byte at `at.in`, no CR or LF, which has `code`.
 inline Progress EncodeByte(Progress at, const ByteCode& code) {
   std::memcpy(at.out, &code, sizeof code);
   return {at.in + 1, at.out + code.length};
@@ -94,7 +99,11 @@ inline Progress EncodeByte(Progress at, const ByteCode& code) {
 inline Progress EncodeBytes(Progress at, const char* end) {
   while (at.in < end) {
     const ByteCode& code = CodeOf(*at.in);
-    at = code.length == 0 ? EncodeLineEnd(at, end) : EncodeByte(at, code);
+    if (code.length != 0) {
+      at = EncodeByte(at, code);
+    } else {
+      at = *at.in == '\r' ? EncodeCarriageReturn(at) : EncodeLineFeeds(at, end);
+    }
   }
   return at;
 }
@@ -131,11 +140,11 @@ bool HasLineEnd(const char* in) {
 }
 
 /// How many bytes are encoded into a buffer at a time, and how long their codes can get: that of a LF is
-/// longest.
+/// longest, and a CR at the end may bring one character of a byte behind the block.
 constexpr std::size_t kEncoderBlock = 1024;
-constexpr std::size_t kEncoderBuffer = kEncoderBlock * kLineEnd.size() + sizeof(ByteCode);
+constexpr std::size_t kEncoderBuffer = kEncoderBlock * kLineEnd.size() + 1;
 
-/// Encodes a block of the text that ends at `textEnd`.
+/// Encodes a block of the text that ends at `textEnd`, where a NUL stands.
 Progress EncodeBlock(Progress at, const char* textEnd) {
   const char* const end = at.in + std::min(static_cast<std::size_t>(textEnd - at.in), kEncoderBlock);
   while (end - at.in >= static_cast<std::ptrdiff_t>(kRun)) {
@@ -190,10 +199,11 @@ void ReadEscape(std::string_view escape, unsigned char& byte) {
   const unsigned char first = kMeanings[static_cast<unsigned char>(escape[0])];
   const unsigned char second = escape.size() > 1 ? kMeanings[static_cast<unsigned char>(escape[1])]
                                                  : static_cast<unsigned char>(kOther);
+  if (first == kSpace && (escape.size() == 1 || second == kSpace)) {
+    return;
+  }
   if (first <= kDigit15) {
     byte = first;
-  } else if (first == kSpace && (escape.size() == 1 || second == kSpace)) {
-    return;
   } else if (first != kOther && second <= kDigit15) {
     byte = first == kMinus ? static_cast<unsigned char>(-second) : second;
   } else {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <new>
 #include <string>
@@ -110,6 +111,7 @@ TEST(AlarmTable, TellsFieldsApartWhereTheirTextsAndHashesAreTheSame) {
   EXPECT_EQ(table.Locate(*table.array_, {"ab", "cd", "", "1"}, hash.value(), slot), 0U);
   EXPECT_EQ(table.Locate(*table.array_, {"ab", "c", "d1", ""}, hash.value(), slot), 0U);
   EXPECT_EQ(table.Locate(*table.array_, {"a", "b", "c", "d"}, hash.value(), slot), 0U);
+  EXPECT_EQ(table.Locate(*table.array_, {"ab", "c", "d", ""}, hash.value(), slot), 0U);
 }
 
 // Only its length says that the field is too long. It is handed to the step behind the hash, so nobody reads
@@ -317,13 +319,24 @@ TEST(AlarmTableUnderReaders, ShowsWhatWasInsertedBeforeAndNeverAPartOfIt) {
   AlarmTable table;
   std::atomic<int> inserted{0};
   std::atomic<int> wrong{0};
-  const auto valueOf = [](std::size_t i) { return std::string(1 + i % 40, static_cast<char>('a' + i % 26)); };
+  const auto valueOf = [](std::size_t i) {
+    const std::size_t pair = i / 2;
+    return std::string(1 + pair % 40, static_cast<char>('a' + pair % 26));
+  };
   WhileWriting(
       [&] {
-        for (int i = 0; i < kEntries; ++i) {
-          const auto index = static_cast<std::size_t>(i);
-          table.Insert({"alarm", std::to_string(i), "column", "7"}, valueOf(index));
-          inserted.store(i + 1, std::memory_order_release);
+        for (int i = 0; i < kEntries; i += 2) {
+          const std::array numbers{std::to_string(i), std::to_string(i + 1)};
+          const AlarmKey first{"alarm", numbers[0], "column", "7"};
+          const AlarmKey second{"alarm", numbers[1], "column", "7"};
+          const std::string value = valueOf(static_cast<std::size_t>(i));
+          if (i % 4 == 0) {
+            table.Insert(first, value);
+            table.Insert(second, value);
+          } else {
+            table.InsertAll(std::array{first, second}, value);
+          }
+          inserted.store(i + 2, std::memory_order_release);
         }
       },
       [&](testing_text::RandomText& random) {
@@ -408,13 +421,6 @@ TEST(AlarmTableUnderReaders, ShowsWhatIsInsertedWholeToAThreadThatIsToldNothing)
         },
         [&] { EXPECT_EQ(AllOf(visited).back(), "alarm/0/c/1=" + step.value + " again"); });
   }
-}
-
-// The reader meets nothing of the table but its size.
-TEST(AlarmTableUnderReaders, ReportsItsSlotsToAThreadThatIsToldNothing) {
-  AlarmTable table;
-  HandOver([&table] { table.Grow(); }, [&table] { EXPECT_EQ(table.ReservedBytes(), 64U * 8); });
-  HandOver([&table] { table.Grow(); }, [&table] { EXPECT_EQ(table.ReservedBytes(), 64U * 8 + 128U * 8); });
 }
 
 TEST(AlarmTableUnderReaders, VisitsOnlyWholeEntriesInOrder) {

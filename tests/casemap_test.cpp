@@ -16,6 +16,7 @@ using NS_ASCII::IsAscii;
 using NS_ASCII::kPlainLower;
 using NS_ASCII::kPlainUpper;
 using NS_ASCII::MapCase;
+using NS_ASCII::PlainCase;
 using NS_ASCII::SignedUpper;
 
 TEST(PlainCase, MapsAllBytesAsTheCLocaleDoes) {
@@ -57,16 +58,26 @@ TEST(SignedUpper, IsPlainInTheCLocale) {
   EXPECT_TRUE(SignedUpper().IsPlain(true));
 }
 
-/// What MapCase makes of the text when looking a byte up gives '?', and all bytes, or the ASCII ones, are
-/// said to be mapped plainly; with the number of such questions behind it.
+/// Looking a byte up gives '?'. Counts how often it is asked whether bytes are mapped plainly.
+struct FakeMapper {
+  bool allPlain;
+  bool asciiPlain;
+  bool builtIn;
+  int* questions;
+
+  char operator()(char) const { return '?'; }
+  [[nodiscard]] static const PlainCase& plain() { return kPlainUpper; }
+  [[nodiscard]] bool IsBuiltIn() const { return builtIn; }
+  [[nodiscard]] bool IsPlain(bool ascii) const {
+    ++*questions;
+    return ascii ? asciiPlain : allPlain;
+  }
+};
+
+/// What MapCase makes of the text, and the number of questions.
 std::pair<std::string, int> Mapped(std::string text, bool allPlain, bool asciiPlain, bool builtIn = false) {
   int questions = 0;
-  MapCase(
-      text, kPlainUpper, builtIn, [](char) { return '?'; },
-      [&](bool ascii) {
-        ++questions;
-        return ascii ? asciiPlain : allPlain;
-      });
+  MapCase(text, FakeMapper{allPlain, asciiPlain, builtIn, &questions});
   return {text, questions};
 }
 

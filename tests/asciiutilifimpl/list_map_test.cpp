@@ -83,6 +83,13 @@ TEST_F(ParseListMap, LeavesAnEmptyMapWhenThereAreNoEntries) {
   EXPECT_THAT(Parsed(own, "text"), IsEmpty());
 }
 
+TEST_F(ParseListMap, TakesATextOutOfTheMapThatItFills) {
+  ListMap map{{"A", {"a text that is too long to be kept in place=1, B=2"}}};
+  EXPECT_EQ(impl.ParseListMap(map, map["A"].front()), 0);
+  EXPECT_THAT(map, ElementsAre(Pair("B", ElementsAre("2")),
+                               Pair("a text that is too long to be kept in place", ElementsAre("1"))));
+}
+
 TEST_F(ParseListMap, AgreesWithTheLiteralRule) {
   RandomText random(73);
   const Texts parts = {"PATH", "ALM", "A", "=", "=", "|", "-", ",", ",", " ", "\t", std::string(1, '\0')};
