@@ -140,8 +140,8 @@ def of_file(root, path, rules):
             end = line[:len(line) - len(line.lstrip())] + "}"
         elif line == end:
             function = ""
-        # Declarations without a body have nothing to change.
-        if not code or code.startswith(("#", "using ", "namespace ", "template ")) or code.endswith(("= default;", "= delete;")):
+        # Declarations without a body have nothing to change; a static_assert is a test itself.
+        if not code or code.startswith(("#", "using ", "namespace ", "template ", "static_assert")) or code.endswith(("= default;", "= delete;")):
             continue
         found = [*of_line(path, number, line, rules)]
         if rules is RULES and not without_comment(line).endswith((";", "{", "}")):

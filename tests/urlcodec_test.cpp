@@ -226,6 +226,8 @@ TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleAroundItsBlocks) {
     const std::string text(5000, c);
     ASSERT_EQ(GetURLEncoding(text), literal::EncodeLatin1(text));
   }
+  const std::string longest = std::string(1023, '\n') + "\r\xA5";  // No block becomes longer.
+  EXPECT_EQ(GetURLEncoding(longest), literal::EncodeLatin1(longest));
 }
 
 // --- GetURLDecoding ----------------------------------------------------------------------------------------
