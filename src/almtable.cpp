@@ -24,11 +24,16 @@ std::uint32_t HashOf(const AlarmKey& key) {
   return hash.value();
 }
 
-constexpr std::uint64_t SlotWord(std::uint32_t hash, AlarmArena::Ref ref) {
-  return std::uint64_t{hash} << 32 | ref;
+/// The largest node number for which an array of `count` slots has room. Nodes of ordinary length, 128 bytes
+/// for each slot, stay below it; longer ones make the array grow earlier.
+constexpr AlarmArena::Ref LargestRef(std::size_t count) {
+  constexpr std::uint64_t kUnitsPerSlot = 128 / AlarmArena::kUnitBytes;
+  constexpr std::uint64_t kMost = std::numeric_limits<AlarmArena::Ref>::max();
+  return static_cast<AlarmArena::Ref>(std::min(kUnitsPerSlot * count - 1, kMost));
 }
-constexpr std::uint32_t HashIn(std::uint64_t word) { return static_cast<std::uint32_t>(word >> 32); }
-constexpr AlarmArena::Ref RefIn(std::uint64_t word) { return static_cast<AlarmArena::Ref>(word); }
+static_assert(LargestRef(kFirstSlots) == 2047);
+static_assert(LargestRef(std::size_t{1} << 26) == 0x7FFFFFFF);
+static_assert(LargestRef(std::size_t{1} << 28) == 0xFFFFFFFF);
 
 /// A text's length as a node keeps it.
 std::uint32_t LengthOf(std::string_view text) {
@@ -45,7 +50,10 @@ bool ComesBefore(const AlarmKey& a, const AlarmKey& b) {
 }
 
 AlarmTable::SlotArray::SlotArray(std::size_t count, std::unique_ptr<SlotArray> previous)
-    : mask(count - 1), slots(new std::atomic<std::uint64_t>[count]), older(std::move(previous)) {
+    : mask(count - 1),
+      refMask(LargestRef(count)),
+      slots(new std::atomic<std::uint32_t>[count]),
+      older(std::move(previous)) {
   PreferLargePages(slots.get(), count * sizeof slots[0]);
   for (std::size_t i = 0; i < count; ++i) {
     slots[i].store(0, std::memory_order_relaxed);  // Nobody else sees it yet.
@@ -63,13 +71,14 @@ std::uint32_t AlarmTable::HashAndFetch(const AlarmKey& key) const {
   // Relaxed: only this thread ever stores it.
   if (const SlotArray* const array = array_.load(std::memory_order_relaxed); array != nullptr) {
     __builtin_prefetch(&array->slots[hash & array->mask]);
+    __builtin_prefetch(&slotHashes_[hash & array->mask], 1);
   }
   return hash;
 }
 
 void AlarmTable::Put(const AlarmKey& key, std::uint32_t hash, Ref value) {
-  // Relaxed: only this thread ever stores it.
-  SlotArray* array = array_.load(std::memory_order_relaxed);
+  // Relaxed, here and below: only this thread ever stores it.
+  const SlotArray* const array = array_.load(std::memory_order_relaxed);
   std::size_t slot = 0;
   if (array != nullptr) {
     if (const Ref ref = Locate(*array, key, hash, slot); ref != 0) {
@@ -84,10 +93,19 @@ void AlarmTable::Put(const AlarmKey& key, std::uint32_t hash, Ref value) {
   }
   if (array == nullptr || 4 * (size() + 1) > 3 * (array->mask + 1)) {
     Grow();
-    array = array_.load(std::memory_order_relaxed);
-    Locate(*array, key, hash, slot);
   }
-  AddNode(*array, slot, key, hash, value);
+  const Ref ref = AddNode(key, value);
+  while (ref > array_.load(std::memory_order_relaxed)->refMask) {
+    Grow();
+  }
+  SlotArray& latest = *array_.load(std::memory_order_relaxed);
+  if (&latest != array) {
+    Locate(latest, key, hash, slot);
+  }
+  slotHashes_[slot] = hash;
+  // Release: the node is visible to whoever sees the slot filled.
+  latest.slots[slot].store(latest.WordOf(hash, ref), std::memory_order_release);
+  size_.store(size() + 1, std::memory_order_relaxed);
 }
 
 bool AlarmTable::Find(const AlarmKey& key, std::string& value) const {
@@ -112,7 +130,7 @@ void AlarmTable::ForEach(const std::function<void(const AlarmKey&, std::string_v
   }
   std::vector<Ref> refs;
   for (std::size_t i = 0; i <= array->mask; ++i) {
-    if (const Ref ref = RefIn(array->slots[i].load(std::memory_order_acquire)); ref != 0) {
+    if (const Ref ref = array->RefIn(array->slots[i].load(std::memory_order_acquire)); ref != 0) {
       refs.push_back(ref);
     }
   }
@@ -123,7 +141,8 @@ void AlarmTable::ForEach(const std::function<void(const AlarmKey&, std::string_v
 }
 
 std::size_t AlarmTable::ReservedBytes() const {
-  std::size_t bytes = nodes_.ReservedBytes() + values_.ReservedBytes();
+  std::size_t bytes =
+      nodes_.ReservedBytes() + values_.ReservedBytes() + slotHashes_.size() * sizeof slotHashes_[0];
   // Relaxed: only this thread ever stores it.
   for (const SlotArray* array = array_.load(std::memory_order_relaxed); array != nullptr;
        array = array->older.get()) {
@@ -169,19 +188,18 @@ AlarmKey AlarmTable::KeyOf(Ref ref) const {
 AlarmTable::Ref AlarmTable::Locate(const SlotArray& array, const AlarmKey& key, std::uint32_t hash,
                                    std::size_t& slot) const {
   for (slot = hash & array.mask;; slot = (slot + 1) & array.mask) {
-    // Acquire: pairs with the release in AddNode, so that the node is complete.
-    const std::uint64_t word = array.slots[slot].load(std::memory_order_acquire);
+    // Acquire: pairs with the release in Put, so that the node is complete.
+    const std::uint32_t word = array.slots[slot].load(std::memory_order_acquire);
     if (word == 0) {
       return 0;
     }
-    if (HashIn(word) == hash && HasKey(RefIn(word), key)) {
-      return RefIn(word);
+    if (array.MayBe(word, hash) && HasKey(array.RefIn(word), key)) {
+      return array.RefIn(word);
     }
   }
 }
 
-void AlarmTable::AddNode(SlotArray& array, std::size_t slot, const AlarmKey& key, std::uint32_t hash,
-                         Ref value) {
+AlarmTable::Ref AlarmTable::AddNode(const AlarmKey& key, Ref value) {
   const std::uint32_t lengths[] = {LengthOf(key.key1), LengthOf(key.key2), LengthOf(key.key3),
                                    LengthOf(key.numKey)};
   const std::size_t textBytes = std::size_t{lengths[0]} + lengths[1] + lengths[2] + lengths[3];
@@ -192,27 +210,29 @@ void AlarmTable::AddNode(SlotArray& array, std::size_t slot, const AlarmKey& key
   for (const std::string_view part : {key.key1, key.key2, key.key3, key.numKey}) {
     text += part.copy(text, part.size());
   }
-  // Release: everything above is visible to whoever sees the slot filled.
-  array.slots[slot].store(SlotWord(hash, ref), std::memory_order_release);
-  size_.store(size() + 1, std::memory_order_relaxed);
+  return ref;
 }
 
 void AlarmTable::Grow() {
   SlotArray* const old = array_.load(std::memory_order_relaxed);
   const std::size_t count = old == nullptr ? kFirstSlots : 2 * (old->mask + 1);
   auto larger = std::make_unique<SlotArray>(count, nullptr);
+  std::vector<std::uint32_t> hashes(count);
   for (std::size_t i = 0; old != nullptr && i <= old->mask; ++i) {
     // Relaxed throughout: nobody else sees the new array before it is published.
-    const std::uint64_t word = old->slots[i].load(std::memory_order_relaxed);
+    const std::uint32_t word = old->slots[i].load(std::memory_order_relaxed);
     if (word == 0) {
       continue;
     }
-    std::size_t slot = HashIn(word) & larger->mask;
+    const std::uint32_t hash = slotHashes_[i];
+    std::size_t slot = hash & larger->mask;
     while (larger->slots[slot].load(std::memory_order_relaxed) != 0) {
       slot = (slot + 1) & larger->mask;
     }
-    larger->slots[slot].store(word, std::memory_order_relaxed);
+    larger->slots[slot].store(larger->WordOf(hash, old->RefIn(word)), std::memory_order_relaxed);
+    hashes[slot] = hash;
   }
+  slotHashes_.swap(hashes);
   larger->older.reset(old);
   array_.store(larger.release(), std::memory_order_release);
 }

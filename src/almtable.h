@@ -94,11 +94,21 @@ class AlarmTable {
     std::uint32_t lengths[4];
   };
 
-  /// A slot holds the key's hash in its upper half and the node's number in its lower one; 0 when it is free.
+  /// A slot holds a node's number in its lower bits and as much of its key's hash as has room in the upper
+  /// ones; 0 when it is free. So an array takes half of what it would with whole hashes, and more of it stays
+  /// in the caches.
   struct SlotArray {
     SlotArray(std::size_t count, std::unique_ptr<SlotArray> previous);
+
+    [[nodiscard]] std::uint32_t WordOf(std::uint32_t hash, Ref ref) const { return (hash & ~refMask) | ref; }
+    [[nodiscard]] Ref RefIn(std::uint32_t word) const { return word & refMask; }
+    [[nodiscard]] bool MayBe(std::uint32_t word, std::uint32_t hash) const {
+      return ((word ^ hash) & ~refMask) == 0;
+    }
+
     std::size_t mask;
-    std::unique_ptr<std::atomic<std::uint64_t>[]> slots;
+    Ref refMask;  ///< also the largest number that a slot can hold
+    std::unique_ptr<std::atomic<std::uint32_t>[]> slots;
     std::unique_ptr<SlotArray> older;
   };
 
@@ -113,13 +123,14 @@ class AlarmTable {
   [[nodiscard]] std::uint32_t HashAndFetch(const AlarmKey& key) const;
 
   void Put(const AlarmKey& key, std::uint32_t hash, Ref value);
-  void AddNode(SlotArray& array, std::size_t slot, const AlarmKey& key, std::uint32_t hash, Ref value);
+  Ref AddNode(const AlarmKey& key, Ref value);
   void Grow();
 
   // The writer's alone.
   AlarmArena nodes_;
   AlarmTextPool values_;
-  std::vector<std::uint32_t> hashes_;  // Of the keys that are inserted together.
+  std::vector<std::uint32_t> hashes_;      // Of the keys that are inserted together.
+  std::vector<std::uint32_t> slotHashes_;  // The whole hash of each filled slot of the array in force.
 
   // Read by everybody. Owned: the array in force, which owns the older ones.
   std::atomic<SlotArray*> array_{nullptr};

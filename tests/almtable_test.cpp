@@ -124,7 +124,7 @@ TEST(AlarmTable, RefusesAFieldOf4GiBAndAnswersAsBefore) {
   const NS_ASCII::AlarmArena::Ref value = table.values_.Intern("new");
   for (const AlarmKey& key : {AlarmKey{tooLong, "", "", ""}, AlarmKey{"", tooLong, "", ""},
                               AlarmKey{"", "", tooLong, ""}, AlarmKey{"", "", "", tooLong}}) {
-    EXPECT_THROW(table.AddNode(*table.array_, 0, key, 0, value), std::bad_alloc);
+    EXPECT_THROW(table.AddNode(key, value), std::bad_alloc);
   }
   EXPECT_EQ(table.size(), 1U);
   EXPECT_EQ(table.ReservedBytes(), reserved);
@@ -252,20 +252,38 @@ TEST(AlarmTable, TakesNoMemoryForValuesItHasSeenBefore) {
   EXPECT_EQ(table.size(), 1000U);
 }
 
+// A slot has only so many bits for an entry's number, which counts what all entries before take.
+TEST(AlarmTable, GrowsEarlierForLongEntries) {
+  AlarmTable table;
+  for (int i = 0; i < 40; ++i) {
+    table.Insert({std::to_string(i), std::string(50000, 'x'), "c", "1"}, std::to_string(i));
+    const AlarmTable::SlotArray& array = *table.array_.load();
+    ASSERT_GE(array.refMask, static_cast<std::size_t>(i) * 50000 / 4);
+    ASSERT_LT(array.mask, 65536U);
+    for (int earlier = 0; earlier <= i; ++earlier) {
+      ASSERT_EQ(Answer(table, {std::to_string(earlier), std::string(50000, 'x'), "c", "1"}),
+                std::to_string(earlier));
+    }
+    ASSERT_EQ(Answer(table, {std::to_string(i + 1), std::string(50000, 'x'), "c", "1"}), "(none)");
+  }
+  EXPECT_EQ(table.size(), 40U);
+  EXPECT_EQ(AllOf(table).size(), 40U);
+}
+
 TEST(AlarmTable, TakesTwentyBytesForAnEntryBesideItsTexts) { EXPECT_EQ(sizeof(AlarmTable::Node), 20U); }
 
 TEST(AlarmTable, ReportsTheMemoryOfOldSlotArraysToo) {
   AlarmTable table;
   table.Insert({"0", "", "", ""}, "");
   const std::size_t first = table.ReservedBytes();
-  // Slots, entries, values and the values' own slots.
+  // Slots with their hashes, entries, values and the values' own slots.
   EXPECT_EQ(first, 64U * 8 + 16384 + 16384 + 16 * 8);
   for (int i = 1; i < 48; ++i) {
     table.Insert({std::to_string(i), "", "", ""}, "");
   }
   EXPECT_EQ(table.ReservedBytes(), first);
   table.Insert({"48", "", "", ""}, "");  // The 49th entry no longer fits three quarters of 64 slots.
-  EXPECT_EQ(table.ReservedBytes(), first + 128 * 8);
+  EXPECT_EQ(table.ReservedBytes(), first + 128 * 8 - 64 * 4);  // Hashes are kept for the slots in force only.
 }
 
 TEST(AlarmTable, AgreesWithTheLiteralStore) {

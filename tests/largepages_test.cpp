@@ -80,12 +80,12 @@ TEST_F(PreferLargePages, LeavesTheFirstPageOutThatTheBlockSharesWithOthers) {
   EXPECT_EQ(next->bytes, 3 * kLargePage);
 }
 
-// The table's blocks: slots of eight bytes, and chunks of the arena.
+// The table's blocks: slots of four bytes, and chunks of the arena.
 TEST_F(PreferLargePages, IsAskedForUnderEveryLargeBlockOfTheTable) {
   given.clear();
-  const NS_ASCII::AlarmTable::SlotArray small(kLargePage / 16, nullptr);
+  const NS_ASCII::AlarmTable::SlotArray small(kLargePage / 8, nullptr);
   EXPECT_TRUE(given.empty());
-  const NS_ASCII::AlarmTable::SlotArray large(kLargePage / 4, nullptr);
+  const NS_ASCII::AlarmTable::SlotArray large(kLargePage / 2, nullptr);
   ASSERT_EQ(given.size(), 1U);
   EXPECT_EQ(given[0].start + given[0].bytes,
             reinterpret_cast<std::uintptr_t>(large.slots.get()) + 2 * kLargePage);
