@@ -102,6 +102,7 @@ class AlarmTable {
 
     [[nodiscard]] std::uint32_t WordOf(std::uint32_t hash, Ref ref) const { return (hash & ~refMask) | ref; }
     [[nodiscard]] Ref RefIn(std::uint32_t word) const { return word & refMask; }
+    /// Whether the part of a hash that `word` holds is that of `hash`.
     [[nodiscard]] bool MayBe(std::uint32_t word, std::uint32_t hash) const {
       return ((word ^ hash) & ~refMask) == 0;
     }
@@ -123,6 +124,8 @@ class AlarmTable {
   [[nodiscard]] std::uint32_t HashAndFetch(const AlarmKey& key) const;
 
   void Put(const AlarmKey& key, std::uint32_t hash, Ref value);
+
+  /// Writes a node that nobody sees yet.
   Ref AddNode(const AlarmKey& key, Ref value);
   void Grow();
 
