@@ -1,0 +1,37 @@
+#ifndef TESTS_ALMTABLE_ANSWERS_H_
+#define TESTS_ALMTABLE_ANSWERS_H_
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "src/almtable.h"
+
+/// What a table holds, as texts that tests compare.
+namespace almtable_test {
+
+/// What a lookup answers; "(none)" when it finds nothing.
+inline std::string Answer(const NS_ASCII::AlarmTable& table, const NS_ASCII::AlarmKey& key) {
+  std::string value = "untouched";
+  if (!table.Find(key, value)) {
+    EXPECT_EQ(value, "untouched");
+    return "(none)";
+  }
+  return value;
+}
+
+/// Every entry, as "key1/key2/key3/numKey=value", in the table's order.
+inline std::vector<std::string> AllOf(const NS_ASCII::AlarmTable& table) {
+  std::vector<std::string> all;
+  table.ForEach([&all](const NS_ASCII::AlarmKey& key, std::string_view value) {
+    all.push_back(std::string(key.key1) + '/' + std::string(key.key2) + '/' + std::string(key.key3) + '/' +
+                  std::string(key.numKey) + '=' + std::string(value));
+  });
+  return all;
+}
+
+}  // namespace almtable_test
+
+#endif  // TESTS_ALMTABLE_ANSWERS_H_

@@ -1,0 +1,82 @@
+// How the table grows, and the memory that it takes.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/almtable/answers.h"
+
+namespace {
+
+using almtable_test::AllOf;
+using almtable_test::Answer;
+using NS_ASCII::AlarmTable;
+
+TEST(AlarmTable, FindsEveryEntryWhileItGrows) {
+  AlarmTable table;
+  for (int i = 0; i < 5000; ++i) {
+    const std::string number = std::to_string(i);
+    table.Insert({"alarm", number, "c", "1"}, number);
+    ASSERT_EQ(table.size(), static_cast<std::size_t>(i) + 1);
+    ASSERT_EQ(Answer(table, {"alarm", number, "c", "1"}), number);
+    const std::string earlier = std::to_string(i / 2);
+    ASSERT_EQ(Answer(table, {"alarm", earlier, "c", "1"}), earlier);
+    ASSERT_EQ(Answer(table, {"alarm", "absent", "c", "1"}), "(none)");
+  }
+  EXPECT_EQ(AllOf(table).size(), 5000U);
+}
+
+TEST(AlarmTable, TakesNoMemoryForValuesItHasSeenBefore) {
+  AlarmTable table;
+  const auto load = [&table](const std::string& suffix) {
+    for (int i = 0; i < 1000; ++i) {
+      const std::string number = std::to_string(i);
+      table.Insert({"alarm", number, "c", "1"}, number + suffix);
+    }
+  };
+  load("");
+  load("-other");
+  const std::size_t reserved = table.ReservedBytes();
+  for (int turn = 0; turn < 20; ++turn) {
+    load("");
+    load("-other");
+  }
+  EXPECT_EQ(table.ReservedBytes(), reserved);
+  EXPECT_EQ(table.size(), 1000U);
+}
+
+// A slot has only so many bits for an entry's number, which counts what all entries before take.
+TEST(AlarmTable, GrowsEarlierForLongEntries) {
+  AlarmTable table;
+  for (int i = 0; i < 40; ++i) {
+    table.Insert({std::to_string(i), std::string(50000, 'x'), "c", "1"}, std::to_string(i));
+    const AlarmTable::SlotArray& array = *table.array_.load();
+    ASSERT_GE(array.refMask, static_cast<std::size_t>(i) * 50000 / 4);
+    ASSERT_LT(array.mask, 65536U);
+    for (int earlier = 0; earlier <= i; ++earlier) {
+      ASSERT_EQ(Answer(table, {std::to_string(earlier), std::string(50000, 'x'), "c", "1"}),
+                std::to_string(earlier));
+    }
+    ASSERT_EQ(Answer(table, {std::to_string(i + 1), std::string(50000, 'x'), "c", "1"}), "(none)");
+  }
+  EXPECT_EQ(table.size(), 40U);
+  EXPECT_EQ(AllOf(table).size(), 40U);
+}
+
+TEST(AlarmTable, TakesTwentyBytesForAnEntryBesideItsTexts) { EXPECT_EQ(sizeof(AlarmTable::Node), 20U); }
+
+TEST(AlarmTable, ReportsTheMemoryOfOldSlotArraysToo) {
+  AlarmTable table;
+  table.Insert({"0", "", "", ""}, "");
+  const std::size_t first = table.ReservedBytes();
+  // Slots with their hashes, entries, values and the values' own slots.
+  EXPECT_EQ(first, 64U * 8 + 16384 + 16384 + 16 * 8);
+  for (int i = 1; i < 48; ++i) {
+    table.Insert({std::to_string(i), "", "", ""}, "");
+  }
+  EXPECT_EQ(table.ReservedBytes(), first);
+  table.Insert({"48", "", "", ""}, "");  // The 49th entry no longer fits three quarters of 64 slots.
+  EXPECT_EQ(table.ReservedBytes(), first + 128 * 8 - 64 * 4);  // Hashes are kept for the slots in force only.
+}
+
+}  // namespace
