@@ -60,7 +60,7 @@ AlarmTable::SlotArray::SlotArray(std::size_t count, std::unique_ptr<SlotArray> p
   }
 }
 
-AlarmTable::~AlarmTable() { delete array_.load(std::memory_order_relaxed); }
+AlarmTable::~AlarmTable() { delete Newest(); }
 
 void AlarmTable::Insert(const AlarmKey& key, std::string_view value) {
   Put(key, HashOf(key), values_.Intern(value));
@@ -68,8 +68,7 @@ void AlarmTable::Insert(const AlarmKey& key, std::string_view value) {
 
 std::uint32_t AlarmTable::HashAndFetch(const AlarmKey& key) const {
   const std::uint32_t hash = HashOf(key);
-  // Relaxed: only this thread ever stores it.
-  if (const SlotArray* const array = array_.load(std::memory_order_relaxed); array != nullptr) {
+  if (const SlotArray* const array = Newest(); array != nullptr) {
     __builtin_prefetch(&array->slots[hash & array->mask]);
     __builtin_prefetch(&slotHashes_[hash & array->mask], 1);
   }
@@ -77,8 +76,7 @@ std::uint32_t AlarmTable::HashAndFetch(const AlarmKey& key) const {
 }
 
 void AlarmTable::Put(const AlarmKey& key, std::uint32_t hash, Ref value) {
-  // Relaxed, here and below: only this thread ever stores it.
-  const SlotArray* const array = array_.load(std::memory_order_relaxed);
+  const SlotArray* const array = Newest();
   std::size_t slot = 0;
   if (array != nullptr) {
     if (const Ref ref = Locate(*array, key, hash, slot); ref != 0) {
@@ -95,16 +93,16 @@ void AlarmTable::Put(const AlarmKey& key, std::uint32_t hash, Ref value) {
     Grow();
   }
   const Ref ref = AddNode(key, value);
-  while (ref > array_.load(std::memory_order_relaxed)->refMask) {
+  while (ref > Newest()->refMask) {
     Grow();
   }
-  SlotArray& latest = *array_.load(std::memory_order_relaxed);
-  if (&latest != array) {
-    Locate(latest, key, hash, slot);
+  SlotArray& newest = *Newest();
+  if (&newest != array) {
+    Locate(newest, key, hash, slot);
   }
   slotHashes_[slot] = hash;
   // Release: the node is visible to whoever sees the slot filled.
-  latest.slots[slot].store(latest.WordOf(hash, ref), std::memory_order_release);
+  newest.slots[slot].store(newest.WordOf(hash, ref), std::memory_order_release);
   size_.store(size() + 1, std::memory_order_relaxed);
 }
 
@@ -143,9 +141,7 @@ void AlarmTable::ForEach(const std::function<void(const AlarmKey&, std::string_v
 std::size_t AlarmTable::ReservedBytes() const {
   std::size_t bytes =
       nodes_.ReservedBytes() + values_.ReservedBytes() + slotHashes_.size() * sizeof slotHashes_[0];
-  // Relaxed: only this thread ever stores it.
-  for (const SlotArray* array = array_.load(std::memory_order_relaxed); array != nullptr;
-       array = array->older.get()) {
+  for (const SlotArray* array = Newest(); array != nullptr; array = array->older.get()) {
     bytes += (array->mask + 1) * sizeof array->slots[0];
   }
   return bytes;
@@ -214,7 +210,7 @@ AlarmTable::Ref AlarmTable::AddNode(const AlarmKey& key, Ref value) {
 }
 
 void AlarmTable::Grow() {
-  SlotArray* const old = array_.load(std::memory_order_relaxed);
+  SlotArray* const old = Newest();
   const std::size_t count = old == nullptr ? kFirstSlots : 2 * (old->mask + 1);
   auto larger = std::make_unique<SlotArray>(count, nullptr);
   std::vector<std::uint32_t> hashes(count);

@@ -123,6 +123,10 @@ class AlarmTable {
   /// The key's hash. Has the cache fetch the slot that a search for it starts with.
   [[nodiscard]] std::uint32_t HashAndFetch(const AlarmKey& key) const;
 
+  /// The array in force as the writer sees it, which is the only one to store it.
+  [[nodiscard]] SlotArray* Newest() const { return array_.load(std::memory_order_relaxed); }
+
+  /// `Insert` of a key whose hash is known and a value that the pool has.
   void Put(const AlarmKey& key, std::uint32_t hash, Ref value);
 
   /// Writes a node that nobody sees yet.
@@ -132,8 +136,10 @@ class AlarmTable {
   // The writer's alone.
   AlarmArena nodes_;
   AlarmTextPool values_;
-  std::vector<std::uint32_t> hashes_;      // Of the keys that are inserted together.
-  std::vector<std::uint32_t> slotHashes_;  // The whole hash of each filled slot of the array in force.
+  std::vector<std::uint32_t> hashes_;  // Of the keys that are inserted together.
+  // The whole hash of each filled slot of the array in force. Hashing the keys anew whenever the array grows
+  // would make a load twice as long.
+  std::vector<std::uint32_t> slotHashes_;
 
   // Read by everybody. Owned: the array in force, which owns the older ones.
   std::atomic<SlotArray*> array_{nullptr};

@@ -52,11 +52,11 @@ bool StartsPair(std::string_view text, std::size_t pos) {
 
 constexpr bool IsSeparator(char c) { return c == kPairSeparator || c == kValueSeparator; }
 
-/// Where the value starts if a pair with `key`, which is not empty, starts at `pos`; else npos.
+/// Where the value starts if a pair with `key` starts at `pos`; else npos.
 std::size_t ValueStart(std::string_view text, std::string_view key, std::size_t pos) {
   // Not a character of a pair's key: a separator, even if both have it.
   const auto isSameInKey = [](char a, char b) { return a == b && !IsSeparator(a); };
-  if (text[pos] != key.front() || !StartsPair(text, pos) || text.size() - pos < key.size() ||
+  if (!StartsPair(text, pos) || text.size() - pos < key.size() ||
       !std::equal(key.begin(), key.end(), text.data() + pos, isSameInKey)) {
     return std::string_view::npos;
   }
@@ -185,7 +185,7 @@ std::string AsciiUtilInterfaceImpl::GetKeyValue(const std::string& key, const st
 
 std::int64_t AsciiUtilInterfaceImpl::ParseListMap(ListMap& map, const std::string& text) {
   ListMap former;
-  map.swap(former);  // The text may be one of its own.
+  map.swap(former);  // The text may be one of its own, so these live until it is split.
   std::vector<std::string> entries;
   SplitStr(text, ",", entries);
   former.clear();

@@ -38,7 +38,7 @@ struct ByteCode {
   unsigned char length;
 };
 
-constexpr bool IsLineEnd(unsigned c) { return c == '\r' || c == '\n'; }
+constexpr bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
 
 constexpr std::array<ByteCode, 256> MakeByteCodes() {
   std::array<ByteCode, 256> codes{};
@@ -48,7 +48,8 @@ constexpr std::array<ByteCode, 256> MakeByteCodes() {
     } else if (c > 0x0F) {
       codes[c] = {{'%', kHexDigits[c >> 4], kHexDigits[c & 0x0F]}, 3};
     } else {
-      codes[c] = {{'%', kHexDigits[c], 0}, static_cast<unsigned char>(IsLineEnd(c) ? 0 : 2)};
+      codes[c] = {{'%', kHexDigits[c], 0},
+                  static_cast<unsigned char>(IsLineEnd(static_cast<char>(c)) ? 0 : 2)};
     }
   }
   return codes;
@@ -81,7 +82,7 @@ inline Progress EncodeLineFeeds(Progress at, const char* end) {
 /// Encodes the CR at `at.in`, with the byte behind it, if the two make a line end.
 inline Progress EncodeCarriageReturn(Progress at) {
   const ByteCode& next = CodeOf(at.in[1]);
-  if (next.text[0] != '%' || next.text[1] != 'a') {
+  if (next.text[1] != 'a') {
     return {at.in + 1, Append("%d", at.out)};
   }
   at.out = Append(kLineEnd, at.out);
@@ -134,7 +135,7 @@ void EncodeRun(const char* in, char* out) {
 bool HasLineEnd(const char* in) {
   unsigned char lineEnds = 0;
   for (std::size_t i = 0; i < kRun; ++i) {
-    lineEnds = static_cast<unsigned char>(lineEnds + ((in[i] == '\r') | (in[i] == '\n')));
+    lineEnds = static_cast<unsigned char>(lineEnds + IsLineEnd(in[i]));
   }
   return lineEnds != 0;
 }
