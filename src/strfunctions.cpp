@@ -3,6 +3,7 @@
 #include <ctype.h>
 
 #include <algorithm>
+#include <charconv>
 #include <functional>
 
 #include "src/casemap.h"
@@ -97,6 +98,13 @@ std::string StrToLower(std::string text) {
   return text;
 }
 
-std::string Num2Str(int number) { return std::to_string(number); }
+std::string Num2Str(int number) {
+  // The longest one makes room for any. Its length is constant, so that it is written without a call, and
+  // unlike resize(), erase() cuts it without one.
+  std::string text("-2147483648");
+  const std::to_chars_result end = std::to_chars(text.data(), text.data() + text.size(), number);
+  text.erase(static_cast<std::size_t>(end.ptr - text.data()));
+  return text;
+}
 
 }  // namespace NS_ASCII
