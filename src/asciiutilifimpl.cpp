@@ -52,37 +52,43 @@ bool StartsPair(std::string_view text, std::size_t pos) {
 
 constexpr bool IsSeparator(char c) { return c == kPairSeparator || c == kValueSeparator; }
 
-/// Where the value starts if a pair with `key` starts at `pos`; else npos.
-std::size_t ValueStart(std::string_view text, std::string_view key, std::size_t pos) {
-  // Not a character of a pair's key: a separator, even if both have it.
-  const auto isSameInKey = [](char a, char b) { return a == b && !IsSeparator(a); };
-  if (!StartsPair(text, pos) || text.size() - pos < key.size() ||
-      !std::equal(key.begin(), key.end(), text.data() + pos, isSameInKey)) {
+/// Where the value starts if a pair with `key` starts at `pos`; else npos. A NUL stands behind `text`, which
+/// is as good as a character that differs.
+std::size_t ValueStart(std::string_view text, const char* key, std::size_t pos) {
+  if (!StartsPair(text, pos)) {
     return std::string_view::npos;
   }
-  std::size_t end = pos + key.size();
-  if (end < text.size() && text[end] == '\0') {
-    end = text.find_first_of("=,", end);  // The rest of the pair's key does not count.
+  const char* end = text.data() + pos;
+  for (; *key != '\0'; ++key, ++end) {
+    // A separator is no character of a pair's key, even if both have it.
+    if (*key != *end || IsSeparator(*key)) {
+      return std::string_view::npos;
+    }
   }
-  return end < text.size() && text[end] == kValueSeparator ? end + 1 : std::string_view::npos;
+  auto behind = static_cast<std::size_t>(end - text.data());
+  if (behind < text.size() && text[behind] == '\0') {
+    behind = text.find_first_of("=,", behind);  // The rest of the pair's key does not count.
+  }
+  return behind < text.size() && text[behind] == kValueSeparator ? behind + 1 : std::string_view::npos;
 }
 
 /// The value of `key` in a text of pairs: that of the first pair with this key. When it is empty or starts
-/// with a NUL, all of the text behind the pair's "=" takes its place.
-std::string_view FindValue(const std::string& keyText, std::string_view text) {
-  const std::string_view key = keyText.c_str();  // Keys are compared up to their first NUL.
-  if (key.empty() || IsBlank(key.front())) {
-    return {};  // No pair's key is either.
+/// with a NUL, all of the text behind the pair's "=" takes its place. Keys are compared up to their first NUL.
+std::string_view FindValue(const char* key, const std::string& wholeText) {
+  const std::string_view text = wholeText;
+  const char first = *key;
+  if (first == '\0' || IsBlank(first)) {
+    return {};  // No pair's key is empty or starts so.
   }
   // A pair at the very start is found without a search. `pos` is npos when a search finds nothing.
-  for (std::size_t pos = 0; pos < text.size(); pos = text.find(key.front(), pos)) {
+  for (std::size_t pos = 0; pos < text.size(); pos = text.find(first, pos)) {
     if (const std::size_t start = ValueStart(text, key, pos); start != std::string_view::npos) {
       const std::string_view rest = text.substr(start);
       const std::string_view value = TrimRightView(rest.substr(0, rest.find(kPairSeparator)));
       return StartsWithText(value) ? value : TrimRightView(rest);
     }
     ++pos;
-    while (text.size() - pos >= kPairBlock && !MayStartPair(text.data() + pos, key.front())) {
+    while (text.size() - pos >= kPairBlock && !MayStartPair(text.data() + pos, first)) {
       pos += kPairBlock;
     }
   }
@@ -169,7 +175,7 @@ bool AsciiUtilInterfaceImpl::IsContain(const std::string& sub, const std::string
 }
 
 bool AsciiUtilInterfaceImpl::IsKeyValueAboveOne(const std::string& key, const std::string& text) {
-  const std::string_view value = FindValue(key, text);
+  const std::string_view value = FindValue(key.c_str(), text);
   if (!StartsWithText(value)) {
     return false;
   }
@@ -180,7 +186,7 @@ bool AsciiUtilInterfaceImpl::IsKeyValueAboveOne(const std::string& key, const st
 }
 
 std::string AsciiUtilInterfaceImpl::GetKeyValue(const std::string& key, const std::string& text) {
-  return std::string(FindValue(key, text));
+  return std::string(FindValue(key.c_str(), text));
 }
 
 std::int64_t AsciiUtilInterfaceImpl::ParseListMap(ListMap& map, const std::string& text) {
