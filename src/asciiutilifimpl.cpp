@@ -73,7 +73,8 @@ std::size_t ValueStart(std::string_view text, const char* key, std::size_t pos) 
 }
 
 /// The value of `key` in a text of pairs: that of the first pair with this key. When it is empty or starts
-/// with a NUL, all of the text behind the pair's "=" takes its place. Keys are compared up to their first NUL.
+/// with a NUL, all of the text behind the pair's "=" takes its place. Keys are compared up to their first
+/// NUL.
 std::string_view FindValue(const char* key, const std::string& wholeText) {
   const std::string_view text = wholeText;
   const char first = *key;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -98,7 +99,7 @@ TEST(Trim, AgreesWithTheLiteralRuleOnLongRunsOfBlanks) {
 }
 
 TEST(Trim, EndsLongRunsOfBlanksAtEveryOtherByte) {
-  const std::size_t places[] = {0, 1, 100, 127, 128, 129, 200, 299};
+  const std::size_t places[] = {0, 1, 31, 32, 33, 100, 127, 128, 129, 159, 160, 200, 267, 268, 299};
   for (const char blank : {' ', '\t', '\n', '\r'}) {
     for (int byte = 0; byte < 256; ++byte) {
       for (const std::size_t place : places) {
@@ -112,11 +113,11 @@ TEST(Trim, EndsLongRunsOfBlanksAtEveryOtherByte) {
 
 TEST(Trim, AgreesWithTheLiteralRuleOnRunsOfOneByte) {
   testing_text::RandomText random(47);
-  const std::size_t lengths[] = {0, 1, 5, 64, 127, 128, 129, 255, 256, 257, 300};
+  const std::size_t lengths[] = {0, 1, 5, 31, 32, 33, 64, 127, 128, 129, 160, 255, 256, 257, 300};
   for (int trial = 0; trial < testing_text::Trials(3000); ++trial) {
     std::string text;
     for (std::size_t runs = random.Below(5); runs > 0; --runs) {
-      text += std::string(lengths[random.Below(11)], " \t\n\rx~\x0B!"[random.Below(8)]);
+      text += std::string(lengths[random.Below(std::size(lengths))], " \t\n\rx~\x0B!"[random.Below(8)]);
     }
     ExpectTrimmedAsByTheLiteralRule(text);
   }
