@@ -23,22 +23,24 @@ AlarmTextPool::Ref AlarmTextPool::Intern(std::string_view text) {
   if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
     throw std::bad_alloc();
   }
+  const std::uint32_t hash = HashOf(text);
+  if (!slots_.empty()) {
+    if (const Ref known = slots_[SlotOf(text, hash)].ref; known != 0) {
+      return known;
+    }
+  }
   if (4 * (size_ + 1) > 3 * slots_.size()) {
     Grow();
   }
-  const std::uint32_t hash = HashOf(text);
-  Slot& slot = slots_[SlotOf(text, hash)];
-  if (slot.ref == 0) {
-    // A piece is the text's length, then the text.
-    const auto length = static_cast<std::uint32_t>(text.size());
-    const Ref ref = arena_.Allocate(sizeof length + text.size());
-    char* const piece = arena_.At(ref);
-    std::memcpy(piece, &length, sizeof length);
-    text.copy(piece + sizeof length, text.size());
-    slot = {hash, ref};
-    ++size_;
-  }
-  return slot.ref;
+  // A piece is the text's length, then the text.
+  const auto length = static_cast<std::uint32_t>(text.size());
+  const Ref ref = arena_.Allocate(sizeof length + text.size());
+  char* const piece = arena_.At(ref);
+  std::memcpy(piece, &length, sizeof length);
+  text.copy(piece + sizeof length, text.size());
+  slots_[SlotOf(text, hash)] = {hash, ref};
+  ++size_;
+  return ref;
 }
 
 bool AlarmTextPool::Contains(std::string_view text) const {

@@ -73,6 +73,8 @@ TEST(AlarmTextPool, ReportsItsTextsAndItsSlots) {
     pool.Intern(text);
   }
   EXPECT_EQ(pool.ReservedBytes(), 16384U + 16 * 8);  // Three quarters are taken.
+  pool.Intern("a");
+  EXPECT_EQ(pool.ReservedBytes(), 16384U + 16 * 8);  // A text that is there needs no more room.
   pool.Intern("m");
   EXPECT_EQ(pool.ReservedBytes(), 16384U + 32 * 8);
 }
