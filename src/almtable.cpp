@@ -84,7 +84,7 @@ void AlarmTable::Put(const AlarmKey& key, std::uint32_t hash, Ref value) {
       auto& current = const_cast<std::atomic<Ref>&>(NodeAt(ref).value);
       if (current.load(std::memory_order_relaxed) != value) {
         // Release: the text is complete before its number is seen.
-        current.exchange(value, std::memory_order_release);
+        current.store(value, std::memory_order_release);
       }
       return;
     }

@@ -35,9 +35,9 @@ bool ComesBefore(const AlarmKey& a, const AlarmKey& b);
 ///     slots with acquire. After that only its value number changes.
 ///  2. A node never moves and is never freed before the table.
 ///  3. Growth fills a larger slot array beside the old one and publishes it with one store. Old arrays stay
-///     until the table goes, so a reader that holds one finishes on it; it sees the entries as of that
-///     moment.
-///  4. A new value for an entry is a new number in its node, published by one atomic exchange. The number
+///     until the table goes, so a reader that holds one finishes on it; entries that are added after the
+///     growth it misses.
+///  4. A new value for an entry is a new number in its node, published by one atomic store. The number
 ///     names an immutable text of the value pool, where equal texts are stored once: loading the same values
 ///     again, in whatever turn, takes no memory.
 ///  5. There is always a free slot, so every probe ends.
@@ -45,7 +45,7 @@ bool ComesBefore(const AlarmKey& a, const AlarmKey& b);
 /// Threads: one writer at a time calls `Insert`, `InsertAll` and `ReservedBytes`; any number of readers call
 /// `Find`, `ForEach` and `size` at the same time. They take no lock and never wait. For each key a reader
 /// sees no value, an older one or the newest, never part of one; what was inserted before the reader began is
-/// seen. `ForEach` is for when a view as of some moment is good enough.
+/// seen. `ForEach` visits what was there when it began, and may see some of what is inserted meanwhile.
 class AlarmTable {
  public:
   AlarmTable() = default;
@@ -54,7 +54,7 @@ class AlarmTable {
   AlarmTable& operator=(const AlarmTable&) = delete;
 
   /// Adds the entry, or gives an entry with an equal key the new value. Copies the texts. Throws
-  /// `std::bad_alloc` when memory runs out; the table then answers as before.
+  /// `std::bad_alloc` when memory runs out or a text is of 4 GiB or more; the table then answers as before.
   void Insert(const AlarmKey& key, std::string_view value);
 
   /// The same for each of `keys` in turn, a container of `AlarmKey` or what derives from it; when memory runs
