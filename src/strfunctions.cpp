@@ -17,15 +17,15 @@ constexpr std::size_t kSmallBlock = 32;
 constexpr std::size_t kLargeBlock = 128;
 
 /// A tab and a CR differ in one bit, so that one comparison finds both.
-constexpr int kThatBit = '\t' ^ '\r';
-static_assert((kThatBit & (kThatBit - 1)) == 0 && ('\t' & kThatBit) == 0);
+constexpr int kTabOrReturn = '\t' ^ '\r';
+static_assert((kTabOrReturn & (kTabOrReturn - 1)) == 0 && ('\t' & kTabOrReturn) == 0);
 
 template <std::size_t kSize>
 bool IsBlankBlock(const char* block) {
   unsigned char blanks = 0;
   for (std::size_t i = 0; i < kSize; ++i) {
     const char c = block[i];
-    blanks = static_cast<unsigned char>(blanks + ((c == ' ') | (c == '\n') | ((c & ~kThatBit) == '\t')));
+    blanks = static_cast<unsigned char>(blanks + ((c == ' ') | (c == '\n') | ((c & ~kTabOrReturn) == '\t')));
   }
   return blanks == kSize;
 }
@@ -44,7 +44,8 @@ void RemoveTrailingBlocks(std::string_view& text) {
   }
 }
 
-/// `text` without the blocks of blanks that it starts with.
+/// `text` without the blocks of blanks that it starts with. Not inlined, so that usual texts, which have
+/// none, pay for no more than a look.
 [[gnu::noinline]] std::string_view WithoutLeadingBlocks(std::string_view text) {
   if (IsBlank(text.front())) {
     RemoveLeadingBlocks<kLargeBlock>(text);
@@ -64,14 +65,14 @@ void RemoveTrailingBlocks(std::string_view& text) {
 
 inline std::string_view WithoutLeading(std::string_view text) {
   // The far end of a block is a cheap first look.
-  if (text.size() > kSmallBlock && IsBlank(text[kSmallBlock])) {
+  if (text.size() >= kSmallBlock && IsBlank(text[kSmallBlock - 1])) {
     text = WithoutLeadingBlocks(text);
   }
   return TrimLeftView(text);
 }
 
 inline std::string_view WithoutTrailing(std::string_view text) {
-  if (text.size() > kSmallBlock && IsBlank(text[text.size() - kSmallBlock])) {
+  if (text.size() >= kSmallBlock && IsBlank(text[text.size() - kSmallBlock])) {
     text = WithoutTrailingBlocks(text);
   }
   return TrimRightView(text);
