@@ -56,7 +56,7 @@ inline void CopyTo(std::vector<ServiceInterface*>* out, const std::vector<Servic
 [[noreturn]] inline void ThrowNotExist() {
   InterfaceNotExistException missing;
   missing.code = kInterfaceNotExist;
-  // Copied from a name, because the copy constructor takes no temporary; streams may throw while copied.
+  // Thrown by its name, since its code is set before; streams may throw while copied.
   throw missing;  // NOLINT(cert-err09-cpp,cert-err60-cpp,cert-err61-cpp,misc-throw-by-value-catch-by-reference)
 }
 

@@ -30,7 +30,8 @@ PLATFORM_API int KelpCodeSetConvert(const std::string& fromCode, const std::stri
 
 /// The bounds-checked formatter with the signature of C11 Annex K (ISO/IEC 9899:2011, K.3.5.3.6): writes
 /// at most `size` characters to `buffer`, the terminating NUL included, and returns the number written
-/// without it; negative when the text does not fit or cannot be made.
+/// without it. Negative, and not 0 as there, when the text does not fit; negative, too, when it cannot be
+/// made.
 extern "C" PLATFORM_API int sprintf_s(char* buffer, std::size_t size, const char* format, ...)
     __attribute__((format(printf, 3, 4)));
 

@@ -45,13 +45,13 @@ class PLATFORM_API ProcessException : public std::exception {
   }
 };
 
-/// No interface of the wanted name and type exists. Carries `kInterfaceNotExist` as its code.
+/// No interface of the wanted name and type exists. A lookup throws it with `kInterfaceNotExist` as its code.
 class PLATFORM_API InterfaceNotExistException : public ProcessException {
  public:
   ~InterfaceNotExistException() override = default;
 };
 
-/// The code of every `InterfaceNotExistException`.
+/// The code of an `InterfaceNotExistException` that a lookup throws.
 inline constexpr std::int32_t kInterfaceNotExist = 0x41180004;
 
 }  // namespace NS_BUNDLEMGR1

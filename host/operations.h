@@ -35,7 +35,7 @@ struct Operation {
   std::function<Answer(const Target&, const std::vector<Value>&)> invoke;
 };
 
-/// All rows: the interface's sixteen operations but for the destructor pair, then the eight text functions.
+/// All rows: the interface's fourteen operations, then the eight text functions.
 const std::vector<Operation>& Operations();
 
 /// The row of that name; throws `UsageError` with a suggestion when there is none.

@@ -50,7 +50,8 @@ enum class LineFate {
 ///
 /// Threads: one thread at a time loads or inserts. Any thread may call `GetValue` at any time, also during a
 /// load, and `Instance`.
-/// Errors: bad content is logged or dropped, never thrown. Exhausted memory throws `std::bad_alloc`.
+/// Errors: bad content is logged or dropped, never thrown. Exhausted memory throws `std::bad_alloc`; what the
+/// logger throws reaches the caller.
 /// Binary contract: the virtual table has the one slot of `LoadConfig`, so the destructor is not virtual.
 class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor)
  public:
@@ -71,8 +72,8 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
 
   /// Slot 1, the only one. Reads the file `path` (NUL-terminated) into the table, on top of what is there.
   /// Always 0; a file that cannot be opened, a directory among them, changes and logs nothing.
-  /// Ends only at the end of the file: a line of 1,023 characters or more leaves the stream failed before
-  /// that, so the load never returns. Callers rely on the line limit being kept.
+  /// Ends only at the end of the file: a line of 1,023 characters or more, and a read that fails, leave the
+  /// stream failed before that, so the load never returns. Callers rely on the line limit being kept.
   virtual int LoadConfig(const char* path);
 
   /// Handles one line as read, without its LF (NUL-terminated; what stands behind the first NUL is no part of
@@ -90,8 +91,8 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
   /// The same for a key that looks at the caller's texts.
   int GetValue(const AlarmKey& key, std::string& value) const;
 
-  /// The four operations below are the grammar over strings of their own; `TakeLine` runs the same code over
-  /// views into the line.
+  /// The four operations below are the grammar over strings of their own, kept for those who know it by them;
+  /// `TakeLine`, which is all that a load calls, runs the same code over views into the line.
 
   /// Appends the parts of `text` between characters of `separators` to `fields`. A separator at the very end
   /// makes no empty part. Returns -1 with a message when a part is empty or a sixth one turns up, having
@@ -103,13 +104,14 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
   int ListToRecord(const FieldList& fields, AlarmConfigRecord& record, const std::string& line);
 
   /// Appends to `records` one copy of `record` for each alternative, put in key1 (`mode` 1) or key2 (`mode`
-  /// 2; any other mode puts it nowhere). `record` is left holding the last one.
+  /// 2; any other mode puts it nowhere). `record`, which must not be one of `records`, is left holding the
+  /// last one.
   void ExpandField(const FieldList& alternatives, AlarmConfigRecord& record,
                    std::vector<AlarmConfigRecord>& records, unsigned mode);
 
   /// Stores every combination of the five columns in `fields` (which it uses up): appends to the two
-  /// expansions, then inserts the second one in order. Inserts nothing when a column is bad. `line` is for
-  /// the message.
+  /// expansions, then inserts the second one in order, with what it held before. They must not be one and the
+  /// same. Inserts nothing when a column is bad. `line` is for the message.
   void AddLine(FieldList& fields, std::vector<AlarmConfigRecord>& byKey1, std::vector<AlarmConfigRecord>& all,
                const std::string& line);
 
@@ -119,7 +121,7 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
 
  private:
   AlarmTable valueMap;
-  AlarmTextPool key3Set;
+  AlarmTextPool key3Set;  // Filled with the table, but no operation asks it.
 };
 
 }  // namespace NS_ASCII

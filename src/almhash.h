@@ -10,11 +10,11 @@
 namespace NS_ASCII {
 
 /// Mixes several texts into one hash value, in place. It keeps nothing of the texts and is its owner's alone.
-/// ("ab", "c") and ("a", "bc") differ, because each text ends with its length.
+/// The low eight bits of each text's length are mixed in, so that ("ab", "c") and ("a", "bc") differ.
 class TextHash {
  public:
   void Add(std::string_view text) {
-    // The number made of one text waits for none of the others.
+    // Does not depend on `state_`, so that the processor can work on several texts at a time.
     const char* const p = text.data();
     std::uint64_t mixed = std::uint64_t{text.size()} << 56;
     if (text.size() < kWord) {

@@ -23,6 +23,7 @@ constexpr const char* kTag = "asciiutilifimpl";
 constexpr char kPairSeparator = ',';
 constexpr char kValueSeparator = '=';
 
+/// Whether `text`, taken up to its first NUL, is not empty.
 bool StartsWithText(std::string_view text) { return !text.empty() && text.front() != '\0'; }
 
 /// How many characters are looked through at a time for the start of a pair.
@@ -125,7 +126,7 @@ std::string AsciiUtilInterfaceImpl::GetTimeStamp() {
   if (gmtime_r(&now, &utc) == nullptr) {
     return {};
   }
-  // The sum may exceed an int; cut back to one it is a year of more than four digits all the same.
+  // The sum may exceed an int; cut to one, it still has more than four digits, and no stamp is made of it.
   const int year = static_cast<int>(std::int64_t{utc.tm_year} + 1900);
   std::array<char, 20> stamp;
   if (sprintf_s(stamp.data(), stamp.size(), "%4d-%02d-%02d%s%02d:%02d:%02d", year, utc.tm_mon + 1,

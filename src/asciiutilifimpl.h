@@ -56,7 +56,8 @@ class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
   /// (out, appended to).
   void ParseListEntry(const std::string& entry, std::string& name, std::vector<std::string>& items);
 
-  /// The same for one of many entries, which share the memory of `value`; nothing else of it counts.
+  /// The same with `value` as memory that the entries of one text share. What it holds before and after does
+  /// not matter.
   void ParseListEntry(const std::string& entry, std::string& value, std::string& name,
                       std::vector<std::string>& items);
 };

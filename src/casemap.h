@@ -22,9 +22,11 @@
 /// The loops here are plain and without exits, so that they become vector instructions.
 namespace NS_ASCII {
 
-/// Texts shorter than this are looked up before anything is established, but for the built-in locale.
+/// Shorter texts are looked up byte by byte: to find out whether the locale is a plain one would cost more
+/// than it saves. (The built-in one is recognised at no cost, for texts of any length.)
 inline constexpr std::size_t kShortText = 32;
 
+/// `c` in the other case if it is one of the 26 letters from `firstLetter` on, else `c`.
 constexpr char FlipLetter(char c, char firstLetter) {
   return static_cast<char>(c ^ (static_cast<unsigned char>(c - firstLetter) < 26 ? 0x20 : 0));
 }

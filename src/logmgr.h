@@ -38,24 +38,27 @@ class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
   std::atomic<bool> closed_{false};
 };
 
-/// Logs messages with the calling thread's debug position, through a logger of its own.
+/// Logs messages with the calling thread's debug position, through a logger of its own. Nothing sets a
+/// position, so that file and function are always empty.
 ///
 /// There is one log manager, made on first use and, `Release` aside, never destroyed: neither by the service
 /// object nor at unload. Its place is static storage, so it goes with the library's mapping. Only its thread
 /// key is given back at unload (see the module state in logmgr.cpp).
 ///
-/// Ownership: it owns its logger, but destroys it only in `Release`.
-/// Threads: `Instance` and `LogPos` from any thread; `Release` only while no other thread uses either.
+/// Ownership: the logger counts as its own, and `Release` destroys it. Nothing in the library calls
+/// `Release`, so in production the log service keeps it. Threads: `Instance` and `LogPos` from any thread;
+/// `Release` only while no other thread uses either.
 class LogMgr : private ACE_Copy_Disabled {
  public:
-  /// The log manager, made on first use under ACE's static object lock. Null when that lock cannot be taken.
+  /// The log manager, made on first use under ACE's static object lock, which is held while the logger is
+  /// asked for. Null when that lock cannot be taken.
   static LogMgr* Instance();
 
   /// Destroys the log manager, if there is one, and its logger. The next `Instance` makes a new one.
   static void Release();
 
-  /// Logs `message` at level 0 with the calling thread's position. Dropped when there is no logger, or no
-  /// record for the thread.
+  /// Logs `message` at level 0 with the calling thread's position. Dropped when there is no record for the
+  /// thread, or no logger: it is asked for once, when the log manager is made.
   void LogPos(const std::string& message);
 
  private:

@@ -3,7 +3,7 @@
 
 #include "framework/log_service.h"
 
-/// The one way in which a message leaves the library.
+/// How the library's ordinary messages leave it; debug messages go through `LogMgr`.
 ///
 /// The library shares one logger, fetched from the log service on the first message and kept for good. A
 /// log service that is missing, or hands out no logger, drops the message and is asked again by the next.
@@ -11,7 +11,8 @@
 /// is loaded.
 ///
 /// Threads: any. The shared logger is read and written without a lock: of several first messages at the
-/// same time each may fetch a logger, and the last one stored stays. `_g_actualmutex` is held while the
+/// same time each may fetch a logger, and the last answer stays; if that was "none", the next message asks
+/// again. `_g_actualmutex` is held while the
 /// library's null interface is made and while an interface is searched for, never across a call into the log
 /// service.
 ///

@@ -82,7 +82,7 @@ inline Progress EncodeLineFeeds(Progress at, const char* end) {
 /// Encodes the CR at `at.in`, with the byte behind it, if the two make a line end.
 inline Progress EncodeCarriageReturn(Progress at) {
   const ByteCode& next = CodeOf(at.in[1]);
-  if (next.text[1] != 'a') {
+  if (next.text[1] != 'a') {  // Only what starts with "%a" has an 'a' there.
     return {at.in + 1, Append("%d", at.out)};
   }
   at.out = Append(kLineEnd, at.out);
@@ -165,8 +165,8 @@ Progress EncodeBlock(Progress at, const char* textEnd) {
   return EncodeBytes(at, end);
 }
 
-/// What a byte means to the extraction of a hexadecimal integer.
-enum Meaning : unsigned char { kDigit0 = 0, kDigit15 = 15, kSpace, kMinus, kOther };
+/// What a byte means to the extraction of a hexadecimal integer. Digits mean their value, 0 to 15.
+enum Meaning : unsigned char { kDigit15 = 15, kSpace, kMinus, kOther };
 
 constexpr std::array<unsigned char, 256> MakeMeanings() {
   std::array<unsigned char, 256> meanings{};
@@ -337,6 +337,7 @@ std::string GetURLDecoding(std::string text) {
   const char* const end = at.in + text.size();
   while (at.in != end) {
     const std::size_t left = static_cast<std::size_t>(end - at.in);
+    // Less than a run is decoded byte by byte, as if it had a '%'.
     const std::size_t percents = left < kRun ? 1 : DecodeRun(at.in, at.out);
     if (percents == 0) {
       at.in += kRun;

@@ -27,14 +27,17 @@ using ListMap = std::map<std::string, std::vector<std::string>>;
 /// drops it before the bundle is unloaded.
 /// Threads: the interface has no state. Every operation may be called from any thread at any time, also
 /// while the configuration is being loaded; maps and lists passed in are the caller's own to protect.
-/// Errors: bad input is answered, never thrown. Only exhausted memory throws, `std::bad_alloc`; a list or map
-/// that was being filled (slots 13 and 15) then keeps what it has, every other out value is left alone.
+/// Errors: bad input is answered, never thrown. Exhausted memory throws `std::bad_alloc` (but ends the
+/// process while the log service is searched for), and what the platform or its logger throws reaches the
+/// caller. A list or map that was being filled (slots 13 and 15) then keeps what it has, every other out
+/// value is left alone.
 class PLATFORM_API AsciiUtilInterface : public NS_BUNDLEMGR1::ServiceInterface {
  public:
   /// Slot 5. Reads `text`, up to its first NUL, as an integer with `strtol` in `base` (0 or 2 to 36).
   /// `value` (out, always written) receives the low 32 bits of what could be read, 0 when nothing could.
   /// True when all of the text was read, so leading white space and a sign are fine, anything behind the
-  /// number is not. An empty text is true with 0, and a number beyond 32 bits is true with its low bits.
+  /// number is not. An empty text is true with 0. A number beyond 32 bits is true with its low bits, one
+  /// beyond a `long` with those of the nearest `long` (-1 or 0). Another base reads nothing.
   virtual bool Str2Num(const std::string& text, int& value, int base) = 0;
 
   /// Slot 6. The present time in UTC as "2026-11-15T09:11:44", the calendar form of ISO 8601, always 19
@@ -49,24 +52,28 @@ class PLATFORM_API AsciiUtilInterface : public NS_BUNDLEMGR1::ServiceInterface {
 
   /// Slot 8. The configured integer for columns 1, 2 and 3 and the integer of column 4. Returns 0 and
   /// writes `value` (out) when the configured text is a base-10 integer, as by `Str2Num`; returns 1 and
-  /// leaves `value` alone when it is not. A key that no line serves is no failure: it answers 0, value 0.
+  /// leaves `value` alone when it is not. Column 4 must be the decimal text of `numKey`: "07" is never found.
+  /// A key that no line serves is no failure: it answers 0, value 0.
   virtual std::int64_t GetAlmCfgValue(std::int64_t& value, const std::string& key1, const std::string& key2,
                                       const std::string& key3, const int& numKey) = 0;
 
-  /// Slot 9. A copy of `text` in upper case, byte by byte as the process's locale has it.
+  /// Slot 9. A copy of `text` in upper case, byte by byte as the locale has it that is in force for the
+  /// calling thread. Bytes count as signed: 0xFF is no character then and stays.
   virtual std::string ToUpper(const std::string& text) = 0;
 
   /// Slot 10. Whether `text` holds `sub`. An empty `sub`, and one that starts with NUL, is in no text.
   virtual bool IsContain(const std::string& sub, const std::string& text) = 0;
 
-  /// Slot 11. Whether `GetKeyValue` of the same arguments starts with a base-10 number above 1; what
-  /// follows the number does not matter. False when the key is missing.
+  /// Slot 11. Whether `GetKeyValue` of the same arguments starts with a base-10 number that is above 1 when
+  /// read by `Str2Num`, so cut to 32 bits; what follows the number does not matter. False when the key is
+  /// missing.
   virtual bool IsKeyValueAboveOne(const std::string& key, const std::string& text) = 0;
 
   /// Slot 12. The value of `key` in a text of comma-separated key=value pairs; empty when there is none.
-  /// Pairs are trimmed, blanks next to the "=" count, the first matching pair wins, and the value runs to
-  /// the end of its pair. An empty value that is followed by more pairs is answered with the whole rest of
-  /// the text (",B=2" for A in "A=,B=2"); callers depend on it. Keys are compared up to their first NUL.
+  /// Pairs are trimmed, but blanks next to the "=" belong to the key or the value. The first matching pair
+  /// wins, and the value runs to the end of its pair. A value that is empty or starts with a NUL is answered
+  /// with the whole rest of the text (",B=2" for A in "A=,B=2"); callers depend on it. Keys are compared up
+  /// to their first NUL.
   virtual std::string GetKeyValue(const std::string& key, const std::string& text) = 0;
 
   /// Slot 13. Fills `map` (out, emptied first) from comma-separated entries name=item|item. Items of the
@@ -86,7 +93,8 @@ class PLATFORM_API AsciiUtilInterface : public NS_BUNDLEMGR1::ServiceInterface {
   virtual std::int64_t SplitStr(const std::string& text, const std::string& separator,
                                 std::vector<std::string>& pieces) = 0;
 
-  /// Slot 16. Logs `message` at level 0 with the calling thread's debug position. Always 0, logged or not.
+  /// Slot 16. Logs `message` at level 0 with the calling thread's debug position, which nothing sets: file
+  /// and function are empty and the line is 0. Always 0, logged or not.
   virtual std::int64_t WriteDbgLog(const std::string& message) = 0;
 };
 

@@ -11,7 +11,8 @@
 /// where one takes its text by value and another by reference.
 /// Threads: none keeps state; any thread may call any of them. The case functions read the locale that is
 /// in force for the calling thread.
-/// Errors: none on bad input; exhausted memory throws `std::bad_alloc`.
+/// Errors: none on bad input. Exhausted memory throws `std::bad_alloc`; what the platform's converter throws
+/// reaches the caller.
 namespace NS_ASCII {
 
 /// A copy of `text` without leading and trailing blank, tab, line feed and carriage return. Vertical tab
@@ -42,9 +43,10 @@ namespace NS_ASCII {
 
 /// Decodes '+' to space and percent escapes to bytes; converts no code set.
 ///
-/// The two characters after a '%' are always consumed and read as C++ streams read a hexadecimal integer:
-/// a sign, white space and "0x" are accepted, one digit is enough, no digit gives NUL ("%zz"). An empty or
-/// blank escape repeats the byte of the escape before it, NUL at first; a '%' at the very end is dropped.
+/// The two characters after a '%', or the one before the next '%', are consumed, whatever they are, and read
+/// as C++ streams read a hexadecimal integer: a sign, white space and "0x" are accepted, one digit is enough,
+/// no digit gives NUL ("%zz"). An empty or blank escape repeats the byte of the escape before it, NUL at
+/// first; a '%' at the very end is dropped.
 /// So this is not the inverse of `GetURLEncoding`: "a%ab" is 'a' and the byte 0xAB.
 [[nodiscard]] PLATFORM_API std::string GetURLDecoding(std::string text);
 
