@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "host/text_file.h"
+#include "host/text_line.h"
 
 namespace host {
 namespace {
@@ -18,6 +19,8 @@ constexpr std::size_t kLongestLine = 4094;
 
 /// What ACE takes for a section or an item.
 constexpr std::size_t kLongestName = 255;
+
+constexpr std::string_view kBlanks = " \t\r";
 
 struct Mistake {
   std::size_t at;  ///< offset in the line
@@ -42,7 +45,15 @@ std::optional<Mistake> MistakeInSection(std::string_view line, std::size_t open)
   if (close == open + 1) {
     return Mistake{close, "the section has no name; write [NAME]"};
   }
-  return MistakeInName(line.substr(open + 1, close - open - 1), open + 1, "[]");
+  const std::string_view name = line.substr(open + 1, close - open - 1);
+  if (kBlanks.find(name.front()) != std::string_view::npos ||
+      kBlanks.find(name.back()) != std::string_view::npos) {
+    return Mistake{open + 1, "a blank within the brackets belongs to the section's name; write [NAME]"};
+  }
+  if (name.front() == '\\' || name.back() == '\\' || name.find("\\\\") != std::string_view::npos) {
+    return Mistake{open + 1, "a part of the section's name is empty; write [NAME] or [NAME\\NAME]"};
+  }
+  return MistakeInName(name, open + 1, "[]");
 }
 
 std::optional<Mistake> MistakeInItem(std::string_view line, std::size_t start) {
@@ -53,7 +64,7 @@ std::optional<Mistake> MistakeInItem(std::string_view line, std::size_t start) {
   if (equals == start) {
     return Mistake{equals, "there is no name in front of the '='; write NAME=INTEGER"};
   }
-  const std::size_t end = line.find_last_not_of(" \t\r", equals - 1) + 1;
+  const std::size_t end = line.find_last_not_of(kBlanks, equals - 1) + 1;
   return MistakeInName(line.substr(start, end - start), start, "\\[]");
 }
 
@@ -67,7 +78,7 @@ class IniLines {
     if (line.size() > kLongestLine) {
       return Mistake{kLongestLine, "the line is longer than 4094 bytes; shorten or split it"};
     }
-    const std::size_t start = line.find_first_not_of(" \t\r");
+    const std::size_t start = line.find_first_not_of(kBlanks);
     if (start == std::string_view::npos || line[start] == ';' || line[start] == '#') {
       return std::nullopt;
     }
@@ -104,7 +115,7 @@ std::string CheckIniFile(const std::string& file) {
   }
   IniLines lines;
   std::size_t number = 0;
-  for (std::string line; std::getline(stream, line);) {
+  for (std::string line; GetTextLine(stream, line);) {
     ++number;
     if (const auto mistake = lines.Check(line)) {
       return file + ":" + std::to_string(number) + ":" + std::to_string(mistake->at + 1) + ": " +

@@ -7,6 +7,7 @@
 #include "host/command.h"
 #include "host/problem.h"
 #include "host/text_file.h"
+#include "host/text_line.h"
 
 namespace host {
 namespace {
@@ -26,6 +27,9 @@ void Echo(std::ostream& out, const std::string& line) {
 void RefuseForeignLine(const std::string& line) {
   if (line.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) {
     throw LineError(1, kByteOrderMarkProblem);
+  }
+  if (line.size() > kLongestTextLine) {
+    throw LineError(kLongestTextLine + 1, kLongLineProblem);
   }
   if (const std::size_t nul = line.find('\0'); nul != std::string::npos) {
     throw LineError(nul + 1, "a NUL byte; texts take it as \\x00");
@@ -57,7 +61,7 @@ void RunLine(Session& session, const std::string& line) {
 
 void RunScript(Session& session, std::istream& input, const std::string& name) {
   int number = 0;
-  for (std::string line; !session.leave && std::getline(input, line);) {
+  for (std::string line; !session.leave && GetTextLine(input, line);) {
     ++number;
     if (session.echo) {
       Echo(session.out, line);

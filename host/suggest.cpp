@@ -31,11 +31,15 @@ std::size_t Distance(const std::string& a, const std::string& b) {
 
 std::string DidYouMean(const std::string& word, const std::vector<std::string>& names,
                        const std::string& otherwise) {
+  constexpr std::size_t kLongestSlip = 100;  // A word of any length may come here.
+  if (word.size() > kLongestSlip) {
+    return otherwise;
+  }
   const std::string* nearest = nullptr;
   std::size_t least = std::max<std::size_t>(word.size() / 3, 1) + 1;
   for (const std::string& name : names) {
-    if (word.size() >= name.size() + least) {
-      continue;  // Too long to be meant; a line of any length may come here.
+    if (name.size() >= word.size() + least || word.size() >= name.size() + least) {
+      continue;  // Their lengths alone differ too much.
     }
     const std::size_t distance = Distance(word, name);
     if (distance < least) {

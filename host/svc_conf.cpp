@@ -1,132 +1,81 @@
 #include "host/svc_conf.h"
 
-#include <vector>
+#include <string_view>
 
 #include "host/problem.h"
 #include "host/text_file.h"
+#include "host/text_line.h"
 
 namespace host {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kBlanks = " \t\r";
 
-/// A place in the file, both counted from 1.
-struct Place {
-  int line = 0;
-  std::size_t column = 0;
-};
-
-/// Gathers directives from lines and processes each as soon as it is whole.
-class Directives {
- public:
-  Directives(Loader& loader, const std::string& file) : loader_(loader), file_(file) {}
-
-  void TakeLine(std::string_view line) {
-    at_ = {at_.line + 1, 1};
-    if (at_.line == 1 && line.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
-      Fail(at_, kByteOrderMarkProblem);
-    }
-    while (at_.column <= line.size() && Take(line[at_.column - 1])) {
-      ++at_.column;
-    }
-    if (IsQuoted()) {
-      FailUnclosed();  // ACE's strings end with their line.
-    }
-    Append('\n');
-    if (open_.empty()) {
-      Process();
-    }
-  }
-
-  void End() const {
-    if (!open_.empty()) {
-      FailUnclosed();
-    }
-  }
-
- private:
-  /// A brace or a quote that the directive is within.
-  struct Open {
-    char mark;
-    Place place;
-  };
-
-  [[noreturn]] void Fail(Place place, const std::string& reason) const {
-    throw Failure(file_ + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) + ": " +
-                  reason);
-  }
-
-  [[noreturn]] void FailUnclosed() const {
-    Fail(open_.back().place, std::string("the '") + open_.back().mark + "' is not closed");
-  }
-
-  bool IsQuoted() const { return !open_.empty() && open_.back().mark != '{'; }
-
-  /// False where a comment begins.
-  bool Take(char c) {
+/// The line without a comment and the blanks around. Throws `LineError` for what no directive can hold.
+std::string DirectiveIn(std::string_view line) {
+  char quote = '\0';
+  std::size_t quoteAt = 0;
+  std::size_t end = 0;
+  for (; end < line.size(); ++end) {
+    const char c = line[end];
     if (c == '\0') {
-      Fail(at_, kNulProblem);
+      throw LineError(end + 1, kNulProblem);
     }
-    if (IsQuoted()) {
-      if (c == open_.back().mark) {
-        open_.pop_back();
-      }
+    if (quote != '\0') {
+      quote = c == quote ? '\0' : quote;
     } else if (c == '#') {
-      return false;
-    } else if (c == '"' || c == '\'' || c == '{') {
-      open_.push_back({c, at_});
-    } else if (c == '}') {
-      if (open_.empty()) {
-        Fail(at_, "a '}' without a '{' before it");
-      }
-      open_.pop_back();
+      break;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+      quoteAt = end;
+    } else if (c == '{' || c == '}') {
+      throw LineError(end + 1, "a brace; streams are not taken here");
     }
-    Append(c);
-    return true;
   }
-
-  void Append(char c) {
-    if (text_.empty()) {
-      if (kBlanks.find(c) != std::string_view::npos) {
-        return;
-      }
-      start_ = at_;
-    }
-    text_ += c;
+  if (quote != '\0') {
+    throw LineError(quoteAt + 1, std::string("the '") + quote + "' is not closed");
   }
+  const std::string_view text = line.substr(0, end);
+  const std::size_t start = text.find_first_not_of(kBlanks);
+  return start == std::string_view::npos
+             ? ""
+             : std::string(text.substr(start, text.find_last_not_of(kBlanks) + 1 - start));
+}
 
-  void Process() {
-    if (text_.empty()) {
-      return;
-    }
-    try {
-      loader_.Process(text_.substr(0, text_.find_last_not_of(kBlanks) + 1));
-    } catch (const std::exception& problem) {
-      Fail(start_, problem.what());
-    }
-    text_.clear();
+void ProcessLine(Loader& loader, std::string_view line) {
+  if (line.size() > kLongestTextLine) {
+    throw LineError(kLongestTextLine + 1, kLongLineProblem);
   }
+  if (const std::string directive = DirectiveIn(line); !directive.empty()) {
+    loader.Process(directive);
+  }
+}
 
-  Loader& loader_;
-  const std::string& file_;
-  Place at_;     // the character at hand
-  Place start_;  // of the directive at hand
-  std::string text_;
-  std::vector<Open> open_;
-};
+[[noreturn]] void Fail(const std::string& file, int line, std::size_t column, const std::string& reason) {
+  throw Failure(file + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + reason);
+}
 
 }  // namespace
 
 void ProcessSvcConf(Loader& loader, const std::string& file) {
   std::ifstream stream = OpenTextFile(file);
-  Directives directives(loader, file);
-  for (std::string line; std::getline(stream, line);) {
-    directives.TakeLine(line);
+  int number = 0;
+  for (std::string line; GetTextLine(stream, line);) {
+    ++number;
+    if (number == 1 && line.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) {
+      Fail(file, number, 1, kByteOrderMarkProblem);
+    }
+    try {
+      ProcessLine(loader, line);
+    } catch (const LineError& problem) {
+      Fail(file, number, problem.Column(), problem.Reason());
+    } catch (const std::exception& problem) {
+      Fail(file, number, line.find_first_not_of(kBlanks) + 1, problem.what());
+    }
   }
   if (stream.bad()) {
     throw Failure(file + ": cannot be read");
   }
-  directives.End();
 }
 
 }  // namespace host

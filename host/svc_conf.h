@@ -7,10 +7,10 @@
 
 namespace host {
 
-/// Processes a file of ACE service configurator directives, one after the other. A directive ends with its
-/// line, unless a brace is still open; '#' outside quotes starts a comment. Throws `Failure` with
-/// "FILE:LINE:COLUMN: message" for the first directive that fails (where it starts) or the first character
-/// that is wrong, and does not go on behind it; what was loaded before stays loaded.
+/// Processes a file of ACE service configurator directives, one a line and one after the other; '#' outside
+/// quotes starts a comment. Throws `Failure` with "FILE:LINE:COLUMN: message" for the first directive that
+/// fails (where it starts) or the first character that is wrong, and does not go on behind it; what was
+/// loaded before stays loaded.
 void ProcessSvcConf(Loader& loader, const std::string& file);
 
 }  // namespace host

@@ -37,6 +37,14 @@ TEST_F(IniCheck, AMistakeIsToldWithLineAndColumn) {
   EXPECT_EQ(Check("[items\n"), ":1:7: the section's name is not closed; write [NAME]");
   EXPECT_EQ(Check("\n[]\n"), ":2:2: the section has no name; write [NAME]");
   EXPECT_EQ(Check("[a[b]\n"), ":1:3: a name cannot hold a bracket, and an item's no backslash");
+  EXPECT_EQ(Check("[ items]\n"),
+            ":1:2: a blank within the brackets belongs to the section's name; write [NAME]");
+  EXPECT_EQ(Check("[items\t]\n"),
+            ":1:2: a blank within the brackets belongs to the section's name; write [NAME]");
+  for (const char* const name : {"\\", "\\a", "a\\", "a\\\\b"}) {
+    EXPECT_EQ(Check(std::string("[") + name + "]\n"),
+              ":1:2: a part of the section's name is empty; write [NAME] or [NAME\\NAME]");
+  }
   EXPECT_EQ(Check("[i]\n =3\n"), ":2:2: there is no name in front of the '='; write NAME=INTEGER");
   EXPECT_EQ(Check("[i]\na\\b=3\n"), ":2:2: a name cannot hold a bracket, and an item's no backslash");
   EXPECT_EQ(Check(std::string("[i]\nA=1\0\n", 9)), ":2:4: a NUL byte; this is a file of text lines");

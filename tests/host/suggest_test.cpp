@@ -32,4 +32,10 @@ TEST(DidYouMean, AThirdOfTheLettersMayBeTooMany) {
   EXPECT_EQ(DidYouMean("abcdef", {"abc"}), "");
 }
 
+TEST(DidYouMean, LooksForNoSlipInAVeryLongWord) {
+  const std::string word(100, 'a');
+  EXPECT_EQ(DidYouMean(word, {word + 'b'}), "; did you mean " + word + "b?");
+  EXPECT_EQ(DidYouMean(word + 'a', {word + 'b'}), "");
+}
+
 }  // namespace
