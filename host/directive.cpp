@@ -1,5 +1,7 @@
 #include "host/directive.h"
 
+#include <algorithm>
+
 namespace host {
 namespace {
 
@@ -46,6 +48,7 @@ Directive ParseDirective(const std::string& text) {
   std::string rest = text;
   directive.verb = Take(rest, kBlanks);
   directive.name = Take(rest, kBlanks);
+  directive.behindName = rest.substr(std::min(rest.find_first_not_of(kBlanks), rest.size()));
   if (directive.verb != "dynamic" || !TakeText(rest, "Service_Object") || !TakeText(rest, "*")) {
     return directive;
   }

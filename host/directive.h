@@ -7,8 +7,9 @@ namespace host {
 
 /// What the loader must know of a directive of ACE's service configurator; ACE itself takes the rest.
 struct Directive {
-  std::string verb;  ///< its first word: dynamic, remove, ...
-  std::string name;  ///< the service that it is about
+  std::string verb;        ///< its first word: dynamic, remove, ...
+  std::string name;        ///< the service that it is about
+  std::string behindName;  ///< all that stands behind the name
 
   // Of `dynamic NAME Service_Object * LIBRARY:FACTORY() [active|inactive] ["ARGUMENTS"]`, and empty unless
   // the whole directive has this form: behind a mistake ACE loads what stands before it.

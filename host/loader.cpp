@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "host/bundle_table.h"
+#include "host/config_dir.h"
 #include "host/directive.h"
 #include "host/log_sink.h"
 #include "host/mapped_library.h"
@@ -36,6 +37,11 @@ bool Exists(const std::string& path) {
   return stat(path.c_str(), &status) == 0;
 }
 
+bool IsRegularFile(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 /// Loads the library of a request and says what is wrong with it in terms of the request.
 LibraryHandle OpenLibrary(const std::string& request) {
   if (request.empty()) {
@@ -46,7 +52,7 @@ LibraryHandle OpenLibrary(const std::string& request) {
     throw Failure(request + ": no such library");
   }
   try {
-    if (Exists(request)) {
+    if (isPath) {
       return LibraryHandle::Load(RealPath(request));
     }
     const bool isFileName = request.find(".so") != std::string::npos;
@@ -54,6 +60,12 @@ LibraryHandle OpenLibrary(const std::string& request) {
   } catch (const Failure& failure) {
     throw Failure(request + ": " + failure.what());
   }
+}
+
+/// The library that `load` is asked for: a file of the working directory needs no "./".
+std::string WithDirectory(const std::string& request) {
+  const bool isHere = request.find('/') == std::string::npos && IsRegularFile(request);
+  return isHere ? "./" + request : request;
 }
 
 std::string BundleNameOf(const std::string& library) {
@@ -97,6 +109,19 @@ ACE_Service_Object* ServiceOf(const std::string& name) {
   return static_cast<ACE_Service_Object*>(type->type()->object());
 }
 
+/// Throws when the string in a directive is longer than ACE can scan. It would call `init` first, without any
+/// argument, and say what it stumbled over behind.
+void RequireScannableString(const std::string& directive) {
+  constexpr std::size_t kMost = 4094;
+  const std::size_t open = directive.find_first_of("\"'");
+  const std::size_t size = open == std::string::npos ? 0 : directive.rfind(directive[open]) - open - 1;
+  if (size > kMost) {
+    throw UsageError("the arguments with their quotes take " + std::to_string(size) +
+                     " bytes, and ACE's directives hold " + std::to_string(kMost) +
+                     "; have the bundle read them from a file");
+  }
+}
+
 /// Whether ACE has a service of that name, a suspended one included.
 bool IsKnownToAce(const std::string& name) {
   return ACE_Service_Repository::instance()->find(name.c_str(), nullptr, false) == 0;
@@ -117,10 +142,30 @@ std::string WithReason(const std::string& problem, const std::string& reason) {
   return reason.empty() ? problem : problem + " (" + reason + ")";
 }
 
+/// Whether ACE's scanner is sure to take `name` for a name.
+bool IsPlainName(const std::string& name) {
+  const std::vector<std::string> words{"dynamic", "static", "suspend",        "resume", "remove",  "stream",
+                                       "STREAM",  "Module", "Service_Object", "active", "inactive"};
+  const auto isLetter = [](char c) { return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+  const auto isMore = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9'); };
+  return !name.empty() && isLetter(name.front()) && std::all_of(name.begin(), name.end(), isMore) &&
+         std::find(words.begin(), words.end(), name) == words.end();
+}
+
 /// A bundle that ACE did not load although nothing was thrown. An object of a foreign base is not listed.
 std::string WhyNotLoaded(const std::string& name, bool wasMade, const std::string& complaint) {
   if (wasMade) {
-    return WithReason(name + ": init failed", complaint);
+    const bool mayLackDirectory = NS_BUNDLEMGR1::GetCfgDirPath().empty();
+    return WithReason(name + ": init failed", complaint) +
+           (mayLackDirectory
+                ? std::string("; no configuration directory is known: give --config-dir or set ") +
+                      kConfigDirVariable
+                : "; its log records may say more");
+  }
+  if (complaint == "syntax error" && !IsPlainName(name)) {
+    return name +
+           ": no name for a bundle; ACE takes letters, digits and '_', no digit first, and none of its "
+           "own words, such as 'active'";
   }
   if (!complaint.empty()) {
     return WithReason(name + ": ACE did not load it", complaint);
@@ -156,12 +201,12 @@ bool Loader::UnloadAll() {
 
 const LoadedBundle& Loader::Load(const std::string& library, const Words& arguments) {
   const std::string quoted = QuoteForAce(arguments);
-  const LibraryHandle handle = OpenLibrary(library);
+  const LibraryHandle handle = OpenLibrary(WithDirectory(library));
   const std::string path = RealPath(handle.Path());
   if (path.find_first_of(" \t\n\"':()*{}#") != std::string::npos) {
     throw Failure(library + ": its path " + path + " holds a character that ACE's directives cannot pass on");
   }
-  const std::string name = BundleNameOf(path);
+  const std::string name = BundleNameOf(library);
   const std::string factory = "_make_" + name;
   RequireFactory(handle, library, factory);
   Dynamic(name, "dynamic " + name + " Service_Object * " + path + ":" + factory + "() \"" + quoted + "\"");
@@ -191,6 +236,10 @@ void Loader::Process(const std::string& directive) {
   if (parts.name.empty()) {
     throw Failure("'" + parts.verb + "' needs the name of a service behind it");
   }
+  if (parts.verb != "static" && !parts.behindName.empty()) {
+    throw Failure("'" + parts.verb + "' takes the name of a service and nothing behind it, not '" +
+                  parts.behindName + "'");
+  }
   if (parts.verb == "remove") {
     if (const UnloadReport report = Unload(parts.name); !report.problem.empty()) {
       throw Failure(report.problem);
@@ -210,6 +259,7 @@ void Loader::Dynamic(const std::string& name, const std::string& directive) {
   if (ServiceOf(name) != nullptr) {
     throw UsageError("a bundle " + name + " is loaded already; unload it first");
   }
+  RequireScannableString(directive);
   const std::vector<ServiceEntry> before = ListServices();
   const std::uint64_t madeBefore = ServicesEverListed();
   const AceComplaints complaints;

@@ -36,8 +36,9 @@ struct UnloadReport {
 /// does nothing, can still be destroyed; an interface therefore never outlives its code. Loggers are the log
 /// service's and stay. What other bundles have fetched they must drop before the unload.
 ///
-/// Everything throws `Failure` (or `UsageError`, for what is not a right request) with one line and then has
-/// changed nothing. Threads: one at a time.
+/// Everything throws `Failure` (or `UsageError`, for what is not a right request) with one line, and has then
+/// loaded and unloaded nothing, but for a "remove" that `Process` did and found something wrong with. What a
+/// bundle's own code throws or changes in `init` is its own. Threads: one at a time.
 class Loader {
  public:
   /// From here on ACE unmaps a library as soon as nobody uses it.
@@ -52,9 +53,9 @@ class Loader {
   /// error; false when something did.
   bool UnloadAll();
 
-  /// Loads `library`, a path or a name that the dynamic linker finds (NAME also stands for libNAME.so). The
-  /// bundle gets the library's name without "lib" and ".so"; its factory is "_make_" and that name. The
-  /// arguments go to its `init`. Returns the bundle.
+  /// Loads `library`: a path, a file of the working directory, or a name that the dynamic linker finds (NAME
+  /// also stands for libNAME.so). The bundle gets that name without "lib" and ".so"; its factory is "_make_"
+  /// and the bundle's name. The arguments go to its `init`. Returns the bundle.
   const LoadedBundle& Load(const std::string& library, const Words& arguments);
 
   /// Processes one directive of a svc.conf.

@@ -52,6 +52,17 @@ std::string TimeText(std::chrono::system_clock::time_point time) {
 
 std::string OrDash(const std::string& text) { return text.empty() ? "-" : EscapeBytes(text); }
 
+/// A complaint of ACE's service configurator without the process's and thread's numbers and the line of the
+/// directive, of which there is one at a time: "ACE (17|17) [error 0] on line 1: ".
+std::string WithoutAcePlace(const std::string& text) {
+  constexpr std::string_view kStart = "ACE (";
+  constexpr std::string_view kEnd = "] on line 1: ";
+  const std::size_t end = text.find(kEnd);
+  return text.compare(0, kStart.size(), kStart) == 0 && end != std::string::npos
+             ? text.substr(end + kEnd.size())
+             : text;
+}
+
 std::string WithoutLineEnd(std::string text) {
   while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
     text.pop_back();
@@ -73,7 +84,7 @@ class Backend : public ACE_Log_Msg_Backend {
     }
     const std::string text = WithoutLineEnd(record.msg_data());
     if (complaints != nullptr) {
-      complaints->Add(text);
+      complaints->Add(WithoutAcePlace(text));
     } else {
       Write(TimeText(std::chrono::system_clock::now()) + " [-] ACE:0 -: " + EscapeBytes(text));
     }
@@ -91,9 +102,9 @@ class Backend : public ACE_Log_Msg_Backend {
     hasGivenUp_ = false;
   }
 
-  bool HasFile() const {
+  bool WritesToFile() const {
     const std::lock_guard<std::mutex> guard(lock_);
-    return file_ != nullptr;
+    return file_ != nullptr && !hasGivenUp_;
   }
 
   /// Whether the file could not be written to at some time; standard error has taken its place since.
@@ -157,7 +168,7 @@ void WriteLog(const LogRecord& record) {
       captured = true;
     }
   }
-  if (record.level < lowestLevel || (captured && !TheBackend().HasFile())) {
+  if (record.level < lowestLevel || (captured && !TheBackend().WritesToFile())) {
     return;
   }
   ACE_Log_Record line(PriorityOf(record.level), ACE_OS::gettimeofday(), ACE_OS::getpid());

@@ -9,6 +9,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <new>
+#include <optional>
 #include <system_error>
 
 #include "host/problem.h"
@@ -32,69 +34,79 @@ void ForEachDynamic(void* handle, Visit visit) {
   }
 }
 
-/// The `count` objects at `offset`; null when the file ends before, or they are not aligned.
-template <class T>
-const T* At(const std::vector<char>& file, std::uint64_t offset, std::uint64_t count = 1) {
-  const bool fits =
-      offset <= file.size() && count <= (file.size() - offset) / sizeof(T) && offset % alignof(T) == 0;
-  return fits ? reinterpret_cast<const T*>(file.data() + offset) : nullptr;
-}
+/// A regular file of which parts are read. One that cannot be read, or is none, is as good as empty.
+class BinaryFile {
+ public:
+  explicit BinaryFile(const std::string& path) {
+    std::error_code error;
+    if (std::filesystem::is_regular_file(path, error)) {
+      size_ = std::filesystem::file_size(path, error);
+      stream_.open(path, std::ios::binary);
+    }
+    if (error || !stream_.is_open()) {
+      size_ = 0;
+    }
+  }
 
-/// The bytes of a regular file; none of anything else.
-std::vector<char> ReadFile(const std::string& path) {
-  std::error_code error;
-  const bool isRegular = std::filesystem::is_regular_file(path, error);
-  const std::uintmax_t size = isRegular ? std::filesystem::file_size(path, error) : 0;
-  std::vector<char> bytes(error ? 0 : size);
-  std::ifstream stream(path, std::ios::binary);
-  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  bytes.resize(static_cast<std::size_t>(stream.gcount()));
-  return bytes;
-}
+  [[nodiscard]] bool Has(std::uint64_t offset, std::uint64_t bytes) const {
+    return offset <= size_ && bytes <= size_ - offset;
+  }
 
-/// The header of an ELF file of this process's own width and byte order; null for anything else.
-const ElfW(Ehdr) * HeaderOf(const std::vector<char>& file) {
+  /// The `count` objects at `offset`; none when the file ends before.
+  template <class T>
+  std::vector<T> Read(std::uint64_t offset, std::uint64_t count) {
+    if (count > size_ / sizeof(T) || !Has(offset, count * sizeof(T))) {
+      return {};
+    }
+    std::vector<T> objects(count);
+    stream_.seekg(static_cast<std::streamoff>(offset));
+    stream_.read(reinterpret_cast<char*>(objects.data()), static_cast<std::streamsize>(count * sizeof(T)));
+    return stream_ ? objects : std::vector<T>();
+  }
+
+ private:
+  std::ifstream stream_;
+  std::uint64_t size_ = 0;
+};
+
+/// The header of an ELF file of this process's own width and byte order; nothing for anything else.
+std::optional<ElfW(Ehdr)> HeaderOf(BinaryFile& file) {
   constexpr unsigned char kOwnClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
   constexpr unsigned char kOwnOrder = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? ELFDATA2LSB : ELFDATA2MSB;
-  const auto* const header = At<ElfW(Ehdr)>(file, 0);
-  const bool isElf = header != nullptr && std::memcmp(header->e_ident, ELFMAG, SELFMAG) == 0 &&
-                     header->e_ident[EI_CLASS] == kOwnClass && header->e_ident[EI_DATA] == kOwnOrder;
-  return isElf ? header : nullptr;
+  const auto headers = file.Read<ElfW(Ehdr)>(0, 1);
+  const bool isElf = !headers.empty() && std::memcmp(headers[0].e_ident, ELFMAG, SELFMAG) == 0 &&
+                     headers[0].e_ident[EI_CLASS] == kOwnClass && headers[0].e_ident[EI_DATA] == kOwnOrder;
+  return isElf ? std::optional(headers[0]) : std::nullopt;
 }
 
 /// Whether the file lacks a part of what would be mapped. The dynamic linker maps it all the same, and the
 /// process ends where it touches what is missing.
 bool IsCutShort(const std::string& path) {
-  const std::vector<char> file = ReadFile(path);
-  const auto* const header = HeaderOf(file);
-  if (header == nullptr) {
+  BinaryFile file(path);
+  const auto header = HeaderOf(file);
+  if (!header) {
     return false;
   }
-  const auto* const segments = At<ElfW(Phdr)>(file, header->e_phoff, header->e_phnum);
-  return segments == nullptr ||
-         std::any_of(segments, segments + header->e_phnum, [&](const ElfW(Phdr) & segment) {
-           return segment.p_type == PT_LOAD && At<char>(file, segment.p_offset, segment.p_filesz) == nullptr;
+  const auto segments = file.Read<ElfW(Phdr)>(header->e_phoff, header->e_phnum);
+  return segments.size() != header->e_phnum ||
+         std::any_of(segments.begin(), segments.end(), [&](const ElfW(Phdr) & segment) {
+           return segment.p_type == PT_LOAD && !file.Has(segment.p_offset, segment.p_filesz);
          });
 }
 
 /// Whether the library exports a unique-binding symbol, which makes the dynamic linker keep it for good.
 bool HasUniqueSymbol(const std::string& path) {
-  const std::vector<char> file = ReadFile(path);
-  const auto* const header = HeaderOf(file);
-  if (header == nullptr) {
+  BinaryFile file(path);
+  const auto header = HeaderOf(file);
+  if (!header) {
     return false;
   }
-  const auto* const sections = At<ElfW(Shdr)>(file, header->e_shoff, header->e_shnum);
-  if (sections == nullptr) {
-    return false;
-  }
-  for (const ElfW(Shdr)* section = sections; section != sections + header->e_shnum; ++section) {
-    const std::uint64_t count = section->sh_size / sizeof(ElfW(Sym));
-    const auto* const symbols = At<ElfW(Sym)>(file, section->sh_offset, count);
-    if (section->sh_type != SHT_DYNSYM || symbols == nullptr) {
+  for (const ElfW(Shdr) & section : file.Read<ElfW(Shdr)>(header->e_shoff, header->e_shnum)) {
+    if (section.sh_type != SHT_DYNSYM) {
       continue;
     }
-    if (std::any_of(symbols, symbols + count,
+    const auto symbols = file.Read<ElfW(Sym)>(section.sh_offset, section.sh_size / sizeof(ElfW(Sym)));
+    if (std::any_of(symbols.begin(), symbols.end(),
                     [](const ElfW(Sym) & symbol) { return symbol.st_info >> 4 == STB_GNU_UNIQUE; })) {
       return true;
     }
@@ -102,13 +114,47 @@ bool HasUniqueSymbol(const std::string& path) {
   return false;
 }
 
+/// The directories in which the dynamic linker looks for a name, its cache aside.
+std::vector<std::string> SearchPath() {
+  const std::unique_ptr<void, int (*)(void*)> program(dlopen(nullptr, RTLD_LAZY), dlclose);
+  Dl_serinfo sizes;
+  if (program == nullptr || dlinfo(program.get(), RTLD_DI_SERINFOSIZE, &sizes) != 0) {
+    return {};
+  }
+  const std::unique_ptr<char[]> memory(new char[sizes.dls_size]);
+  auto* const path = new (memory.get()) Dl_serinfo(sizes);
+  std::vector<std::string> directories;
+  if (dlinfo(program.get(), RTLD_DI_SERINFO, path) == 0) {
+    for (unsigned i = 0; i < path->dls_cnt; ++i) {
+      directories.emplace_back(path->dls_serpath[i].dls_name);
+    }
+  }
+  return directories;
+}
+
+/// The file that the dynamic linker would take for `library`; empty when it has to search its cache.
+std::string FileOf(const std::string& library) {
+  if (library.find('/') != std::string::npos) {
+    return library;
+  }
+  for (const std::string& directory : SearchPath()) {
+    std::error_code none;
+    const std::string file = directory + "/" + library;
+    if (std::filesystem::is_regular_file(file, none)) {
+      return file;
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
 void LibraryHandle::Close::operator()(void* handle) const { dlclose(handle); }
 
 LibraryHandle LibraryHandle::Load(const std::string& library) {
-  if (IsCutShort(library)) {
-    throw Failure("cannot be loaded: the file is shorter than its segments; is it still being written?");
+  if (const std::string file = FileOf(library); IsCutShort(file)) {
+    throw Failure("cannot be loaded: the file " + file +
+                  " is shorter than its segments; is it still being written?");
   }
   // All symbols at once: a missing one shall be found now, not in the middle of a call.
   LibraryHandle handle(dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL));
