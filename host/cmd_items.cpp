@@ -18,6 +18,9 @@ void RunItems(Session& session, const Words& arguments) {
 }
 
 void CheckSet(const Words& arguments) {
+  if (arguments[0].empty()) {
+    throw UsageError("set: '' is no item; give its name");
+  }
   if (!ParseInt(arguments[1])) {
     throw UsageError("set: '" + arguments[1] + "' is no integer from -2147483648 to 2147483647");
   }
@@ -29,12 +32,8 @@ void RunUnset(Session& /*session*/, const Words& arguments) {
   if (UnsetItem(arguments[0])) {
     return;
   }
-  std::vector<std::string> names;
-  for (const auto& [name, value] : ListItems()) {
-    names.push_back(name);
-  }
   throw Failure("unset: there is no item '" + arguments[0] + "'" +
-                DidYouMean(arguments[0], names, "; 'items' lists them"));
+                DidYouMean(arguments[0], ItemNames(), "; 'items' lists them"));
 }
 
 }  // namespace

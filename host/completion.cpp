@@ -15,18 +15,16 @@ bool StartsWith(const std::string& text, const std::string& start) {
   return text.compare(0, start.size(), start) == 0;
 }
 
+/// Whether the name can be typed and shown as it is: printable ASCII that the splitter takes for one word.
+bool IsPlainWord(const std::string& name) {
+  const auto isPlain = [](char c) { return c > ' ' && c <= '~' && c != '\'' && c != '"'; };
+  return !name.empty() && name.front() != '#' && std::all_of(name.begin(), name.end(), isPlain);
+}
+
 std::vector<std::string> BundleNames(const Session& session) {
   std::vector<std::string> names;
   for (const LoadedBundle& bundle : session.loader.Bundles()) {
     names.push_back(bundle.name);
-  }
-  return names;
-}
-
-std::vector<std::string> ItemNames() {
-  std::vector<std::string> names;
-  for (const auto& [name, value] : ListItems()) {
-    names.push_back(name);
   }
   return names;
 }
@@ -90,9 +88,10 @@ std::vector<std::string> Complete(const Session& session, const std::string& lin
     return {};  // A quote is open: what stands there is a text.
   }
   std::vector<std::string> names = NamesFor(session, before, word);
-  names.erase(std::remove_if(names.begin(), names.end(),
-                             [&](const std::string& name) { return !StartsWith(name, word); }),
-              names.end());
+  names.erase(
+      std::remove_if(names.begin(), names.end(),
+                     [&](const std::string& name) { return !IsPlainWord(name) || !StartsWith(name, word); }),
+      names.end());
   std::sort(names.begin(), names.end());
   return names;
 }

@@ -94,6 +94,14 @@ std::map<std::string, std::string> ListItems() {
   return store.items;
 }
 
+std::vector<std::string> ItemNames() {
+  std::vector<std::string> names;
+  for (const auto& [name, value] : ListItems()) {
+    names.push_back(name);
+  }
+  return names;
+}
+
 }  // namespace host
 
 namespace NS_BUNDLEMGR1 {

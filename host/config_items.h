@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "framework/config_items.h"
 
@@ -31,6 +32,9 @@ PLATFORM_API bool UnsetItem(const std::string& name);
 
 /// All items with their texts.
 PLATFORM_API std::map<std::string, std::string> ListItems();
+
+/// Their names, in byte order.
+PLATFORM_API std::vector<std::string> ItemNames();
 
 }  // namespace host
 

@@ -47,6 +47,14 @@ void SetUpConfiguration(const Options& options) {
   if (const std::string problem = host::LoadItems(items); !problem.empty()) {
     throw Failure(problem);
   }
+  for (const auto& [name, value] : host::ListItems()) {
+    if (!host::ParseInt(value)) {
+      std::cerr << "bundle_host: "
+                << host::OneLine(items + ": " + name + ": '" + value +
+                                 "' is no integer; the item counts as missing")
+                << '\n';
+    }
+  }
 }
 
 void RunProgramCommand(host::Session& session, const host::Words& command) {

@@ -11,9 +11,9 @@ using Words = std::vector<std::string>;
 
 /// Splits a command line into words.
 ///
-///   line  = { blank } [ word { blank { blank } word } ] { blank } [ "#" comment ]
-///   word  = piece { piece }
-///   piece = plain | "'" any but ' "'" | '"' any but " '"'
+///   line  = { blank } { word blank { blank } } ( word | [ "#" comment ] )
+///   word  = piece { piece }; the first one does not start with "#"
+///   piece = one byte that is neither blank nor quote | "'" any but ' "'" | '"' any but " '"'
 ///   blank = space | tab | carriage return
 ///
 /// Between quotes every byte stands for itself, also the other quote, '#' and the backslash; a text with both

@@ -30,11 +30,11 @@ class HostTest(unittest.TestCase):
             file.write(text)
         return path
 
-    def host(self, *arguments, stdin="", environment=None):
+    def host(self, *arguments, stdin="", environment=None, directory=None):
         env = {k: v for k, v in os.environ.items() if k != "BUNDLE_HOST_CONFIG_DIR"}
         env.update(environment or {})
-        return subprocess.run([HOST, *arguments], input=stdin, env=env, capture_output=True, text=True, timeout=60,
-                              check=False)
+        return subprocess.run([HOST, *arguments], input=stdin, env=env, cwd=directory, capture_output=True, text=True,
+                              timeout=60, check=False)
 
     def loaded(self, *arguments, stdin=""):
         return self.host("--config-dir", self.config, "--log-level", "off", "--bundle", BUNDLE, *arguments, stdin=stdin)
@@ -128,6 +128,10 @@ class Options(HostTest):
             (["set", "A", "b"], "set: 'b' is no integer"),
             (["time", "0", "call", "IsValid"], "'0' is no number of repeats"),
             (["time", "5", "bundles", "x"], "'bundles' cannot be timed"),
+            (["set", "", "1"], "set: '' is no item; give its name"),
+            (["--svc-conf", "", "bundles"], "--svc-conf: the name is empty"),
+            (["-c", "", "bundles"], "--config-dir: the name is empty"),
+            (["--log-file", "", "bundles"], "--log-file: the name is empty"),
         ]:
             with self.subTest(arguments=arguments):
                 self.assert_fails(self.host(*arguments), 2, message)
@@ -160,6 +164,13 @@ class Options(HostTest):
         os.remove(self.config + "/config_items.ini")
         self.assertEqual(self.loaded("items").stdout, "ITEM  VALUE  READABLE\n")
 
+    def test_an_item_that_is_no_integer_is_told_and_counts_as_missing(self):
+        self.write("config/config_items.ini", "[items]\nIsTransQuelt=0 ; off\nOther=1\n")
+        done = self.loaded("call", "IsTransQueltEnabled")
+        self.assertEqual((done.returncode, done.stdout), (0, "result: true\n"))
+        self.assertRegex(done.stderr, r"^bundle_host: .*/config_items.ini: IsTransQuelt: '0 ; off' is no integer; "
+                                      r"the item counts as missing\n$")
+
     def test_the_log_goes_to_the_file_and_respects_the_level(self):
         log = os.path.join(self.dir, "log")
         arguments = ["--config-dir", self.config, "--bundle", BUNDLE, "--log-file", log]
@@ -179,6 +190,12 @@ class Options(HostTest):
         problem, *records = done.stderr.splitlines()
         self.assertEqual(problem, "bundle_host: /dev/full: cannot be written: No space left on device; the log goes on here")
         self.assertEqual([record.split(": ", 1)[1] for record in records], ["run successfull!! ", "acces QueltTools "])
+
+    def test_a_log_file_that_was_given_up_does_not_make_records_stand_twice(self):
+        done = self.host("--config-dir", self.config, "--log-file", "/dev/full", "--bundle", BUNDLE, "console",
+                         stdin="call IsTransQueltEnabled\n")
+        self.assertEqual(done.stdout.count("acces QueltTools"), 1)
+        self.assertEqual(done.stderr.count("acces QueltTools"), 0)
 
     def test_no_file_takes_the_place_of_a_closed_stream(self):
         log = os.path.join(self.dir, "log")
@@ -223,7 +240,10 @@ class Loading(HostTest):
                 self.assert_fails(done, 1, "stdin:1:1: ")
 
     def test_an_init_without_a_configuration_directory_fails(self):
-        self.assert_fails(self.host("--log-level", "off", "-b", BUNDLE, "bundles"), 1, "init failed")
+        done = self.host("--log-level", "off", "-b", BUNDLE, "bundles")
+        self.assert_fails(done, 1, "init failed; no configuration directory is known: give --config-dir or set BUNDLE_HOST_CONFIG_DIR")
+        done = self.host("--config-dir", self.config, "-b", self.broken("init_fails"), "bundles")
+        self.assert_fails(done, 1, "init failed; its log records may say more")
 
     def test_a_failing_fini_is_told_and_does_not_keep_a_bundle_loaded(self):
         for kind, reason in [("fini_fails", "fini returned -1"), ("fini_throws", "fini threw: no brakes")]:
@@ -237,7 +257,46 @@ class Loading(HostTest):
         path = os.path.join(self.dir, "libii_ascii_util.so")
         with open(BUNDLE, "rb") as whole, open(path, "wb") as part:
             part.write(whole.read(4096))
-        self.assert_fails(self.host("-b", path, "bundles"), 1, "the file is shorter than its segments")
+        self.assert_fails(self.host("-b", path, "bundles"), 1, f"the file {path} is shorter than its segments")
+
+    def test_a_library_that_is_cut_short_is_refused_where_the_linker_would_find_it(self):
+        path = os.path.join(self.dir, "libii_ascii_util.so")
+        with open(BUNDLE, "rb") as whole, open(path, "wb") as part:
+            part.write(whole.read(20000))
+        conf = self.write("svc.conf", "dynamic a Service_Object * ii_ascii_util:_make_ii_ascii_util() \"\"\n")
+        path = {"LD_LIBRARY_PATH": self.dir + ":" + os.environ.get("LD_LIBRARY_PATH", "")}
+        for options in [("-b", "ii_ascii_util"), ("-b", "libii_ascii_util.so"), ("-f", conf)]:
+            with self.subTest(options=options):
+                self.assert_fails(self.host(*options, "bundles", environment=path), 1, "is shorter than its segments")
+
+    def test_a_huge_file_is_no_library_and_not_read(self):
+        path = self.write("libhuge.so", "")
+        os.truncate(path, 1 << 40)
+        self.assert_fails(self.host("-b", path, "bundles"), 1, "libhuge.so: cannot be loaded: ")
+
+    def test_a_name_in_a_directive_is_never_taken_from_the_working_directory(self):
+        os.mkdir(os.path.join(self.dir, "ii_ascii_util"))
+        self.write("libii_ascii_util.so", "text")
+        conf = self.write("svc.conf", "dynamic a Service_Object * ii_ascii_util:_make_ii_ascii_util() \"\"\n")
+        path = {"LD_LIBRARY_PATH": os.path.dirname(BUNDLE) + ":" + os.environ.get("LD_LIBRARY_PATH", "")}
+        done = self.host("-c", self.config, "--log-level", "off", "-f", conf, "bundles", environment=path, directory=self.dir)
+        self.assertEqual((done.returncode, done.stderr), (0, ""), done)
+
+    def test_a_library_to_load_may_be_a_file_of_the_working_directory(self):
+        shutil.copy(BUNDLE, self.dir)
+        os.mkdir(os.path.join(self.dir, "none"))
+        options = ["-c", self.config, "--log-level", "off"]
+        done = self.host(*options, "-b", os.path.basename(BUNDLE), "bundles", directory=self.dir)
+        self.assertIn(os.path.join(self.dir, os.path.basename(BUNDLE)), done.stdout)
+        self.assert_fails(self.host(*options, "-b", "none", "bundles", directory=self.dir), 1,
+                          "none: cannot be loaded: libnone.so")
+
+    def test_a_bundle_is_named_as_its_library_was_asked_for(self):
+        path = os.path.join(self.dir, "libii_ascii_util.so")
+        shutil.copy(BUNDLE, os.path.join(self.dir, "libii-1.0.so"))
+        os.symlink("libii-1.0.so", path)
+        done = self.host("-c", self.config, "--log-level", "off", "-b", path, "bundles", "--json")
+        self.assertEqual([row["name"] for row in json.loads(done.stdout)], ["ii_ascii_util"])
 
     def test_a_library_of_the_other_byte_order_is_told_in_the_linkers_words(self):
         path = os.path.join(self.dir, "libii_ascii_util.so")
@@ -274,6 +333,14 @@ class Loading(HostTest):
     def test_an_argument_that_directives_cannot_pass_is_refused(self):
         self.assert_fails(self.host("load", BUNDLE, "a'b"), 2, "which ACE's directives cannot pass on")
 
+    def test_more_arguments_than_directives_hold_are_refused_before_anything_is_called(self):
+        options = ["-c", self.config, "load", BUNDLE]
+        self.assertEqual(self.host(*options, "a" * 4092).returncode, 0)
+        self.assertEqual(self.host(*options, *["a"] * 1023).returncode, 0)
+        message = " bytes, and ACE's directives hold 4094; have the bundle read them from a file"
+        self.assert_fails(self.host(*options, "a" * 4093), 2, "take 4095" + message)
+        self.assert_fails(self.host(*options, *["a"] * 1024), 2, "take 4095" + message)
+
     def test_a_svc_conf_loads_bundles(self):
         conf = self.write("svc.conf", f"# one\n\ndynamic util Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n")
         done = self.host("-c", self.config, "--log-level", "off", "--svc-conf", conf, "bundles", "--json")
@@ -293,8 +360,14 @@ class Loading(HostTest):
             ("# x\n\tdynamic a Service_Object * /none.so:_make_a() \"\"\n", ":2:2: ", "/none.so: no such library"),
             (f"dynamic a Service_Object * {BUNDLE}:_make_b() \"\"\n", ":1:1: ", "has no factory _make_b"),
             ("dynamic a Service_Object * x:_y()\"open\nclosed\"\n", ":1:34: ", "the '\"' is not closed"),
-            ("dynamic a Service_Object * x:_y() {\n { }\n", ":1:35: ", "the '{' is not closed"),
-            (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util() \"{{\" # {{\n }}\n", ":2:2: ", "a '}' without a '{' before it"),
+            ("dynamic a Service_Object * x:_y() {\n { }\n", ":1:35: ", "a brace; streams are not taken here"),
+            (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util() \"{{\" # {{\n }}\n", ":2:2: ", "a brace"),
+            ("dynamic a Service_Object * x:_y() 'a\"b\n", ":1:35: ", " is not closed"),
+            ("remove a b # c\n", ":1:1: ", "'remove' takes the name of a service and nothing behind it, not 'b'"),
+            ("suspend a b\n", ":1:1: ", "'suspend' takes the name of a service and nothing behind it"),
+            (f"dynamic a.b Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "a.b: no name for a bundle"),
+            (f"dynamic active Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "active: no name for a bundle"),
+            (f"dynamic 1a Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "1a: no name for a bundle"),
             ("remove nobody\n", ":1:1: ", "no bundle 'nobody' is loaded"),
             ("\xef\xbb\xbfremove nobody\n", ":1:1: ", "a byte order mark"),
         ]:
@@ -351,6 +424,20 @@ class Console(HostTest):
             with self.subTest(arguments=arguments):
                 self.assert_fails(self.host(*arguments), 1, f"{self.dir}: is a directory; a file is needed")
 
+    def test_a_line_without_an_end_is_told_and_not_read_into_memory(self):
+        path = self.write("endless", "")
+        os.truncate(path, 1 << 40)
+        for arguments in (["run", path], ["--svc-conf", path, "bundles"], ["run", "/dev/zero"]):
+            with self.subTest(arguments=arguments):
+                self.assert_fails(self.host(*arguments), 1, ":1:16777217: the line is longer than 16 MiB")
+        os.remove(self.config + "/config_items.ini")
+        os.symlink(path, self.config + "/config_items.ini")
+        self.assert_fails(self.loaded("items"), 1, "config_items.ini:1:1: a NUL byte")
+
+    def test_a_last_line_needs_no_line_end(self):
+        self.assertEqual(self.loaded("run", "-", stdin="\nlog\nlog").stdout, "log level: off\nlog level: off\n")
+        self.assertEqual(self.loaded("run", "-").stdout, "")
+
     def test_a_piped_console_shows_answer_out_values_and_records_under_headings(self):
         done = self.loaded("console", stdin="call Str2Num 7 10\ncall WriteDbgLog hello\n")
         self.assertEqual(done.returncode, 0, done.stderr)
@@ -366,6 +453,11 @@ class Console(HostTest):
         done = self.loaded("run", "-", stdin="x" * 5_000_000 + "\n")
         self.assert_fails(done, 1, "stdin:1:1: no command 'xxx")
         self.assertLess(len(done.stderr), 2100)
+
+    def test_what_is_too_long_to_be_meant_is_not_compared_with_anything(self):
+        done = self.loaded("run", "-", stdin=f"set {'a' * 40_000} 1\nunset {'b' * 40_001}\n")
+        self.assert_fails(done, 1, "there is no item 'bbb")
+        self.assertIn("'items' lists them", done.stderr)
 
     def test_standard_input_that_cannot_be_read_is_told(self):
         directory = os.open(self.dir, os.O_RDONLY)

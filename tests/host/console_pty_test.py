@@ -124,6 +124,18 @@ class ConsoleAtATerminal(unittest.TestCase):
         listed = terminal.wait_for(PROMPT)
         self.assertRegex(listed, r"GetAlmCfgValue  GetKeyValue  GetMapList  GetSvcName  GetTimeStamp")
 
+    def test_tab_passes_over_names_that_cannot_be_typed_as_they_are(self):
+        directory = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, directory)
+        for name in ("a b.so", "a\x1b[31m.so", "a'.so", "a\xe9.so", "afile.so", "agate.so"):
+            with open(os.path.join(directory, name), "w", encoding="ascii"):
+                pass
+        terminal = self.start()
+        terminal.type(f"load {directory}/a\t")
+        self.assertIn(f"{directory}/afile.so  {directory}/agate.so  \r\n", terminal.wait_for(PROMPT))
+        terminal.type("f\t\r")
+        self.assertIn(f"{directory}/afile.so: cannot be loaded", terminal.wait_for(PROMPT))
+
     def test_ctrl_c_abandons_the_line_and_the_console_goes_on(self):
         terminal = self.start()
         terminal.type("set Gone 1\x03")
