@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks layout and habits: clang-format over all sources, clang-tidy over all of them that a build knows.
+# Checks layout and habits: clang-format over all sources, clang-tidy over those of src, host, tools and examples.
 #
 #   scripts/lint.sh [--help] [--format-only]
 #

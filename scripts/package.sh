@@ -4,9 +4,9 @@
 #   scripts/package.sh [--help] [--build DIR] [--output DIR]
 #
 # Without --build it installs what is missing, builds the release preset without tests in build/package and packs that; --build
-# packs a build directory that is there already, as it stands. --output is where the packages go (default: packages/ in the build directory). Times in
-# the packages are SOURCE_DATE_EPOCH or, when that is not set, the time of the last commit, so that the same build gives the
-# same packages.
+# packs a build directory that is there already, as it stands. --output is where the packages go (default: packages/ in the build
+# directory). Times in the packages are SOURCE_DATE_EPOCH or, when that is not set, the time of the last commit, so that the same
+# build gives the same packages.
 set -euo pipefail
 here=$PWD
 cd "$(dirname "$0")/.."
