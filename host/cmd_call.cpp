@@ -43,10 +43,6 @@ Target TargetOf(const Operation& operation, const Loader& loader) {
   return {nullptr, function};
 }
 
-Words Rest(const Words& words, std::size_t from) {
-  return {words.begin() + static_cast<std::ptrdiff_t>(from), words.end()};
-}
-
 void CheckCall(const Words& arguments) { ParseArguments(FindOperation(arguments[0]), Rest(arguments, 1)); }
 
 void PrintSections(std::ostream& out, const Answer& answer, const std::vector<LogRecord>& records) {

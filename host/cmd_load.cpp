@@ -6,15 +6,13 @@
 namespace host {
 namespace {
 
-Words Behind(const Words& arguments) { return {arguments.begin() + 1, arguments.end()}; }
-
 void RunLoad(Session& session, const Words& arguments) {
-  const LoadedBundle& bundle = session.loader.Load(arguments[0], Behind(arguments));
+  const LoadedBundle& bundle = session.loader.Load(arguments[0], Rest(arguments, 1));
   session.out << "loaded " << bundle.name << " from " << bundle.library << '\n';
 }
 
 void RunInit(Session& session, const Words& arguments) {
-  session.loader.Init(arguments[0], Behind(arguments));
+  session.loader.Init(arguments[0], Rest(arguments, 1));
   session.out << "initialised " << arguments[0] << '\n';
 }
 

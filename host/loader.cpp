@@ -4,12 +4,13 @@
 #include <ace/Service_Config.h>
 #include <ace/Service_Repository.h>
 #include <ace/Service_Types.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include "host/bundle_table.h"
@@ -32,23 +33,13 @@ std::string RealPath(const std::string& path) {
   return real == nullptr ? path : real.get();
 }
 
-bool Exists(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0;
-}
-
-bool IsRegularFile(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
 /// Loads the library of a request and says what is wrong with it in terms of the request.
 LibraryHandle OpenLibrary(const std::string& request) {
   if (request.empty()) {
     throw UsageError("'' is no library; give its path, or a name that the dynamic linker finds");
   }
   const bool isPath = request.find('/') != std::string::npos;
-  if (isPath && !Exists(request)) {
+  if (std::error_code none; isPath && !std::filesystem::exists(request, none)) {
     throw Failure(request + ": no such library");
   }
   try {
@@ -64,7 +55,9 @@ LibraryHandle OpenLibrary(const std::string& request) {
 
 /// The library that `load` is asked for: a file of the working directory needs no "./".
 std::string WithDirectory(const std::string& request) {
-  const bool isHere = request.find('/') == std::string::npos && IsRegularFile(request);
+  std::error_code none;
+  const bool isHere =
+      request.find('/') == std::string::npos && std::filesystem::is_regular_file(request, none);
   return isHere ? "./" + request : request;
 }
 

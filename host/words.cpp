@@ -39,4 +39,8 @@ Words SplitWords(std::string_view line) {
   }
 }
 
+Words Rest(const Words& words, std::size_t from) {
+  return {words.begin() + static_cast<std::ptrdiff_t>(from), words.end()};
+}
+
 }  // namespace host

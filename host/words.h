@@ -1,6 +1,7 @@
 #ifndef HOST_WORDS_H_
 #define HOST_WORDS_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,9 @@ using Words = std::vector<std::string>;
 ///
 /// Throws `LineError` for a quote that is not closed.
 Words SplitWords(std::string_view line);
+
+/// The words from the one at `from` on, which must not be behind the end.
+Words Rest(const Words& words, std::size_t from);
 
 }  // namespace host
 
