@@ -1,8 +1,8 @@
 // The host's file of configuration items.
 //
-// Holds for every file: it is read or refused with one line of text, and a refused one changes nothing; an
-// item that can be read as an integer is one by the rule for such texts; reading the file again changes
-// nothing. Input: the file.
+// Holds for every file: it is read or refused with one line of text that says where it is wrong, and a
+// refused one changes nothing; an item that can be read as an integer is one by the rule for such texts;
+// reading the file again changes nothing. Input: the file.
 
 #include <map>
 #include <string>
@@ -20,6 +20,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::map<std::string, std::string> items = host::ListItems();
   if (!problem.empty()) {
     fuzz::Expect(problem.find('\n') == std::string::npos, "a refusal is one line of text");
+    fuzz::Expect(problem.find_first_not_of("0123456789", file.path().size() + 1) > file.path().size() + 1,
+                 "a refusal says where");
     fuzz::Expect(items.empty(), "a refused file changes nothing");
   }
   for (const auto& [name, text] : items) {

@@ -2,8 +2,10 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
+#include <map>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -24,8 +26,16 @@ constexpr std::string_view kBlanks = " \t\r";
 
 struct Mistake {
   std::size_t at;  ///< offset in the line
-  const char* text;
+  std::string text;
 };
+
+/// A name as ACE compares it: whatever the case of its letters.
+std::string Folded(std::string name) {
+  for (char& c : name) {
+    c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  }
+  return name;
+}
 
 std::optional<Mistake> MistakeInName(std::string_view name, std::size_t at, const char* forbidden) {
   if (const std::size_t bad = name.find_first_of(forbidden); bad != std::string_view::npos) {
@@ -37,35 +47,37 @@ std::optional<Mistake> MistakeInName(std::string_view name, std::size_t at, cons
   return std::nullopt;
 }
 
-std::optional<Mistake> MistakeInSection(std::string_view line, std::size_t open) {
-  const std::size_t close = line.rfind(']');
-  if (close == std::string_view::npos || close < open) {
-    return Mistake{line.size(), "the section's name is not closed; write [NAME]"};
-  }
-  if (close == open + 1) {
-    return Mistake{close, "the section has no name; write [NAME]"};
-  }
-  const std::string_view name = line.substr(open + 1, close - open - 1);
-  if (kBlanks.find(name.front()) != std::string_view::npos ||
-      kBlanks.find(name.back()) != std::string_view::npos) {
-    return Mistake{open + 1, "a blank within the brackets belongs to the section's name; write [NAME]"};
-  }
-  if (name.front() == '\\' || name.back() == '\\' || name.find("\\\\") != std::string_view::npos) {
-    return Mistake{open + 1, "a part of the section's name is empty; write [NAME] or [NAME\\NAME]"};
-  }
-  return MistakeInName(name, open + 1, "[]");
+/// ACE takes a section's name apart at either slash.
+bool HasEmptyPart(std::string_view name) {
+  const auto isSlash = [](char c) { return c == '/' || c == '\\'; };
+  const auto areSlashes = [&](char a, char b) { return isSlash(a) && isSlash(b); };
+  return isSlash(name.front()) || isSlash(name.back()) ||
+         std::adjacent_find(name.begin(), name.end(), areSlashes) != name.end();
 }
 
-std::optional<Mistake> MistakeInItem(std::string_view line, std::size_t start) {
-  const std::size_t equals = line.find('=');
-  if (equals == std::string_view::npos) {
-    return Mistake{start, "neither a [SECTION], NAME=INTEGER, nor a comment behind ';' or '#'"};
+/// The name in brackets that opens at `open`; empty when there is none, which `mistake` (out) then says.
+std::string_view SectionIn(std::string_view line, std::size_t open, std::optional<Mistake>& mistake) {
+  const std::size_t close = line.rfind(']');
+  if (close == std::string_view::npos || close < open) {
+    mistake = Mistake{line.size(), "the section's name is not closed; write [NAME]"};
+    return {};
   }
-  if (equals == start) {
-    return Mistake{equals, "there is no name in front of the '='; write NAME=INTEGER"};
+  if (close == open + 1) {
+    mistake = Mistake{close, "the section has no name; write [NAME]"};
+    return {};
   }
-  const std::size_t end = line.find_last_not_of(kBlanks, equals - 1) + 1;
-  return MistakeInName(line.substr(start, end - start), start, "\\[]");
+  return line.substr(open + 1, close - open - 1);
+}
+
+std::optional<Mistake> MistakeInSection(std::string_view name, std::size_t at) {
+  if (kBlanks.find(name.front()) != std::string_view::npos ||
+      kBlanks.find(name.back()) != std::string_view::npos) {
+    return Mistake{at, "a blank within the brackets belongs to the section's name; write [NAME]"};
+  }
+  if (HasEmptyPart(name)) {
+    return Mistake{at, "a part of the section's name is empty; write [NAME] or [NAME\\NAME]"};
+  }
+  return MistakeInName(name, at, "[]");
 }
 
 /// Goes through the lines of one file.
@@ -85,18 +97,58 @@ class IniLines {
     if (line.substr(start, kByteOrderMark.size()) == kByteOrderMark) {
       return Mistake{start, kByteOrderMarkProblem};
     }
-    if (line[start] == '[') {
-      inSection_ = true;
-      return MistakeInSection(line, start);
-    }
-    const auto mistake = MistakeInItem(line, start);
-    return mistake || inSection_
-               ? mistake
-               : Mistake{start, "an item in front of the first section; write [items] above it"};
+    return line[start] == '[' ? CheckSection(line, start) : CheckItem(line, start);
   }
 
  private:
-  bool inSection_ = false;
+  std::optional<Mistake> CheckSection(std::string_view line, std::size_t open) {
+    std::optional<Mistake> mistake;
+    const std::string_view name = SectionIn(line, open, mistake);
+    if (!mistake) {
+      mistake = MistakeInSection(name, open + 1);
+    }
+    // To ACE both slashes are one.
+    std::string path(name);
+    std::replace(path.begin(), path.end(), '/', '\\');
+    section_ = Folded(path);
+    // Each section that this one lies in has a name, too.
+    for (std::size_t end = 0; !mistake && end < path.size();) {
+      end = std::min(path.find('\\', end + 1), path.size());
+      mistake = CheckSpelling(section_.substr(0, end), path.substr(0, end), open + 1);
+    }
+    return mistake;
+  }
+
+  std::optional<Mistake> CheckItem(std::string_view line, std::size_t start) {
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) {
+      return Mistake{start, "neither a [SECTION], NAME=INTEGER, nor a comment behind ';' or '#'"};
+    }
+    if (equals == start) {
+      return Mistake{equals, "there is no name in front of the '='; write NAME=INTEGER"};
+    }
+    const std::string name(line.substr(start, line.find_last_not_of(kBlanks, equals - 1) + 1 - start));
+    if (auto mistake = MistakeInName(name, start, "\\[]")) {
+      return mistake;
+    }
+    if (section_.empty()) {
+      return Mistake{start, "an item in front of the first section; write [items] above it"};
+    }
+    return CheckSpelling(section_ + ']' + Folded(name), name, start);
+  }
+
+  /// ACE imports no section that stands there in other letters already, and takes such an item for the other.
+  /// A section [Items] would be another one than the host's.
+  std::optional<Mistake> CheckSpelling(const std::string& folded, const std::string& name, std::size_t at) {
+    const auto& known = spellings_.emplace(folded, name).first->second;
+    if (known == name) {
+      return std::nullopt;
+    }
+    return Mistake{at, "'" + name + "' is '" + known + "' in other letters; spell them the same"};
+  }
+
+  std::string section_;  // Folded; empty before the first one.
+  std::map<std::string, std::string> spellings_{{"items", "items"}};
 };
 
 }  // namespace

@@ -41,10 +41,17 @@ TEST_F(IniCheck, AMistakeIsToldWithLineAndColumn) {
             ":1:2: a blank within the brackets belongs to the section's name; write [NAME]");
   EXPECT_EQ(Check("[items\t]\n"),
             ":1:2: a blank within the brackets belongs to the section's name; write [NAME]");
-  for (const char* const name : {"\\", "\\a", "a\\", "a\\\\b"}) {
+  for (const char* const name : {"\\", "\\a", "a\\", "a\\\\b", "/", "/a", "a/", "a//b", "a/\\b"}) {
     EXPECT_EQ(Check(std::string("[") + name + "]\n"),
               ":1:2: a part of the section's name is empty; write [NAME] or [NAME\\NAME]");
   }
+  EXPECT_EQ(Check("[Items]\n"), ":1:2: 'Items' is 'items' in other letters; spell them the same");
+  EXPECT_EQ(Check("[a]\nb=1\n[A/c]\n"), ":3:2: 'A' is 'a' in other letters; spell them the same");
+  EXPECT_EQ(Check("[a\\b]\n[a/B\\c]\n"), ":2:2: 'a\\B' is 'a\\b' in other letters; spell them the same");
+  EXPECT_EQ(Check("[a\\b]\nc=1\n[a/b]\nc=2\n[a/b/d]\n"), "");
+  EXPECT_EQ(host::LoadItems(file_), "");
+  EXPECT_EQ(Check("[a]\nb=1\nc=2\n[d]\nB=1\n[a]\nb=3\n B=4\n"),
+            ":8:2: 'B' is 'b' in other letters; spell them the same");
   EXPECT_EQ(Check("[i]\n =3\n"), ":2:2: there is no name in front of the '='; write NAME=INTEGER");
   EXPECT_EQ(Check("[i]\na\\b=3\n"), ":2:2: a name cannot hold a bracket, and an item's no backslash");
   EXPECT_EQ(Check(std::string("[i]\nA=1\0\n", 9)), ":2:4: a NUL byte; this is a file of text lines");
