@@ -242,6 +242,45 @@ TEST(Lookup, TakesNegativeNumbersAndKeysThatLookLikeOptions) {
   EXPECT_EQ(Exit({"lookup", "-", "--", "-A", "B", "C", "-7"}, "-A\tB\tC\t-7\t1\n"), 0);
 }
 
+TEST(Lookup, TakesEveryKeyAsItStands) {
+  const std::vector<std::string> keys{"[x]",  "[x,y]", "[]", "{}",  "{x}", "%%",  "++",
+                                      "\"\"", "\"x\"", "''", "`x`", "/x",  "x=y", "check"};
+  std::string content = "A\tB\tx\t7\t1\n";
+  for (const std::string& key : keys) {
+    content += "A\tB\t" + key + "\t7\t2\n";
+  }
+  for (const std::string& key : keys) {
+    const Outcome outcome = RunAlmcfg({"lookup", "-", "A", "B", key, "7"}, content);
+    EXPECT_EQ(outcome.exitCode, 0) << key << outcome.err;
+    EXPECT_THAT(outcome.out, HasSubstr("value 2\n")) << key;
+  }
+}
+
+TEST(Lookup, TakesAnEmptyKeyAsItStands) {
+  const Outcome outcome = RunAlmcfg({"lookup", "-", "", "B", "C", "7"}, kGood);
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.out, testing::StartsWith("key:       \"\", \"B\", \"C\", \"7\"\n"));
+}
+
+TEST(CommandLine, TakesEveryFileNameAsItStands) {
+  for (const std::string name : {"[x]", "[x,y]", "[]", "{}", "%%", "++", "\"\"", "''", "x=y", "check"}) {
+    const Outcome outcome = RunAlmcfg({"check", name});
+    EXPECT_EQ(outcome.exitCode, 2) << name;
+    EXPECT_THAT(outcome.out, testing::StartsWith(name + ":1:1: error: No such file or directory"));
+  }
+}
+
+TEST(CommandLine, TakesOptionsBeforeBetweenAndBehindFiles) {
+  const TempFile file(kGood);
+  const std::string all =
+      RunAlmcfg({"check", "--format", "json", "--strict", file.path(), "-"}, kWarning).out;
+  EXPECT_EQ(json::parse(all)["totals"]["files"], 2);
+  EXPECT_EQ(json::parse(all)["exitCode"], 1);
+  EXPECT_EQ(RunAlmcfg({"check", file.path(), "--format", "json", "-", "--strict"}, kWarning).out, all);
+  EXPECT_EQ(RunAlmcfg({"check", file.path(), "-", "--strict", "--format=json"}, kWarning).out, all);
+  EXPECT_EQ(RunAlmcfg({"check", "--strict", "--format=json", "--", file.path(), "-"}, kWarning).out, all);
+}
+
 TEST(Diff, KnowsThatDeletedKeysStayUntilARestart) {
   const TempFile running("A\tB\tC\t7\t1\nB\tB\tC\t7\t1\nC\tB\tC\t7\t1\n");
   const TempFile fresh("A\tB\tC\t7\t1\nB\tB\tC\t7\t2\nD\tB\tC\t7\t1\n");

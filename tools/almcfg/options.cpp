@@ -54,13 +54,19 @@ void AddCommon(CLI::App& app, Options& options, const Formats& formats, const st
   AddChoice(app, "--color", options.color, kColors, "Colors in text; auto: on a terminal (default)");
 }
 
-/// Throws unless the arguments start with a command or, as for help, an option.
-void RequireCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
+/// For the help alone: the files are taken before CLI11 sees them.
+void AddFiles(CLI::App& app, const std::string& help) {
+  app.add_option("FILE", help)->type_name("")->expected(-1);
+}
+
+/// The command that the arguments start with, or none when they start with an option, as for help. Throws
+/// when they do neither.
+const CLI::App* CommandOf(const CLI::App& app, const std::vector<std::string>& arguments) {
   std::string names;
   for (const CLI::App* const command : app.get_subcommands({})) {
     names += (names.empty() ? "" : "|") + command->get_name();
     if (!arguments.empty() && arguments.front() == command->get_name()) {
-      return;
+      return command;
     }
   }
   if (arguments.empty()) {
@@ -69,22 +75,45 @@ void RequireCommand(const CLI::App& app, const std::vector<std::string>& argumen
   if (arguments.front().compare(0, 1, "-") != 0) {
     throw CLI::ValidationError("COMMAND", '"' + arguments.front() + "\" is none of " + names);
   }
+  return nullptr;
 }
 
-/// Takes off what must not be taken for options: everything behind a "--", or a negative number at the end of
-/// a lookup. Returns it.
-std::vector<std::string> TakePlainArguments(std::vector<std::string>& arguments) {
-  auto first = std::find(arguments.begin(), arguments.end(), "--");
-  const auto behind = first == arguments.end() ? first : first + 1;
-  std::vector<std::string> plain(behind, arguments.end());
-  if (first == arguments.end() && !arguments.empty() && arguments.front() == "lookup") {
-    const std::string& last = arguments.back();
-    if (last.size() > 1 && last[0] == '-' && last.find_first_not_of("0123456789", 1) == std::string::npos) {
-      plain.push_back(last);
-      --first;
+bool IsNegativeNumber(const std::string& text) {
+  return text.size() > 1 && text[0] == '-' && text.find_first_not_of("0123456789", 1) == std::string::npos;
+}
+
+/// Whether the argument is meant as an option; "-" alone is standard input.
+bool IsOption(const std::string& argument) { return argument.size() > 1 && argument[0] == '-'; }
+
+/// Whether the value of the option is the next argument.
+bool TakesNext(const CLI::App& command, const std::string& argument) {
+  const CLI::Option* const option = command.get_option_no_throw(argument);
+  return option != nullptr && option->get_items_expected_min() > 0;
+}
+
+/// Takes off the files and keys and returns them as they stand: what is no option, everything behind a "--",
+/// and a negative number at the end of a lookup. CLI11 never sees them, since it gives some of them a meaning
+/// of its own: "++", or a text in brackets, which it takes for a list.
+std::vector<std::string> TakePlainArguments(const CLI::App& command, std::vector<std::string>& arguments) {
+  const auto end = arguments.end();
+  const bool endsWithNumber = command.get_name() == "lookup" && IsNegativeNumber(arguments.back());
+  std::vector<std::string> plain;
+  std::vector<std::string> rest{arguments.front()};
+  for (auto argument = arguments.begin() + 1; argument != end; ++argument) {
+    if (*argument == "--") {
+      plain.insert(plain.end(), argument + 1, end);
+      break;
+    }
+    if (!IsOption(*argument) || (endsWithNumber && argument + 1 == end)) {
+      plain.push_back(*argument);
+      continue;
+    }
+    rest.push_back(*argument);
+    if (TakesNext(command, *argument) && argument + 1 != end) {
+      rest.push_back(*++argument);
     }
   }
-  arguments.erase(first, arguments.end());
+  arguments = std::move(rest);
   return plain;
 }
 
@@ -131,7 +160,7 @@ void AddCheck(CLI::App& app, Options& options) {
       app.add_subcommand("check", "Report everything that is wrong or odd about each file");
   check->add_flag("--strict", options.strict, "Warnings count as findings too");
   AddCommon(*check, options, kCheckFormats, "How to report (default: text)");
-  check->add_option("FILE", options.files, kFileHelp);
+  AddFiles(*check, kFileHelp);
   check->footer(kExitHelp);
   check->callback([&options] { options.command = Command::kCheck; });
 }
@@ -141,7 +170,7 @@ void AddShow(CLI::App& app, Options& options) {
       app.add_subcommand("show", "Show the table in force after loading the files in this order");
   show->add_flag("--sort", options.sorted, "In the table's order, not in the files'");
   AddCommon(*show, options, kShowFormats, "How to show it (default: tsv)");
-  show->add_option("FILE", options.files, kFileHelp);
+  AddFiles(*show, kFileHelp);
   show->footer("Exit status: 0 shown, 1 shown, but a line never lets a load end, 2 could not run.");
   show->callback([&options] { options.command = Command::kShow; });
 }
@@ -150,7 +179,7 @@ void AddLookup(CLI::App& app, Options& options) {
   CLI::App* const lookup =
       app.add_subcommand("lookup", "Say what GetAlmCfgValue answers for a key, and which line serves it");
   AddCommon(*lookup, options, kAnswerFormats, "How to answer (default: text)");
-  lookup->add_option("FILE", options.files, std::string(kFileHelp) + "; then KEY1 KEY2 KEY3 NUMBER");
+  AddFiles(*lookup, std::string(kFileHelp) + "; then KEY1 KEY2 KEY3 NUMBER");
   lookup->footer(
       "A key that starts with \"-\" goes behind \"--\": almcfg lookup FILE -- KEY1 KEY2 KEY3 NUMBER\n"
       "Exit status: 0 a line serves the key with an integer, 1 it does not, 2 could not run.");
@@ -161,9 +190,7 @@ void AddDiff(CLI::App& app, Options& options) {
   CLI::App* const diff =
       app.add_subcommand("diff", "Say what a reload changes in a running process, and what a restart");
   AddCommon(*diff, options, kAnswerFormats, "How to report (default: text)");
-  diff->add_option(
-      "FILE", options.files,
-      "RUNNING and NEW: what the process has loaded, and what it will load; - is standard input");
+  AddFiles(*diff, "RUNNING and NEW: what the process has loaded, and what it will load; - is standard input");
   diff->footer("Exit status: 0 no difference, 1 differences, 2 could not run.");
   diff->callback([&options] { options.command = Command::kDiff; });
 }
@@ -182,11 +209,11 @@ Parsed ParseArguments(std::vector<std::string> arguments) {
   AddLookup(app, options);
   AddDiff(app, options);
   try {
-    RequireCommand(app, arguments);
-    const std::vector<std::string> plain = TakePlainArguments(arguments);
+    if (const CLI::App* const command = CommandOf(app, arguments)) {
+      options.files = TakePlainArguments(*command, arguments);
+    }
     std::reverse(arguments.begin(), arguments.end());  // CLI11 takes them from the end.
     app.parse(std::move(arguments));
-    options.files.insert(options.files.end(), plain.begin(), plain.end());
     Complete(options);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {
