@@ -101,8 +101,24 @@ TEST(Check, DoesNotTakeAFileForAMissingStandardInput) {
       ALMCFG_PROGRAM " check " + file.path() + " - <&- >" + out.path() + " 2>/dev/null";
   const int status = std::system(command.c_str());
   EXPECT_EQ(WEXITSTATUS(status), 2);
-  EXPECT_THAT(almcfg_test::ReadFile(out.path()),
-              HasSubstr("<stdin>:1:1: error: Bad file descriptor: a load would succeed and load nothing"));
+  EXPECT_THAT(
+      almcfg_test::ReadFile(out.path()),
+      HasSubstr("<stdin>:1:1: error: Bad file descriptor: there is nothing to check [unreadable-file]"));
+}
+
+TEST(Check, SaysWhatALoadWouldDoWithAFileThatCannotBeRead) {
+  const TempFile pipe("");
+  unlink(pipe.path().c_str());
+  ASSERT_EQ(mkfifo(pipe.path().c_str(), 0600), 0);
+  const std::string end = " [unreadable-file]\n  hint: ";
+  EXPECT_THAT(RunAlmcfg({"check", "/no/such/file"}).out,
+              HasSubstr("No such file or directory: a load would succeed and load nothing" + end));
+  EXPECT_THAT(RunAlmcfg({"check", pipe.path()}).out,
+              HasSubstr("Nothing writes to this pipe: a load would wait until something does" + end));
+  EXPECT_THAT(RunAlmcfg({"check", "/dev/zero"}).out,
+              HasSubstr("It is a device, not a file: a load may never end" + end));
+  EXPECT_THAT(RunAlmcfg({"check", "/proc/self/mem"}).out,
+              HasSubstr("Input/output error: a load would NEVER END" + end));
 }
 
 TEST(Check, GoesOverAllFilesAndTotalsThem) {

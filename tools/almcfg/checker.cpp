@@ -43,6 +43,31 @@ std::string WhatBecameOf(LineFate fate) {
   }
 }
 
+struct Consequence {
+  const char* load;    ///< what a load would do
+  const char* remedy;  ///< what to do about it
+};
+
+Consequence ConsequenceOf(Obstacle obstacle) {
+  constexpr const char* kLoadsNothing = "a load would succeed and load nothing";
+  switch (obstacle) {
+    case Obstacle::kDirectory:
+      return {kLoadsNothing, "name the file in it"};
+    case Obstacle::kDevice:
+      return {"a load may never end", "name a file"};
+    case Obstacle::kSilentPipe:
+      return {"a load would wait until something does", "start what writes to it, or name a file"};
+    case Obstacle::kReadFailed:
+      return {"a load would NEVER END", "put the file where it can be read to its end"};
+    case Obstacle::kNoInput:
+      return {"there is nothing to check", "name a file, or give one as standard input"};
+    case Obstacle::kTooManyLines:
+      return {"a load has no such limit", "check it in parts"};
+    default:
+      return {kLoadsNothing, "check the path and who may read it"};
+  }
+}
+
 /// How two lines with one key differ.
 Finding Duplicate(const TakenLine& taken, LineNumber earlier, const Line& earlierLine,
                   std::string_view earlierValue, const Record& record) {
@@ -75,12 +100,13 @@ Finding Duplicate(const TakenLine& taken, LineNumber earlier, const Line& earlie
 }  // namespace
 
 Finding Unreadable(const ReadError& error) {
-  return {error.isDirectory ? Code::kDirectory : Code::kUnreadableFile,
+  const Consequence consequence = ConsequenceOf(error.obstacle);
+  return {error.obstacle == Obstacle::kDirectory ? Code::kDirectory : Code::kUnreadableFile,
           1,
           1,
           0,
-          std::string(error.what()) + ": a load would succeed and load nothing",
-          error.isDirectory ? "name the file in it" : "check the path and who may read it",
+          std::string(error.what()) + ": " + consequence.load,
+          consequence.remedy,
           0};
 }
 

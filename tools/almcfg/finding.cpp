@@ -8,7 +8,7 @@ const std::array<Trap, kTrapCount>& Traps() {
       {Code::kOverlongLine, "overlong-line", S::kError,
        "A line of more than 1,022 characters: the load never ends."},
       {Code::kUnreadableFile, "unreadable-file", S::kError,
-       "A file that cannot be read: a load succeeds and loads nothing."},
+       "A file that cannot be read: a load of it loads nothing, waits, or never ends."},
       {Code::kDirectory, "directory", S::kError, "A directory: a load succeeds and loads nothing."},
       {Code::kTooFewColumns, "too-few-columns", S::kError,
        "Fewer than five columns: the line is dropped without a message."},

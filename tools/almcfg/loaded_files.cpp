@@ -30,7 +30,7 @@ LoadedFiles::LoadedFiles(LineObserver& observer, Progress& progress, NS_ASCII::A
 void LoadedFiles::Load(SourceText text) {
   const LineId before = ends_.empty() ? 0 : ends_.back();
   if (text.lineCount() > std::numeric_limits<LineId>::max() - before) {
-    throw ReadError("All files together have more lines than can be counted", false);
+    throw ReadError("All files together have more lines than can be counted", Obstacle::kTooManyLines);
   }
   texts_.push_back(std::move(text));
   const SourceText& kept = texts_.back();

@@ -19,8 +19,8 @@ namespace {
 
 constexpr std::size_t kReadBytes = std::size_t{1} << 18;
 
-[[noreturn]] void ThrowErrno(int error) {
-  throw ReadError(std::generic_category().message(error), error == EISDIR);
+[[noreturn]] void ThrowErrno(int error, Obstacle obstacle) {
+  throw ReadError(std::generic_category().message(error), obstacle);
 }
 
 /// Closes what it opened; standard input stays open.
@@ -31,7 +31,7 @@ class InputFile {
       : isOpened_(path != "-"),
         fd_(isOpened_ ? open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK) : STDIN_FILENO) {
     if (fd_ < 0) {
-      ThrowErrno(errno);
+      ThrowErrno(errno, Obstacle::kNotOpened);
     }
   }
   ~InputFile() {
@@ -57,13 +57,13 @@ bool IsEndlessDevice(int fd, const struct stat& status) {
 void RefuseWhatIsNoText(int fd) {
   struct stat status;
   if (fstat(fd, &status) != 0) {
-    ThrowErrno(errno);
+    ThrowErrno(errno, Obstacle::kNoInput);
   }
   if (S_ISDIR(status.st_mode)) {
-    ThrowErrno(EISDIR);
+    ThrowErrno(EISDIR, Obstacle::kDirectory);
   }
   if (IsEndlessDevice(fd, status)) {
-    throw ReadError("It is a device, not a file", false);
+    throw ReadError("It is a device, not a file", Obstacle::kDevice);
   }
 }
 
@@ -78,7 +78,7 @@ std::size_t ReadSome(int fd, char* buffer, std::size_t size) {
       pollfd waiting{fd, POLLIN, 0};
       poll(&waiting, 1, -1);
     } else if (errno != EINTR) {
-      ThrowErrno(errno);
+      ThrowErrno(errno, Obstacle::kReadFailed);
     }
   }
 }
@@ -122,7 +122,7 @@ void SourceText::ReadAll(int fd, Progress& progress) {
     // A pipe with a writer that has nothing to say yet reads as "try again".
     const ssize_t count = read(fd, buffer.get(), kReadBytes);
     if (count == 0) {
-      throw ReadError("Nothing writes to this pipe", false);
+      throw ReadError("Nothing writes to this pipe", Obstacle::kSilentPipe);
     }
     Take(buffer.get(), count < 0 ? 0 : static_cast<std::size_t>(count));
   }
@@ -164,7 +164,7 @@ void SourceText::Keep(const char* bytes, std::size_t count) {
 
 void SourceText::EndLine() {
   if (lines_.size() == std::numeric_limits<LineNumber>::max()) {
-    throw ReadError("It has more lines than can be counted", false);
+    throw ReadError("It has more lines than can be counted", Obstacle::kTooManyLines);
   }
   const std::uint64_t start = (chunks_.size() - 1) * kChunkBytes + used_;
   chunks_.back()[used_ + kept_] = '\0';

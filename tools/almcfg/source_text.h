@@ -32,11 +32,22 @@ struct Line {
   [[nodiscard]] std::string_view Loaded() const { return text.substr(0, text.find('\0')); }
 };
 
+/// What keeps a file from being read here. What a load does with the file depends on it.
+enum class Obstacle {
+  kNotOpened,     ///< it is missing, or not for this user
+  kDirectory,     ///< a load passes it over
+  kDevice,        ///< it may have no end
+  kSilentPipe,    ///< nobody writes to it
+  kReadFailed,    ///< it was opened, but not read to its end
+  kNoInput,       ///< standard input is not there
+  kTooManyLines,  ///< more than can be counted
+};
+
 /// Why a file could not be read; `what()` says it in the system's words.
 class ReadError : public std::runtime_error {
  public:
-  ReadError(const std::string& what, bool directory) : std::runtime_error(what), isDirectory(directory) {}
-  bool isDirectory;
+  ReadError(const std::string& what, Obstacle why) : std::runtime_error(what), obstacle(why) {}
+  Obstacle obstacle;
 };
 
 /// A file's text in memory, in lines. Of over-long lines only the start is kept, so a file without line feeds
