@@ -94,16 +94,33 @@ TEST(ExitCode, OfOutputThatCannotBeWrittenIs2) {
   EXPECT_EQ(WEXITSTATUS(status), 2);
 }
 
-TEST(Check, DoesNotTakeAFileForAMissingStandardInput) {
-  const TempFile file(kGood);
+/// What `check` writes when the shell starts it with `redirection`, ending with exit code 2.
+std::string CheckWith(const std::string& redirection, const std::string& paths) {
   const TempFile out("");
   const std::string command =
-      ALMCFG_PROGRAM " check " + file.path() + " - <&- >" + out.path() + " 2>/dev/null";
+      ALMCFG_PROGRAM " check " + paths + " " + redirection + " >" + out.path() + " 2>/dev/null";
   const int status = std::system(command.c_str());
   EXPECT_EQ(WEXITSTATUS(status), 2);
-  EXPECT_THAT(
-      almcfg_test::ReadFile(out.path()),
-      HasSubstr("<stdin>:1:1: error: Bad file descriptor: there is nothing to check [unreadable-file]"));
+  return almcfg_test::ReadFile(out.path());
+}
+
+TEST(Check, DoesNotTakeAFileForAMissingStandardInput) {
+  const TempFile file(kGood);
+  EXPECT_THAT(CheckWith("<&-", file.path() + " -"),
+              HasSubstr("<stdin>:1:1: error: Bad file descriptor: there is nothing to check"));
+}
+
+TEST(Check, DoesNotTakeASilentPipeForAMissingStandardInput) {
+  const TempFile pipe("");
+  unlink(pipe.path().c_str());
+  ASSERT_EQ(mkfifo(pipe.path().c_str(), 0600), 0);
+  EXPECT_THAT(CheckWith("<&-", pipe.path()), HasSubstr("error: Nothing writes to this pipe"));
+}
+
+TEST(Check, SaysNothingOfALoadWhenStandardInputFails) {
+  const TempFile file("");
+  EXPECT_THAT(CheckWith("0>" + file.path(), "-"),
+              HasSubstr("<stdin>:1:1: error: Bad file descriptor: there is nothing to check"));
 }
 
 TEST(Check, SaysWhatALoadWouldDoWithAFileThatCannotBeRead) {

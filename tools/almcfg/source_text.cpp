@@ -23,6 +23,8 @@ constexpr std::size_t kReadBytes = std::size_t{1} << 18;
   throw ReadError(std::generic_category().message(error), obstacle);
 }
 
+}  // namespace
+
 /// Closes what it opened; standard input stays open.
 class InputFile {
  public:
@@ -44,10 +46,15 @@ class InputFile {
 
   [[nodiscard]] int fd() const { return fd_; }
 
+  /// By its name, that is. The number does not tell: without a standard input it is 0 as well.
+  [[nodiscard]] bool isOpened() const { return isOpened_; }
+
  private:
-  bool isOpened_;  // The number does not tell: without a standard input it is 0 as well.
+  bool isOpened_;
   int fd_;
 };
+
+namespace {
 
 bool IsEndlessDevice(int fd, const struct stat& status) {
   const bool isNull = S_ISCHR(status.st_mode) && status.st_rdev == makedev(1, 3);
@@ -68,26 +75,26 @@ void RefuseWhatIsNoText(int fd) {
 }
 
 /// Up to `size` bytes, waiting for them; 0 at the end.
-std::size_t ReadSome(int fd, char* buffer, std::size_t size) {
+std::size_t ReadSome(const InputFile& file, char* buffer, std::size_t size) {
   for (;;) {
-    const ssize_t count = read(fd, buffer, size);
+    const ssize_t count = read(file.fd(), buffer, size);
     if (count >= 0) {
       return static_cast<std::size_t>(count);
     }
     if (errno == EAGAIN) {
-      pollfd waiting{fd, POLLIN, 0};
+      pollfd waiting{file.fd(), POLLIN, 0};
       poll(&waiting, 1, -1);
     } else if (errno != EINTR) {
-      ThrowErrno(errno, Obstacle::kReadFailed);
+      ThrowErrno(errno, file.isOpened() ? Obstacle::kReadFailed : Obstacle::kNoInput);
     }
   }
 }
 
 /// Whether this is a pipe that was opened by its name and has neither bytes nor, by now, a writer that left.
-bool IsSilentPipe(int fd) {
+bool IsSilentPipe(const InputFile& file) {
   struct stat status;
-  pollfd waiting{fd, POLLIN, 0};
-  return fd != STDIN_FILENO && fstat(fd, &status) == 0 && S_ISFIFO(status.st_mode) &&
+  pollfd waiting{file.fd(), POLLIN, 0};
+  return file.isOpened() && fstat(file.fd(), &status) == 0 && S_ISFIFO(status.st_mode) &&
          poll(&waiting, 1, 0) == 0;
 }
 
@@ -97,7 +104,7 @@ SourceText SourceText::Read(const std::string& path, Progress& progress) {
   const InputFile file(path);
   RefuseWhatIsNoText(file.fd());
   SourceText text(NameOf(path));
-  text.ReadAll(file.fd(), progress);
+  text.ReadAll(file, progress);
   return text;
 }
 
@@ -116,17 +123,17 @@ Line SourceText::line(LineNumber number) const {
   return {text, kept};
 }
 
-void SourceText::ReadAll(int fd, Progress& progress) {
+void SourceText::ReadAll(const InputFile& file, Progress& progress) {
   const std::unique_ptr<char[]> buffer(new char[kReadBytes]);
-  if (IsSilentPipe(fd)) {
+  if (IsSilentPipe(file)) {
     // A pipe with a writer that has nothing to say yet reads as "try again".
-    const ssize_t count = read(fd, buffer.get(), kReadBytes);
+    const ssize_t count = read(file.fd(), buffer.get(), kReadBytes);
     if (count == 0) {
       throw ReadError("Nothing writes to this pipe", Obstacle::kSilentPipe);
     }
     Take(buffer.get(), count < 0 ? 0 : static_cast<std::size_t>(count));
   }
-  while (const std::size_t count = ReadSome(fd, buffer.get(), kReadBytes)) {
+  while (const std::size_t count = ReadSome(file, buffer.get(), kReadBytes)) {
     Take(buffer.get(), count);
     progress.Show(name_, "read", lineCount());
   }

@@ -12,6 +12,7 @@
 
 namespace almcfg {
 
+class InputFile;
 class Progress;
 
 /// A line's number; lines are counted from 1, so 0 is no line.
@@ -39,7 +40,7 @@ enum class Obstacle {
   kDevice,        ///< it may have no end
   kSilentPipe,    ///< nobody writes to it
   kReadFailed,    ///< it was opened, but not read to its end
-  kNoInput,       ///< standard input is not there
+  kNoInput,       ///< standard input is not there, or fails
   kTooManyLines,  ///< more than can be counted
 };
 
@@ -81,7 +82,7 @@ class SourceText {
   void Take(const char* bytes, std::size_t count);
   void Keep(const char* bytes, std::size_t count);
   void EndLine();
-  void ReadAll(int fd, Progress& progress);
+  void ReadAll(const InputFile& file, Progress& progress);
 
   static constexpr std::size_t kChunkBytes = std::size_t{1} << 20;
   static constexpr unsigned kLengthBits = 10;  // 1,022 fits
