@@ -90,8 +90,13 @@ TEST(ExitCode, OfHelpAndVersionIs0) {
 }
 
 TEST(ExitCode, OfOutputThatCannotBeWrittenIs2) {
-  const int status = std::system(ALMCFG_PROGRAM " check - </dev/null >/dev/full 2>/dev/null");
-  EXPECT_EQ(WEXITSTATUS(status), 2);
+  for (const std::string arguments : {"check -", "--help", "check --help", "--version"}) {
+    const TempFile err("");
+    const std::string command = ALMCFG_PROGRAM " " + arguments + " </dev/null >/dev/full 2>" + err.path();
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 2) << arguments;
+    EXPECT_EQ(almcfg_test::ReadFile(err.path()), "almcfg: the output could not be written\n") << arguments;
+  }
 }
 
 /// What `check` writes when the shell starts it with `redirection`, ending with exit code 2.

@@ -24,7 +24,7 @@ bool WantsColor(Color wish) {
          std::string(terminal) != "dumb";
 }
 
-int Run(const Options& options, const Outputs& outputs) {
+int RunCommand(const Options& options, const Outputs& outputs) {
   switch (options.command) {
     case Command::kShow:
       return RunShow(options, outputs);
@@ -37,17 +37,19 @@ int Run(const Options& options, const Outputs& outputs) {
   }
 }
 
+int Run(const Options& options) {
+  Progress progress(isatty(STDERR_FILENO) != 0);
+  const Outputs outputs{std::cout, std::cerr, progress, WantsColor(options.color),
+                        isatty(STDOUT_FILENO) != 0};
+  const int exitCode = RunCommand(options, outputs);
+  progress.Hide();
+  return exitCode;
+}
+
 int Main(std::vector<std::string> arguments) {
   std::ios::sync_with_stdio(false);
   const Parsed parsed = ParseArguments(std::move(arguments));
-  if (!parsed.options) {
-    return parsed.exitCode;
-  }
-  Progress progress(isatty(STDERR_FILENO) != 0);
-  const Outputs outputs{std::cout, std::cerr, progress, WantsColor(parsed.options->color),
-                        isatty(STDOUT_FILENO) != 0};
-  const int exitCode = Run(*parsed.options, outputs);
-  progress.Hide();
+  const int exitCode = parsed.options ? Run(*parsed.options) : parsed.exitCode;
   if (!std::cout.flush()) {
     std::cerr << "almcfg: the output could not be written\n";
     return kCouldNotRun;
