@@ -73,6 +73,27 @@ TEST(ManPage, HasTheOptionsOfEachCommandInItsSynopsis) {
   }
 }
 
+/// The names of files and keys in a synopsis, of which each line starts with its font.
+std::string ArgumentsIn(const std::string& synopsis) {
+  const std::regex line("\n\\.I(R?) ([^\n]*)");
+  std::string arguments;
+  for (std::sregex_iterator match(synopsis.begin(), synopsis.end(), line), end; match != end; ++match) {
+    const std::string words = match->str(2);
+    arguments += ' ' + (match->length(1) == 0 ? words : std::regex_replace(words, std::regex(" "), ""));
+  }
+  return arguments;
+}
+
+TEST(ManPage, NamesTheFilesAndKeysOfEachCommandAsItsHelpDoes) {
+  const std::string page = ManPage();
+  for (const std::string& command : kCommands) {
+    const std::size_t begin = page.find(".B almcfg " + command + "\n");
+    const std::string arguments = ArgumentsIn(page.substr(begin, page.find(".br", begin) - begin));
+    EXPECT_THAT(HelpOf(command), HasSubstr("\nUsage: almcfg " + command + " [OPTIONS]" + arguments + "\n"));
+  }
+  EXPECT_THAT(HelpOf("lookup"), HasSubstr(" [OPTIONS] FILE... KEY1 KEY2 KEY3 NUMBER\n"));
+}
+
 TEST(ManPage, NamesEveryTrapInItsClass) {
   const std::string page = ManPage();
   const std::size_t warnings = page.find("\nWarnings:");

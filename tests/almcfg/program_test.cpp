@@ -44,11 +44,18 @@ TEST(ExitCode, OfEveryMistakeInTheCommandLineIs2) {
   const std::vector<std::vector<std::string>> mistakes{
       {},
       {"chek", file.path()},
+      {"-"},
+      {"--", "check", file.path()},
+      {"--colour"},
+      {"--color", "never", "check", file.path()},
       {"check"},
       {"check", "--format", "xml", file.path()},
       {"check", "--format", "html", file.path()},
       {"check", "--color", "blue", file.path()},
       {"check", "--colour", "never", file.path()},
+      {"check", file.path(), "--color"},
+      {"check", file.path(), "--color="},
+      {"check", "--sort", file.path()},
       {"check", "-", "-"},
       {"show", "--format", "sarif", file.path()},
       {"lookup", "A", "B", "C", "7"},
@@ -66,12 +73,47 @@ TEST(ExitCode, OfEveryMistakeInTheCommandLineIs2) {
   }
 }
 
+/// The line that says what is wrong with the command line.
+std::string MistakeIn(const std::vector<std::string>& arguments) {
+  const std::string err = RunAlmcfg(arguments).err;
+  return err.substr(0, err.find("\nalmcfg --help describes the commands\n"));
+}
+
 TEST(CommandLine, MistakesSayWhatThereIs) {
-  EXPECT_THAT(RunAlmcfg({}).err,
-              testing::StartsWith("almcfg: COMMAND: one of check|show|lookup|diff is needed\n"));
-  EXPECT_THAT(RunAlmcfg({"chek", "x"}).err,
-              testing::StartsWith("almcfg: COMMAND: \"chek\" is none of check|show|lookup|diff\n"));
-  EXPECT_THAT(RunAlmcfg({"check", ""}).err, testing::StartsWith("almcfg: FILE: a name is empty\n"));
+  EXPECT_EQ(MistakeIn({}), "almcfg: COMMAND: one of check|show|lookup|diff is needed");
+  EXPECT_EQ(MistakeIn({"chek", "x"}), "almcfg: COMMAND: \"chek\" is none of check|show|lookup|diff");
+  EXPECT_EQ(MistakeIn({"-"}), "almcfg: COMMAND: \"-\" is none of check|show|lookup|diff");
+  EXPECT_EQ(MistakeIn({"check", ""}), "almcfg: FILE: a name is empty");
+  EXPECT_EQ(MistakeIn({"check", "x", "--color"}), "almcfg: --color: one of always|auto|never is needed");
+  EXPECT_EQ(MistakeIn({"check", "--color=", "x"}), "almcfg: --color: one of always|auto|never is needed");
+}
+
+TEST(CommandLine, NamesAnOptionThatIsUnknownOrInTheWrongPlace) {
+  EXPECT_EQ(MistakeIn({"--foo"}),
+            "almcfg: COMMAND: one of check|show|lookup|diff is needed; there is no option \"--foo\"");
+  EXPECT_EQ(MistakeIn({"--color", "never", "check", "x"}),
+            "almcfg: COMMAND: \"--color\" stands behind it; one of check|show|lookup|diff is needed first");
+  EXPECT_EQ(MistakeIn({"lookup", "x", "--foo=1", "-A", "B", "C", "-7"}),
+            "almcfg: lookup: it has no option \"--foo=1\"; a file or key that starts with \"-\" goes behind "
+            "\"--\"");
+}
+
+TEST(CommandLine, MistakesAreOneLineWhateverTheyQuote) {
+  const std::string odd = "a\nb\x1b[31m";
+  for (const std::vector<std::string>& arguments :
+       std::vector<std::vector<std::string>>{{odd},
+                                             {"--" + odd},
+                                             {"--color=" + odd},
+                                             {"--version=" + odd},
+                                             {"check", "--" + odd},
+                                             {"check", "--format", odd, "x"},
+                                             {"check", "--strict=" + odd, "x"},
+                                             {"lookup", "x", "A", "B", "C", odd}}) {
+    const std::string mistake = MistakeIn(arguments);
+    EXPECT_THAT(mistake, HasSubstr("a\\x0Ab\\x1B[31m"));
+    EXPECT_THAT(mistake, Not(HasSubstr("\n")));
+    EXPECT_THAT(mistake, Not(HasSubstr("\x1b")));
+  }
 }
 
 TEST(ExitCode, OfHelpAndVersionIs0) {

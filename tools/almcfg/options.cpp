@@ -5,6 +5,9 @@
 #include <charconv>
 #include <iostream>
 #include <map>
+#include <memory>
+
+#include "tools/almcfg/visible.h"
 
 namespace almcfg {
 namespace {
@@ -21,6 +24,19 @@ const Formats kShowFormats{{"html", Format::kHtml}, {"json", Format::kJson}, {"t
 const Formats kAnswerFormats{{"json", Format::kJson}, {"text", Format::kText}};
 const std::map<std::string, Color> kColors{
     {"always", Color::kAlways}, {"auto", Color::kAuto}, {"never", Color::kNever}};
+
+/// CLI11's help in the words of the manual page.
+class HelpFormatter : public CLI::Formatter {
+ public:
+  HelpFormatter() {
+    label("SUBCOMMAND", "COMMAND");
+    label("Positionals", "Arguments");
+  }
+
+  std::string make_option_usage(const CLI::Option* option) const override {
+    return make_option_name(option, true);
+  }
+};
 
 /// The names of `choices` for a help line: "json|text".
 template <class Choices>
@@ -41,7 +57,7 @@ void AddChoice(CLI::App& app, const std::string& name, Value& value,
          [&value, &choices, name](const std::string& text) {
            const auto found = choices.find(text);
            if (found == choices.end()) {
-             throw CLI::ValidationError(name, '"' + text + "\" is none of " + NamesOf(choices));
+             throw CLI::ValidationError(name, Quoted(text) + " is none of " + NamesOf(choices));
            }
            value = found->second;
          },
@@ -54,13 +70,36 @@ void AddCommon(CLI::App& app, Options& options, const Formats& formats, const st
   AddChoice(app, "--color", options.color, kColors, "Colors in text; auto: on a terminal (default)");
 }
 
-/// For the help alone: the files are taken before CLI11 sees them.
-void AddFiles(CLI::App& app, const std::string& help) {
-  app.add_option("FILE", help)->type_name("")->expected(-1);
+/// For the help alone: files and keys are taken before CLI11 sees them.
+void AddArgument(CLI::App& app, const std::string& name, const std::string& help) {
+  app.add_option(name, help)->type_name("");
 }
 
-/// The command that the arguments start with, or none when they start with an option, as for help. Throws
-/// when they do neither.
+/// Whether the argument is meant as an option; "-" is standard input, "--" ends the options.
+bool IsOption(const std::string& argument) {
+  return argument.size() > 1 && argument[0] == '-' && argument != "--";
+}
+
+/// The option that the argument names; it may have its value behind a "=". None when there is no such option.
+const CLI::Option* OptionOf(const CLI::App& app, const std::string& argument) {
+  return app.get_option_no_throw(argument.substr(0, argument.find('=')));
+}
+
+/// Says what is wrong about arguments that start with an option which is none of the program's own.
+[[noreturn]] void RefuseOptionBeforeCommand(const CLI::App& app, const std::string& option,
+                                            const std::string& commands) {
+  for (const CLI::App* const command : app.get_subcommands({})) {
+    if (OptionOf(*command, option) != nullptr) {
+      throw CLI::ValidationError(
+          "COMMAND", Quoted(option) + " stands behind it; one of " + commands + " is needed first");
+    }
+  }
+  throw CLI::ValidationError("COMMAND",
+                             "one of " + commands + " is needed; there is no option " + Quoted(option));
+}
+
+/// The command that the arguments start with, or none when they start with an option of the program's own, as
+/// for help. Throws when they do neither.
 const CLI::App* CommandOf(const CLI::App& app, const std::vector<std::string>& arguments) {
   std::string names;
   for (const CLI::App* const command : app.get_subcommands({})) {
@@ -72,8 +111,12 @@ const CLI::App* CommandOf(const CLI::App& app, const std::vector<std::string>& a
   if (arguments.empty()) {
     throw CLI::ValidationError("COMMAND", "one of " + names + " is needed");
   }
-  if (arguments.front().compare(0, 1, "-") != 0) {
-    throw CLI::ValidationError("COMMAND", '"' + arguments.front() + "\" is none of " + names);
+  const std::string& first = arguments.front();
+  if (!IsOption(first)) {
+    throw CLI::ValidationError("COMMAND", Quoted(first) + " is none of " + names);
+  }
+  if (OptionOf(app, first) == nullptr) {
+    RefuseOptionBeforeCommand(app, first, names);
   }
   return nullptr;
 }
@@ -82,13 +125,22 @@ bool IsNegativeNumber(const std::string& text) {
   return text.size() > 1 && text[0] == '-' && text.find_first_not_of("0123456789", 1) == std::string::npos;
 }
 
-/// Whether the argument is meant as an option; "-" alone is standard input.
-bool IsOption(const std::string& argument) { return argument.size() > 1 && argument[0] == '-'; }
-
-/// Whether the value of the option is the next argument.
-bool TakesNext(const CLI::App& command, const std::string& argument) {
-  const CLI::Option* const option = command.get_option_no_throw(argument);
-  return option != nullptr && option->get_items_expected_min() > 0;
+/// Whether the value of the option is the next argument. Throws when there is no such option, or no value.
+bool TakesNext(const CLI::App& command, const std::string& argument, bool isLast) {
+  const CLI::Option* const option = OptionOf(command, argument);
+  if (option == nullptr) {
+    throw CLI::ValidationError(
+        command.get_name(),
+        "it has no option " + Quoted(argument) + "; a file or key that starts with \"-\" goes behind \"--\"");
+  }
+  if (option->get_items_expected_min() == 0) {
+    return false;
+  }
+  const std::size_t equals = argument.find('=');
+  if (equals == std::string::npos ? isLast : equals + 1 == argument.size()) {
+    throw CLI::ValidationError(option->get_name(), "one of " + option->get_type_name() + " is needed");
+  }
+  return equals == std::string::npos;
 }
 
 /// Takes off the files and keys and returns them as they stand: what is no option, everything behind a "--",
@@ -109,7 +161,7 @@ std::vector<std::string> TakePlainArguments(const CLI::App& command, std::vector
       continue;
     }
     rest.push_back(*argument);
-    if (TakesNext(command, *argument) && argument + 1 != end) {
+    if (TakesNext(command, *argument, argument + 1 == end)) {
       rest.push_back(*++argument);
     }
   }
@@ -127,7 +179,7 @@ void TakeKey(Options& options) {
   const auto [stop, error] = std::from_chars(number.data(), end, options.number);
   if (error != std::errc() || stop != end) {
     throw CLI::ValidationError(
-        "NUMBER", '"' + number + "\" is not a 32-bit decimal integer, which is what callers ask with");
+        "NUMBER", Quoted(number) + " is not a 32-bit decimal integer, which is what callers ask with");
   }
   const auto keys = options.files.end() - kKeyParts;
   options.key1 = keys[0];
@@ -155,31 +207,38 @@ void Complete(Options& options) {
   }
 }
 
+CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& help) {
+  return app.add_subcommand(name, help)->group("Commands");
+}
+
 void AddCheck(CLI::App& app, Options& options) {
-  CLI::App* const check =
-      app.add_subcommand("check", "Report everything that is wrong or odd about each file");
+  CLI::App* const check = AddCommand(app, "check", "Report everything that is wrong or odd about each file");
   check->add_flag("--strict", options.strict, "Warnings count as findings too");
   AddCommon(*check, options, kCheckFormats, "How to report (default: text)");
-  AddFiles(*check, kFileHelp);
+  AddArgument(*check, "FILE...", kFileHelp);
   check->footer(kExitHelp);
   check->callback([&options] { options.command = Command::kCheck; });
 }
 
 void AddShow(CLI::App& app, Options& options) {
   CLI::App* const show =
-      app.add_subcommand("show", "Show the table in force after loading the files in this order");
+      AddCommand(app, "show", "Show the table in force after loading the files in this order");
   show->add_flag("--sort", options.sorted, "In the table's order, not in the files'");
   AddCommon(*show, options, kShowFormats, "How to show it (default: tsv)");
-  AddFiles(*show, kFileHelp);
+  AddArgument(*show, "FILE...", kFileHelp);
   show->footer("Exit status: 0 shown, 1 shown, but a line never lets a load end, 2 could not run.");
   show->callback([&options] { options.command = Command::kShow; });
 }
 
 void AddLookup(CLI::App& app, Options& options) {
   CLI::App* const lookup =
-      app.add_subcommand("lookup", "Say what GetAlmCfgValue answers for a key, and which line serves it");
+      AddCommand(app, "lookup", "Say what GetAlmCfgValue answers for a key, and which line serves it");
   AddCommon(*lookup, options, kAnswerFormats, "How to answer (default: text)");
-  AddFiles(*lookup, std::string(kFileHelp) + "; then KEY1 KEY2 KEY3 NUMBER");
+  AddArgument(*lookup, "FILE...", kFileHelp);
+  AddArgument(*lookup, "KEY1", "Column 1, or one of its alternatives");
+  AddArgument(*lookup, "KEY2", "Column 2, or one of its alternatives");
+  AddArgument(*lookup, "KEY3", "Column 3");
+  AddArgument(*lookup, "NUMBER", "Column 4");
   lookup->footer(
       "A key that starts with \"-\" goes behind \"--\": almcfg lookup FILE -- KEY1 KEY2 KEY3 NUMBER\n"
       "Exit status: 0 a line serves the key with an integer, 1 it does not, 2 could not run.");
@@ -188,9 +247,10 @@ void AddLookup(CLI::App& app, Options& options) {
 
 void AddDiff(CLI::App& app, Options& options) {
   CLI::App* const diff =
-      app.add_subcommand("diff", "Say what a reload changes in a running process, and what a restart");
+      AddCommand(app, "diff", "Say what a reload changes in a running process, and what a restart");
   AddCommon(*diff, options, kAnswerFormats, "How to report (default: text)");
-  AddFiles(*diff, "RUNNING and NEW: what the process has loaded, and what it will load; - is standard input");
+  AddArgument(*diff, "RUNNING", "What the process has loaded; - is standard input");
+  AddArgument(*diff, "NEW", "What it will load; - is standard input");
   diff->footer("Exit status: 0 no difference, 1 differences, 2 could not run.");
   diff->callback([&options] { options.command = Command::kDiff; });
 }
@@ -201,6 +261,7 @@ Parsed ParseArguments(std::vector<std::string> arguments) {
   Options options;
   CLI::App app{"Checks AlarmConfig.csv files and answers what they do before a process loads them.",
                "almcfg"};
+  app.formatter(std::make_shared<HelpFormatter>());
   app.require_subcommand(1);
   app.set_version_flag("--version", "almcfg " ALMCFG_VERSION);
   app.footer(std::string("almcfg COMMAND --help describes a command. ") + kExitHelp);
@@ -219,7 +280,7 @@ Parsed ParseArguments(std::vector<std::string> arguments) {
     if (error.get_exit_code() == 0) {
       return {std::nullopt, app.exit(error)};
     }
-    std::cerr << "almcfg: " << error.what() << "\nalmcfg --help describes the commands\n";
+    std::cerr << "almcfg: " << Printable(error.what()) << "\nalmcfg --help describes the commands\n";
     return {std::nullopt, kCouldNotRun};
   }
   return {options, kClean};
