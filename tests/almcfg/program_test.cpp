@@ -263,6 +263,13 @@ TEST(Show, NamesTheLineThatNoLoadGetsPast) {
   EXPECT_THAT(outcome.err, HasSubstr("NEVER ENDS"));
 }
 
+TEST(Show, CountsErrorsAndWarningsOnTheErrorStream) {
+  EXPECT_EQ(RunAlmcfg({"show", "-"}, kWarning).err, "almcfg: <stdin>: 1 warning; see almcfg check\n");
+  EXPECT_EQ(RunAlmcfg({"show", "-"}, kError + kWarning).err,
+            "almcfg: <stdin>: 1 error, 1 warning; see almcfg check\n");
+  EXPECT_EQ(RunAlmcfg({"show", "-"}, "A\tB\tC\t7\t1").err, "");
+}
+
 TEST(ShowHtml, EscapesWhateverTheFileHolds) {
   const Outcome outcome = RunAlmcfg({"show", "--format", "html", "-"},
                                     "<img src=x>\t\"'&\tC\x1b\t7\t</td>\n<script>x\n</script>\n");

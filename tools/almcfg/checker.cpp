@@ -73,8 +73,7 @@ Finding Duplicate(const TakenLine& taken, LineNumber earlier, const Line& earlie
                   std::string_view earlierValue, const Record& record) {
   const Part trimmed = Trimmed(taken.line.Loaded());
   const std::size_t keysEnd = trimmed.text.rfind('\t');
-  const std::string key = Quoted(record.key1) + ", " + Quoted(record.key2) + ", " + Quoted(record.key3) +
-                          ", " + Quoted(record.numKey);
+  const std::string key = Shown(record);
   const std::string where = "line " + Grouped(earlier);
   Finding finding{Code::kDuplicateKey, 1, trimmed.at + 1, keysEnd, "", "", earlier};
   if (earlier == taken.place.line) {

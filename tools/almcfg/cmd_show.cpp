@@ -1,4 +1,5 @@
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "tools/almcfg/commands.h"
@@ -25,7 +26,7 @@ std::unique_ptr<TableWriter> MakeWriter(const Options& options, const Outputs& o
     case Format::kJson:
       return MakeJsonWriter(outputs.out);
     case Format::kHtml:
-      return MakeHtmlWriter(outputs.out, files, collector.findings, !options.sorted);
+      return MakeHtmlWriter(outputs.out, files, std::move(collector.findings), !options.sorted);
     default:
       return MakeTsvWriter(outputs.out, outputs.isTerminal);
   }

@@ -85,8 +85,4 @@ std::string DeskLoad::ValueOf(const AlarmKey& key) const {
 
 std::string Shown(Place place) { return Printable(place.text->name()) + ':' + std::to_string(place.line); }
 
-std::string Shown(const AlarmKey& key) {
-  return Quoted(key.key1) + ", " + Quoted(key.key2) + ", " + Quoted(key.key3) + ", " + Quoted(key.numKey);
-}
-
 }  // namespace almcfg

@@ -32,8 +32,8 @@ class DeskLoad {
   /// Findings also go to `sink`, if there is one.
   DeskLoad(NS_ASCII::Alarm_Config_Param& table, const Outputs& outputs, FindingSink* sink = nullptr);
 
-  /// Loads the files. What cannot be read is said on the error stream, and false returned; that a file has
-  /// errors is said there too, in one line, and in full when the load would never end.
+  /// Loads the files. What cannot be read is said on the error stream, and false returned; how many errors
+  /// and warnings a file has is said there too, in one line, and in full that a load would never end.
   bool Load(const std::vector<std::string>& paths);
 
   /// Visits every key in force, by the lines that serve them.
@@ -70,9 +70,6 @@ class DeskLoad {
 
 /// "FILE:LINE", safe to print.
 std::string Shown(Place place);
-
-/// The four columns in quotes, for a message.
-std::string Shown(const NS_ASCII::AlarmKey& key);
 
 }  // namespace almcfg
 

@@ -2,12 +2,18 @@
 
 #include <utility>
 
+#include "tools/almcfg/visible.h"
+
 namespace almcfg {
 
 using NS_ASCII::Alarm_Config_Param;
 using NS_ASCII::LineFate;
 
 constexpr std::size_t kLinesPerOwnTable = 256;  // Small enough to stay in the processor's cache.
+
+std::string Shown(const NS_ASCII::AlarmKey& key) {
+  return Quoted(key.key1) + ", " + Quoted(key.key2) + ", " + Quoted(key.key3) + ", " + Quoted(key.numKey);
+}
 
 Grammar::Grammar(Alarm_Config_Param* table) : table_(table) {
   if (table_ == nullptr) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -19,6 +20,9 @@ using Records = std::vector<Record>;
 inline bool IsSameKey(const NS_ASCII::AlarmKey& a, const NS_ASCII::AlarmKey& b) {
   return std::tie(a.key1, a.key2, a.key3, a.numKey) == std::tie(b.key1, b.key2, b.key3, b.numKey);
 }
+
+/// The four columns in quotes, for a message.
+std::string Shown(const NS_ASCII::AlarmKey& key);
 
 /// The bundle's decision on one line after the other, as a load makes it. Nothing is decided here.
 class Grammar {

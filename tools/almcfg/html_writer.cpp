@@ -53,11 +53,15 @@ using Range = std::pair<std::size_t, std::size_t>;  // of findings, the end excl
 
 class HtmlWriter : public TableWriter {
  public:
-  HtmlWriter(std::ostream& out, const LoadedFiles& files, std::vector<PlacedFinding>& findings,
+  HtmlWriter(std::ostream& out, const LoadedFiles& files, std::vector<PlacedFinding> findings,
              bool inFileOrder)
-      : out_(out), files_(files), findings_(findings), isShown_(findings.size()), inFileOrder_(inFileOrder) {
+      : out_(out),
+        files_(files),
+        findings_(std::move(findings)),
+        isShown_(findings_.size()),
+        inFileOrder_(inFileOrder) {
     // What concerns a whole file was found last.
-    std::stable_sort(findings.begin(), findings.end(),
+    std::stable_sort(findings_.begin(), findings_.end(),
                      [&files](const PlacedFinding& a, const PlacedFinding& b) {
                        return files.IdOf(a.place) < files.IdOf(b.place);
                      });
@@ -175,7 +179,7 @@ class HtmlWriter : public TableWriter {
 
   std::ostream& out_;
   const LoadedFiles& files_;
-  const std::vector<PlacedFinding>& findings_;
+  std::vector<PlacedFinding> findings_;
   std::vector<bool> isShown_;  // For each finding.
   std::size_t next_ = 0;       // Findings before this one are shown.
   bool inFileOrder_;
@@ -184,8 +188,8 @@ class HtmlWriter : public TableWriter {
 }  // namespace
 
 std::unique_ptr<TableWriter> MakeHtmlWriter(std::ostream& out, const LoadedFiles& files,
-                                            std::vector<PlacedFinding>& findings, bool inFileOrder) {
-  return std::make_unique<HtmlWriter>(out, files, findings, inFileOrder);
+                                            std::vector<PlacedFinding> findings, bool inFileOrder) {
+  return std::make_unique<HtmlWriter>(out, files, std::move(findings), inFileOrder);
 }
 
 }  // namespace almcfg

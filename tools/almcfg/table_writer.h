@@ -32,11 +32,11 @@ std::unique_ptr<TableWriter> MakeTsvWriter(std::ostream& out, bool isTerminal);
 /// One JSON object with a list of entries.
 std::unique_ptr<TableWriter> MakeJsonWriter(std::ostream& out);
 
-/// A page of HTML that needs nothing from elsewhere. Each of the `findings` (borrowed, like `files`, which
+/// A page of HTML that needs nothing from elsewhere. Each of the `findings` about `files` (borrowed; they
 /// have been loaded) is shown with the entries of its line, or in a row of its own: where the line stands
 /// when `inFileOrder`, else at the end.
 std::unique_ptr<TableWriter> MakeHtmlWriter(std::ostream& out, const LoadedFiles& files,
-                                            std::vector<PlacedFinding>& findings, bool inFileOrder);
+                                            std::vector<PlacedFinding> findings, bool inFileOrder);
 
 }  // namespace almcfg
 
