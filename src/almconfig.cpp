@@ -18,11 +18,8 @@ constexpr int kLevel = 1;
 // The conversion is written backwards and stays so: whoever watches the log knows the message by this text.
 constexpr const char* kBadLineFormat = "almconfig.cfg file error. line=s%";
 constexpr int kWrongFieldCountLine = 148;
-constexpr int kEmptyFieldLine = 195;
+constexpr int kEmptyFieldLine = 195;  // The checker knows it as kEmptyPartMessage; both must be the same.
 constexpr int kTooManyFieldsLine = 203;
-
-constexpr std::size_t kColumns = 5;
-constexpr std::size_t kMaxParts = 5;
 
 constexpr std::size_t kLineBufferBytes = 1024;
 constexpr std::streamsize kReadCount = 1023;  // NUL included, so a line has at most 1,022 characters
@@ -50,7 +47,7 @@ int SplitInto(Fields& fields, std::string_view text, std::string_view separators
       return -1;
     }
     fields.emplace_back(field);
-    if (parts > kMaxParts) {
+    if (parts > kMostAlarmParts) {
       LogBadLine(kTooManyFieldsLine, text);
       return -1;
     }
@@ -61,7 +58,7 @@ int SplitInto(Fields& fields, std::string_view text, std::string_view separators
 
 template <class Fields, class Record>
 int FillRecord(const Fields& fields, Record& record, std::string_view line) {
-  if (fields.size() != kColumns) {
+  if (fields.size() != kAlarmColumns) {
     LogBadLine(kWrongFieldCountLine, line);
     return -1;
   }
@@ -150,7 +147,7 @@ LineFate Alarm_Config_Param::TakeLine(const char* text, LineWork& work) {
   if (SplitInto(work.fields, line, "\t") != 0) {
     return LineFate::kLogged;
   }
-  if (work.fields.size() != kColumns) {
+  if (work.fields.size() != kAlarmColumns) {
     return LineFate::kDropped;
   }
   if (!ExpandLine(work.fields, work.byKey1, work.all, line)) {

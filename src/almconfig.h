@@ -1,6 +1,7 @@
 #ifndef SRC_ALMCONFIG_H_
 #define SRC_ALMCONFIG_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,12 @@ struct AlarmRecordView : AlarmKey {
 /// The fields of one text, in order.
 using FieldList = std::vector<std::string>;
 using FieldViews = std::vector<std::string_view>;
+
+/// The columns that a line has, no fewer and no more.
+inline constexpr std::size_t kAlarmColumns = 5;
+
+/// The parts that a line or a column is split into at most.
+inline constexpr std::size_t kMostAlarmParts = 5;
 
 /// What became of one line of the file.
 enum class LineFate {

@@ -3,14 +3,18 @@
 #include <algorithm>
 #include <string>
 
+#include "src/almconfig.h"
 #include "tools/almcfg/line_parts.h"
 #include "tools/almcfg/visible.h"
 
 namespace almcfg {
 namespace {
 
-constexpr std::size_t kColumns = 5;
-constexpr std::size_t kMostParts = 5;
+using NS_ASCII::kAlarmColumns;
+using NS_ASCII::kMostAlarmParts;
+
+// The line number in the bundle's message about an empty part, kEmptyFieldLine there; both must be the same.
+// The message about a sixth part has another.
 constexpr int kEmptyPartMessage = 195;
 
 constexpr std::string_view kLinePattern = "KEY1<TAB>KEY2<TAB>KEY3<TAB>NUMBER<TAB>VALUE";
@@ -52,8 +56,8 @@ bool LooksSeparatedBy(const Suspect& suspect, std::string_view text) {
     return false;
   }
   const std::vector<std::string_view> pieces = PiecesWith(suspect, text);
-  return pieces.size() == kColumns ||
-         (pieces.size() > kColumns && IsInteger(NS_ASCII::TrimView(pieces.back())));
+  return pieces.size() == kAlarmColumns ||
+         (pieces.size() > kAlarmColumns && IsInteger(NS_ASCII::TrimView(pieces.back())));
 }
 
 std::optional<Finding> FindWrongSeparator(const Part& trimmed) {
@@ -79,7 +83,7 @@ std::optional<Finding> FindWrongSeparator(const Part& trimmed) {
 
 /// Four columns that would have been five, had the TAB beside the empty one not been trimmed away.
 std::optional<Finding> FindEmptyEdge(std::string_view line, const Part& trimmed, std::size_t columns) {
-  const bool lacksOne = columns + 1 == kColumns;
+  const bool lacksOne = columns + 1 == kAlarmColumns;
   const std::size_t leading = line.substr(0, trimmed.at).find('\t');
   const std::size_t end = trimmed.at + trimmed.text.size();
   const std::size_t trailing = line.find('\t', end);
@@ -107,7 +111,7 @@ std::string CrHint(const Part& trimmed, std::string hint) {
 Finding ExplainColumns(const Part& trimmed, bool isEmptyPart) {
   const std::vector<Part> columns = PartsOf(trimmed, '\t');
   if (!isEmptyPart) {
-    const Part& sixth = columns[kMostParts];
+    const Part& sixth = columns[kMostAlarmParts];
     const std::size_t end = trimmed.at + trimmed.text.size();
     return {Code::kTooManyColumns,
             1,
@@ -126,8 +130,8 @@ Finding ExplainColumns(const Part& trimmed, bool isEmptyPart) {
           empty->at + 1,
           1,
           "column " + std::to_string(empty - columns.begin() + 1) + " is empty: the line is not loaded",
-          filled == kColumns ? "write one TAB between two columns; several do not count as one"
-                             : "write something between the two TABs; no column may be empty",
+          filled == kAlarmColumns ? "write one TAB between two columns; several do not count as one"
+                                  : "write something between the two TABs; no column may be empty",
           0};
 }
 
@@ -135,7 +139,7 @@ Finding ExplainAlternatives(const Part& column, std::size_t number, bool isEmpty
   const std::string name = "column " + std::to_string(number);
   const std::vector<Part> alternatives = PartsOf(column, '/');
   if (!isEmptyPart) {
-    const Part& sixth = alternatives[kMostParts];
+    const Part& sixth = alternatives[kMostAlarmParts];
     return {Code::kTooManyAlternatives,
             1,
             sixth.at + 1,
