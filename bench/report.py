@@ -70,13 +70,13 @@ NOTES = {
 
 
 def read(directory):
-    """The medians of all times by (operation/input, contestant), those of counters, and the contexts."""
+    """The medians of all times by (operation/input, contestant), those of counters, and the context that was first."""
     times = collections.defaultdict(lambda: collections.defaultdict(list))
     counters = collections.defaultdict(lambda: collections.defaultdict(lambda: collections.defaultdict(list)))
-    context = {}
+    contexts = []
     for file in sorted(pathlib.Path(directory).glob("*.json")):
         data = json.loads(file.read_text())
-        context = data["context"]
+        contexts.append(data["context"])
         for run in data["benchmarks"]:
             if run.get("run_type") != "iteration":
                 continue
@@ -91,7 +91,7 @@ def read(directory):
     medians = {name: {who: statistics.median(all_) for who, all_ in runs.items()} for name, runs in times.items()}
     counted = {name: {who: {key: statistics.median(all_) for key, all_ in keys.items()} for who, keys in runs.items()}
                for name, runs in counters.items()}
-    return medians, counted, context
+    return medians, counted, min(contexts, key=lambda context: context["date"], default={})
 
 
 # Shown, but nobody would take it: the rules written down step by step.
@@ -250,8 +250,8 @@ def head(context):
     return f"""# Benchmarks
 
 Every operation beside what one would take instead, written by `scripts/bench.sh --report`; nothing here is edited by
-hand. All contestants of a table run in one process, their repetitions in random turns; lookups run in three such
-processes, because how fast a store is depends on which memory it was given. A figure is the median of their processor
+hand. All contestants of a table run in one process, their repetitions in random turns; but for what takes seconds, in three
+such processes, because how fast a program is depends on which memory it was given. A figure is the median of their processor
 time, or of the time on the clock where threads (Readers, the load of a file) are involved. A rival is timed only after
 it has given the same answer. "Floor" is copying the answer. `{LITERAL}` is the version of the rules that the
 tests compare with, written down step by step; it is no rival, and no goal is measured by it.
