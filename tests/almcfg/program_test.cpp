@@ -92,7 +92,7 @@ TEST(CommandLine, NamesAnOptionThatIsUnknownOrInTheWrongPlace) {
   EXPECT_EQ(MistakeIn({"--foo"}),
             "almcfg: COMMAND: one of check|show|lookup|diff is needed; there is no option \"--foo\"");
   EXPECT_EQ(MistakeIn({"--color", "never", "check", "x"}),
-            "almcfg: COMMAND: \"--color\" stands behind it; one of check|show|lookup|diff is needed first");
+            "almcfg: COMMAND: \"--color\" belongs behind it; one of check|show|lookup|diff is needed first");
   EXPECT_EQ(MistakeIn({"lookup", "x", "--foo=1", "-A", "B", "C", "-7"}),
             "almcfg: lookup: it has no option \"--foo=1\"; a file or key that starts with \"-\" goes behind "
             "\"--\"");
@@ -327,6 +327,8 @@ TEST(Lookup, SaysWhenTheValueIsNoInteger) {
 TEST(Lookup, TakesNegativeNumbersAndKeysThatLookLikeOptions) {
   EXPECT_EQ(Exit({"lookup", "-", "A", "B", "C", "-7"}, "A\tB\tC\t-7\t1\n"), 0);
   EXPECT_EQ(Exit({"lookup", "-", "--", "-A", "B", "C", "-7"}, "-A\tB\tC\t-7\t1\n"), 0);
+  EXPECT_EQ(Exit({"lookup", "-", "A", "-5", "C", "-7", "--format", "json"}, "A\t-5\tC\t-7\t1\n"), 0);
+  EXPECT_THAT(RunAlmcfg({"check", "-1.csv"}).out, HasSubstr("-1.csv:1:1: error: No such file"));
 }
 
 TEST(Lookup, TakesEveryKeyAsItStands) {

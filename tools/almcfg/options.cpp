@@ -75,9 +75,11 @@ void AddArgument(CLI::App& app, const std::string& name, const std::string& help
   app.add_option(name, help)->type_name("");
 }
 
-/// Whether the argument is meant as an option; "-" is standard input, "--" ends the options.
+/// Whether the argument is meant as an option; "-" is standard input, "--" ends the options, and a "-" before
+/// a digit starts a number.
 bool IsOption(const std::string& argument) {
-  return argument.size() > 1 && argument[0] == '-' && argument != "--";
+  const bool isNumber = argument.size() > 1 && argument[1] >= '0' && argument[1] <= '9';
+  return argument.size() > 1 && argument[0] == '-' && argument != "--" && !isNumber;
 }
 
 /// The option that the argument names; it may have its value behind a "=". None when there is no such option.
@@ -91,7 +93,7 @@ const CLI::Option* OptionOf(const CLI::App& app, const std::string& argument) {
   for (const CLI::App* const command : app.get_subcommands({})) {
     if (OptionOf(*command, option) != nullptr) {
       throw CLI::ValidationError(
-          "COMMAND", Quoted(option) + " stands behind it; one of " + commands + " is needed first");
+          "COMMAND", Quoted(option) + " belongs behind it; one of " + commands + " is needed first");
     }
   }
   throw CLI::ValidationError("COMMAND",
@@ -121,10 +123,6 @@ const CLI::App* CommandOf(const CLI::App& app, const std::vector<std::string>& a
   return nullptr;
 }
 
-bool IsNegativeNumber(const std::string& text) {
-  return text.size() > 1 && text[0] == '-' && text.find_first_not_of("0123456789", 1) == std::string::npos;
-}
-
 /// Whether the value of the option is the next argument. Throws when there is no such option, or no value.
 bool TakesNext(const CLI::App& command, const std::string& argument, bool isLast) {
   const CLI::Option* const option = OptionOf(command, argument);
@@ -143,12 +141,11 @@ bool TakesNext(const CLI::App& command, const std::string& argument, bool isLast
   return equals == std::string::npos;
 }
 
-/// Takes off the files and keys and returns them as they stand: what is no option, everything behind a "--",
-/// and a negative number at the end of a lookup. CLI11 never sees them, since it gives some of them a meaning
-/// of its own: "++", or a text in brackets, which it takes for a list.
+/// Takes off the files and keys and returns them as they stand: what is no option, and everything behind a
+/// "--". CLI11 never sees them, since it gives some of them a meaning of its own: "++", or a text in
+/// brackets, which it takes for a list.
 std::vector<std::string> TakePlainArguments(const CLI::App& command, std::vector<std::string>& arguments) {
   const auto end = arguments.end();
-  const bool endsWithNumber = command.get_name() == "lookup" && IsNegativeNumber(arguments.back());
   std::vector<std::string> plain;
   std::vector<std::string> rest{arguments.front()};
   for (auto argument = arguments.begin() + 1; argument != end; ++argument) {
@@ -156,7 +153,7 @@ std::vector<std::string> TakePlainArguments(const CLI::App& command, std::vector
       plain.insert(plain.end(), argument + 1, end);
       break;
     }
-    if (!IsOption(*argument) || (endsWithNumber && argument + 1 == end)) {
+    if (!IsOption(*argument)) {
       plain.push_back(*argument);
       continue;
     }
