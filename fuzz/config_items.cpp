@@ -20,7 +20,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::map<std::string, std::string> items = host::ListItems();
   if (!problem.empty()) {
     fuzz::Expect(problem.find('\n') == std::string::npos, "a refusal is one line of text");
-    fuzz::Expect(problem.find_first_not_of("0123456789", file.path().size() + 1) > file.path().size() + 1,
+    const std::size_t line = file.path().size() + 1;
+    const std::size_t lineEnd = problem.find_first_not_of("0123456789", line);
+    fuzz::Expect(problem.compare(0, line, file.path() + ':') == 0 && lineEnd != line &&
+                     lineEnd != std::string::npos && problem[lineEnd] == ':',
                  "a refusal says where");
     fuzz::Expect(items.empty(), "a refused file changes nothing");
   }

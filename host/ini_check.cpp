@@ -47,12 +47,16 @@ std::optional<Mistake> MistakeInName(std::string_view name, std::size_t at, cons
   return std::nullopt;
 }
 
-/// ACE takes a section's name apart at either slash.
-bool HasEmptyPart(std::string_view name) {
-  const auto isSlash = [](char c) { return c == '/' || c == '\\'; };
-  const auto areSlashes = [&](char a, char b) { return isSlash(a) && isSlash(b); };
-  return isSlash(name.front()) || isSlash(name.back()) ||
-         std::adjacent_find(name.begin(), name.end(), areSlashes) != name.end();
+/// A section's name as ACE takes it apart: at either slash, and without empty parts.
+std::string PathOf(std::string_view section) {
+  constexpr std::string_view kSlashes = "/\\";
+  std::string path;
+  for (std::size_t start = 0; (start = section.find_first_not_of(kSlashes, start)) != section.npos;) {
+    const std::size_t end = std::min(section.find_first_of(kSlashes, start), section.size());
+    path += (path.empty() ? "" : "\\") + std::string(section.substr(start, end - start));
+    start = end;
+  }
+  return path;
 }
 
 /// The name in brackets that opens at `open`; empty when there is none, which `mistake` (out) then says.
@@ -70,12 +74,16 @@ std::string_view SectionIn(std::string_view line, std::size_t open, std::optiona
 }
 
 std::optional<Mistake> MistakeInSection(std::string_view name, std::size_t at) {
-  if (kBlanks.find(name.front()) != std::string_view::npos ||
-      kBlanks.find(name.back()) != std::string_view::npos) {
-    return Mistake{at, "a blank within the brackets belongs to the section's name; write [NAME]"};
+  constexpr const char* kBlankProblem =
+      "a blank within the brackets belongs to the section's name; write [NAME]";
+  if (kBlanks.find(name.front()) != std::string_view::npos) {
+    return Mistake{at, kBlankProblem};
   }
-  if (HasEmptyPart(name)) {
-    return Mistake{at, "a part of the section's name is empty; write [NAME] or [NAME\\NAME]"};
+  if (kBlanks.find(name.back()) != std::string_view::npos) {
+    return Mistake{at + name.size() - 1, kBlankProblem};
+  }
+  if (PathOf(name).empty()) {
+    return Mistake{at, "the section has no name; write [NAME]"};
   }
   return MistakeInName(name, at, "[]");
 }
@@ -107,9 +115,7 @@ class IniLines {
     if (!mistake) {
       mistake = MistakeInSection(name, open + 1);
     }
-    // To ACE both slashes are one.
-    std::string path(name);
-    std::replace(path.begin(), path.end(), '/', '\\');
+    const std::string path = PathOf(name);
     section_ = Folded(path);
     // Each section that this one lies in has a name, too.
     for (std::size_t end = 0; !mistake && end < path.size();) {
@@ -137,8 +143,8 @@ class IniLines {
     return CheckSpelling(section_ + ']' + Folded(name), name, start);
   }
 
-  /// ACE imports no section that stands there in other letters already, and takes such an item for the other.
-  /// A section [Items] would be another one than the host's.
+  /// Of two spellings of a section ACE takes some for one, passes some over, and refuses the file for others,
+  /// as the letters have it; of two items it takes the later for both. So there is one spelling of a name.
   std::optional<Mistake> CheckSpelling(const std::string& folded, const std::string& name, std::size_t at) {
     const auto& known = spellings_.emplace(folded, name).first->second;
     if (known == name) {

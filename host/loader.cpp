@@ -33,6 +33,12 @@ std::string RealPath(const std::string& path) {
   return real == nullptr ? path : real.get();
 }
 
+/// The name of the file that a request means: NAME stands for libNAME.so.
+std::string FileNameOf(const std::string& request) {
+  const bool isFile = request.find('/') != std::string::npos || request.find(".so") != std::string::npos;
+  return isFile ? BaseName(request) : "lib" + request + ".so";
+}
+
 /// Loads the library of a request and says what is wrong with it in terms of the request.
 LibraryHandle OpenLibrary(const std::string& request) {
   if (request.empty()) {
@@ -43,11 +49,7 @@ LibraryHandle OpenLibrary(const std::string& request) {
     throw Failure(request + ": no such library");
   }
   try {
-    if (isPath) {
-      return LibraryHandle::Load(RealPath(request));
-    }
-    const bool isFileName = request.find(".so") != std::string::npos;
-    return LibraryHandle::Load(isFileName ? request : "lib" + request + ".so");
+    return LibraryHandle::Load(isPath ? RealPath(request) : FileNameOf(request));
   } catch (const Failure& failure) {
     throw Failure(request + ": " + failure.what());
   }
@@ -61,14 +63,16 @@ std::string WithDirectory(const std::string& request) {
   return isHere ? "./" + request : request;
 }
 
-std::string BundleNameOf(const std::string& library) {
-  std::string name = BaseName(library);
+std::string BundleNameOf(const std::string& fileName) {
+  std::string name = fileName;
   name.erase(std::min(name.find(".so"), name.size()));
   if (name.compare(0, 3, "lib") == 0) {
     name.erase(0, 3);
   }
   return name;
 }
+
+std::string FactoryOf(const std::string& bundle) { return "_make_" + bundle; }
 
 void RequireFactory(const LibraryHandle& library, const std::string& request, const std::string& factory) {
   if (library.Symbol(factory) == nullptr) {
@@ -102,14 +106,18 @@ ACE_Service_Object* ServiceOf(const std::string& name) {
   return static_cast<ACE_Service_Object*>(type->type()->object());
 }
 
-/// Throws when the string in a directive is longer than ACE can scan. It would call `init` first, without any
-/// argument, and say what it stumbled over behind.
-void RequireScannableString(const std::string& directive) {
+/// Throws when a name or the string in a directive is longer than ACE can scan. Behind such a string it would
+/// have called `init` already, without any argument.
+void RequireScannable(const std::string& name, const std::string& directive) {
   constexpr std::size_t kMost = 4094;
+  if (name.size() > kMost) {
+    throw UsageError("'" + name + "' is too long a name; ACE's directives hold " + std::to_string(kMost) +
+                     " bytes");
+  }
   const std::size_t open = directive.find_first_of("\"'");
   const std::size_t size = open == std::string::npos ? 0 : directive.rfind(directive[open]) - open - 1;
   if (size > kMost) {
-    throw UsageError("the arguments with their quotes take " + std::to_string(size) +
+    throw UsageError("the arguments, each in quotes, take " + std::to_string(size) +
                      " bytes, and ACE's directives hold " + std::to_string(kMost) +
                      "; have the bundle read them from a file");
   }
@@ -199,8 +207,12 @@ const LoadedBundle& Loader::Load(const std::string& library, const Words& argume
   if (path.find_first_of(" \t\n\"':()*{}#") != std::string::npos) {
     throw Failure(library + ": its path " + path + " holds a character that ACE's directives cannot pass on");
   }
-  const std::string name = BundleNameOf(library);
-  const std::string factory = "_make_" + name;
+  // A link may have the bundle's name, or the file that it leads to.
+  const std::string asked = BundleNameOf(FileNameOf(library));
+  const std::string real = BundleNameOf(BaseName(path));
+  const bool isReal = handle.Symbol(FactoryOf(asked)) == nullptr && handle.Symbol(FactoryOf(real)) != nullptr;
+  const std::string name = isReal ? real : asked;
+  const std::string factory = FactoryOf(name);
   RequireFactory(handle, library, factory);
   Dynamic(name, "dynamic " + name + " Service_Object * " + path + ":" + factory + "() \"" + quoted + "\"");
   return bundles_.back();
@@ -252,7 +264,7 @@ void Loader::Dynamic(const std::string& name, const std::string& directive) {
   if (ServiceOf(name) != nullptr) {
     throw UsageError("a bundle " + name + " is loaded already; unload it first");
   }
-  RequireScannableString(directive);
+  RequireScannable(name, directive);
   const std::vector<ServiceEntry> before = ListServices();
   const std::uint64_t madeBefore = ServicesEverListed();
   const AceComplaints complaints;

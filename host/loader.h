@@ -54,8 +54,9 @@ class Loader {
   bool UnloadAll();
 
   /// Loads `library`: a path, a file of the working directory, or a name that the dynamic linker finds (NAME
-  /// also stands for libNAME.so). The bundle gets that name without "lib" and ".so"; its factory is "_make_"
-  /// and the bundle's name. The arguments go to its `init`. Returns the bundle.
+  /// also stands for libNAME.so). The bundle gets the library's name without "lib" and ".so", or that of the
+  /// file which a link leads to; its factory is "_make_" and the bundle's name. The arguments go to its
+  /// `init`. Returns the bundle.
   const LoadedBundle& Load(const std::string& library, const Words& arguments);
 
   /// Processes one directive of a svc.conf.

@@ -52,15 +52,15 @@ std::string TimeText(std::chrono::system_clock::time_point time) {
 
 std::string OrDash(const std::string& text) { return text.empty() ? "-" : EscapeBytes(text); }
 
-/// A complaint of ACE's service configurator without the process's and thread's numbers and the line of the
-/// directive, of which there is one at a time: "ACE (17|17) [error 0] on line 1: ".
+/// A complaint of ACE's service configurator without the process's and thread's numbers and a line that is
+/// not that of the file, since directives come to it one by one: "ACE (17|17) [error 0] on line 1: ".
 std::string WithoutAcePlace(const std::string& text) {
   constexpr std::string_view kStart = "ACE (";
-  constexpr std::string_view kEnd = "] on line 1: ";
-  const std::size_t end = text.find(kEnd);
-  return text.compare(0, kStart.size(), kStart) == 0 && end != std::string::npos
-             ? text.substr(end + kEnd.size())
-             : text;
+  constexpr std::string_view kLine = "] on line ";
+  const std::size_t line = text.find(kLine);
+  const std::size_t end = line == std::string::npos ? line : text.find(": ", line);
+  return text.compare(0, kStart.size(), kStart) == 0 && end != std::string::npos ? text.substr(end + 2)
+                                                                                 : text;
 }
 
 std::string WithoutLineEnd(std::string text) {

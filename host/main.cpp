@@ -27,6 +27,18 @@ using host::Options;
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
+/// One line on standard error for each item of `file` that no bundle can read.
+void TellUnreadableItems(const std::string& file) {
+  for (const auto& [name, value] : host::ListItems()) {
+    if (!host::ParseInt(value)) {
+      std::string problem = file;
+      problem.append(": ").append(name).append(": '").append(value);
+      problem += "' is no integer from -2147483648 to 2147483647; the item counts as missing";
+      std::cerr << "bundle_host: " << host::OneLine(problem) << '\n';
+    }
+  }
+}
+
 void SetUpConfiguration(const Options& options) {
   if (!options.configDir.empty()) {
     host::SetConfigDir(options.configDir);
@@ -47,14 +59,7 @@ void SetUpConfiguration(const Options& options) {
   if (const std::string problem = host::LoadItems(items); !problem.empty()) {
     throw Failure(problem);
   }
-  for (const auto& [name, value] : host::ListItems()) {
-    if (!host::ParseInt(value)) {
-      std::cerr << "bundle_host: "
-                << host::OneLine(items + ": " + name + ": '" + value +
-                                 "' is no integer; the item counts as missing")
-                << '\n';
-    }
-  }
+  TellUnreadableItems(items);
 }
 
 void RunProgramCommand(host::Session& session, const host::Words& command) {

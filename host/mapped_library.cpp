@@ -132,19 +132,22 @@ std::vector<std::string> SearchPath() {
   return directories;
 }
 
-/// The file that the dynamic linker would take for `library`; empty when it has to search its cache.
-std::string FileOf(const std::string& library) {
+/// The files that the dynamic linker may take for `library`: in the directories of its path, and in those
+/// below them that are for some processors.
+std::vector<std::string> CandidatesFor(const std::string& library) {
   if (library.find('/') != std::string::npos) {
-    return library;
+    return {library};
   }
+  const std::string behind = "/" + library;
+  std::vector<std::string> files;
   for (const std::string& directory : SearchPath()) {
+    files.push_back(directory + behind);
     std::error_code none;
-    const std::string file = directory + "/" + library;
-    if (std::filesystem::is_regular_file(file, none)) {
-      return file;
+    for (const auto& entry : std::filesystem::directory_iterator(directory + "/glibc-hwcaps", none)) {
+      files.push_back(entry.path().string() + behind);
     }
   }
-  return {};
+  return files;
 }
 
 }  // namespace
@@ -152,9 +155,11 @@ std::string FileOf(const std::string& library) {
 void LibraryHandle::Close::operator()(void* handle) const { dlclose(handle); }
 
 LibraryHandle LibraryHandle::Load(const std::string& library) {
-  if (const std::string file = FileOf(library); IsCutShort(file)) {
-    throw Failure("cannot be loaded: the file " + file +
-                  " is shorter than its segments; is it still being written?");
+  for (const std::string& file : CandidatesFor(library)) {
+    if (IsCutShort(file)) {
+      throw Failure("cannot be loaded: the file " + file +
+                    " is shorter than its segments; is it still being written?");
+    }
   }
   // All symbols at once: a missing one shall be found now, not in the middle of a call.
   LibraryHandle handle(dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL));

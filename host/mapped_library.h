@@ -15,7 +15,8 @@ class LibraryHandle {
   LibraryHandle() = default;
 
   /// Loads `library`, a path or a name that the dynamic linker finds, with all its symbols. Throws `Failure`
-  /// with the linker's own words.
+  /// with the linker's own words, or when a file that the linker may take, other than by its cache, is cut
+  /// short: that one would end the process.
   static LibraryHandle Load(const std::string& library);
 
   /// A reference to a library that is loaded already; an empty handle when it is not.

@@ -165,11 +165,12 @@ class Options(HostTest):
         self.assertEqual(self.loaded("items").stdout, "ITEM  VALUE  READABLE\n")
 
     def test_an_item_that_is_no_integer_is_told_and_counts_as_missing(self):
-        self.write("config/config_items.ini", "[items]\nIsTransQuelt=0 ; off\nOther=1\n")
+        self.write("config/config_items.ini", "[items]\nBig=2147483648\nIsTransQuelt=0 ; off\nOther=1\n")
         done = self.loaded("call", "IsTransQueltEnabled")
         self.assertEqual((done.returncode, done.stdout), (0, "result: true\n"))
-        self.assertRegex(done.stderr, r"^bundle_host: .*/config_items.ini: IsTransQuelt: '0 ; off' is no integer; "
-                                      r"the item counts as missing\n$")
+        reason = "' is no integer from -2147483648 to 2147483647; the item counts as missing\n"
+        self.assertEqual(done.stderr, f"bundle_host: {self.config}/config_items.ini: Big: '2147483648{reason}"
+                                      f"bundle_host: {self.config}/config_items.ini: IsTransQuelt: '0 ; off{reason}")
 
     def test_the_log_goes_to_the_file_and_respects_the_level(self):
         log = os.path.join(self.dir, "log")
@@ -268,6 +269,10 @@ class Loading(HostTest):
         for options in [("-b", "ii_ascii_util"), ("-b", "libii_ascii_util.so"), ("-f", conf)]:
             with self.subTest(options=options):
                 self.assert_fails(self.host(*options, "bundles", environment=path), 1, "is shorter than its segments")
+        os.makedirs(os.path.join(self.dir, "glibc-hwcaps/x86-64-v2"))
+        os.rename(os.path.join(self.dir, "libii_ascii_util.so"),
+                  os.path.join(self.dir, "glibc-hwcaps/x86-64-v2/libii_ascii_util.so"))
+        self.assert_fails(self.host("-b", "ii_ascii_util", "bundles", environment=path), 1, "is shorter than its segments")
 
     def test_a_huge_file_is_no_library_and_not_read(self):
         path = self.write("libhuge.so", "")
@@ -291,12 +296,20 @@ class Loading(HostTest):
         self.assert_fails(self.host(*options, "-b", "none", "bundles", directory=self.dir), 1,
                           "none: cannot be loaded: libnone.so")
 
-    def test_a_bundle_is_named_as_its_library_was_asked_for(self):
-        path = os.path.join(self.dir, "libii_ascii_util.so")
-        shutil.copy(BUNDLE, os.path.join(self.dir, "libii-1.0.so"))
-        os.symlink("libii-1.0.so", path)
-        done = self.host("-c", self.config, "--log-level", "off", "-b", path, "bundles", "--json")
-        self.assertEqual([row["name"] for row in json.loads(done.stdout)], ["ii_ascii_util"])
+    def test_a_link_or_the_file_that_it_leads_to_has_the_bundles_name(self):
+        for link, file in [("libii_ascii_util.so", "libii-1.0.so"), ("libcurrent.so", "libii_ascii_util.so")]:
+            with self.subTest(link=link):
+                directory = tempfile.mkdtemp(dir=self.dir)
+                shutil.copy(BUNDLE, os.path.join(directory, file))
+                os.symlink(file, os.path.join(directory, link))
+                done = self.host("-c", self.config, "--log-level", "off", "-b", os.path.join(directory, link), "bundles",
+                                 "--json")
+                self.assertEqual([row["name"] for row in json.loads(done.stdout)], ["ii_ascii_util"])
+
+    def test_only_a_file_name_has_lib_in_front_of_the_bundles_name(self):
+        shutil.copy(BUNDLE, os.path.join(self.dir, "liblibrary.so"))
+        path = {"LD_LIBRARY_PATH": self.dir + ":" + os.environ.get("LD_LIBRARY_PATH", "")}
+        self.assert_fails(self.host("-b", "library", "bundles", environment=path), 1, "has no factory _make_library;")
 
     def test_a_library_of_the_other_byte_order_is_told_in_the_linkers_words(self):
         path = os.path.join(self.dir, "libii_ascii_util.so")
@@ -367,6 +380,7 @@ class Loading(HostTest):
             ("suspend a b\n", ":1:1: ", "'suspend' takes the name of a service and nothing behind it"),
             (f"dynamic a.b Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "a.b: no name for a bundle"),
             (f"dynamic active Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "active: no name for a bundle"),
+            (f"dynamic {'a' * 4097} Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", " is too long a name"),
             (f"dynamic 1a Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "1a: no name for a bundle"),
             ("remove nobody\n", ":1:1: ", "no bundle 'nobody' is loaded"),
             ("\xef\xbb\xbfremove nobody\n", ":1:1: ", "a byte order mark"),
