@@ -250,9 +250,9 @@ def head(context):
     return f"""# Benchmarks
 
 Every operation beside what one would take instead, written by `scripts/bench.sh --report`; nothing here is edited by
-hand. All contestants of a table run in one process, their repetitions in random turns; but for what takes seconds, in three
-such processes, because how fast a program is depends on which memory it was given. A figure is the median of their processor
-time, or of the time on the clock where threads (Readers, the load of a file) are involved. A rival is timed only after
+hand. All contestants of a table run in one process, their repetitions in random turns, and there are three such processes
+(one for what takes seconds), because how fast a program is depends on which memory it was given. A figure is the median of
+their processor time, or of the time on the clock where threads (Readers, the load of a file) are involved. A rival is timed only after
 it has given the same answer. "Floor" is copying the answer. `{LITERAL}` is the version of the rules that the
 tests compare with, written down step by step; it is no rival, and no goal is measured by it.
 

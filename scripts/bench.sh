@@ -45,7 +45,7 @@ run() {
     --benchmark_enable_random_interleaving=true --benchmark_format=json >"$results/$1.json"
 }
 
-# How fast something is depends a little, a table a lot, on which memory the process was given, so the median is over three.
+# How fast a program is depends on which memory it was given, a table's speed a lot, so the median is over three processes.
 for process in 1 2 3; do
   run "text_$process" ascii_util_bench '^(Trim|StrToUpper|StrToLower|ToUpper|Str2Num|Num2Str)/' 7 0.005
   run "fields_$process" ascii_util_bench '^(GetKeyValue|IsKeyValueAboveOne|IsContain|SplitStr|ParseListMap)/' 7 0.005

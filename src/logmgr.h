@@ -46,8 +46,8 @@ class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
 /// key is given back at unload (see the module state in logmgr.cpp).
 ///
 /// Ownership: the logger counts as its own, and `Release` destroys it. Nothing in the library calls
-/// `Release`, so in production the log service keeps it. Threads: `Instance` and `LogPos` from any thread;
-/// `Release` only while no other thread uses either.
+/// `Release`, so in production the log service keeps it.
+/// Threads: `Instance` and `LogPos` from any thread; `Release` only while no other thread uses either.
 class LogMgr : private ACE_Copy_Disabled {
  public:
   /// The log manager, made on first use under ACE's static object lock, which is held while the logger is

@@ -12,9 +12,8 @@
 ///
 /// Threads: any. The shared logger is read and written without a lock: of several first messages at the
 /// same time each may fetch a logger, and the last answer stays; if that was "none", the next message asks
-/// again. `_g_actualmutex` is held while the
-/// library's null interface is made and while an interface is searched for, never across a call into the log
-/// service.
+/// again. `_g_actualmutex` is held while the library's null interface is made and while an interface is
+/// searched for, never across a call into the log service.
 ///
 /// Errors: a log service that is missing, cannot be looked up, or throws when asked for a logger never
 /// reaches the caller; it only costs the message. (An exception that an interface lookup must not let out

@@ -1,5 +1,5 @@
-// The sixteen operations as a caller built elsewhere reaches them: by slot number, through the raw table of
-// the interface that the loaded bundle registers.
+// The operations as a caller built elsewhere reaches them: by slot number, through the raw table of the
+// interface that the loaded bundle registers.
 
 #include <cstdint>
 #include <map>
