@@ -111,15 +111,13 @@ ACE_Service_Object* ServiceOf(const std::string& name) {
 void RequireScannable(const std::string& name, const std::string& directive) {
   constexpr std::size_t kMost = 4094;
   if (name.size() > kMost) {
-    throw UsageError("'" + name + "' is too long a name; ACE's directives hold " + std::to_string(kMost) +
-                     " bytes");
+    throw UsageError("'" + name + "' is too long a name; ACE holds " + std::to_string(kMost) + " bytes");
   }
   const std::size_t open = directive.find_first_of("\"'");
   const std::size_t size = open == std::string::npos ? 0 : directive.rfind(directive[open]) - open - 1;
   if (size > kMost) {
-    throw UsageError("the arguments, each in quotes, take " + std::to_string(size) +
-                     " bytes, and ACE's directives hold " + std::to_string(kMost) +
-                     "; have the bundle read them from a file");
+    throw UsageError("the arguments take " + std::to_string(size) + " bytes in a directive, and ACE holds " +
+                     std::to_string(kMost) + "; have the bundle read them from a file");
   }
 }
 

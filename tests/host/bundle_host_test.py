@@ -350,7 +350,7 @@ class Loading(HostTest):
         options = ["-c", self.config, "load", BUNDLE]
         self.assertEqual(self.host(*options, "a" * 4092).returncode, 0)
         self.assertEqual(self.host(*options, *["a"] * 1023).returncode, 0)
-        message = " bytes, and ACE's directives hold 4094; have the bundle read them from a file"
+        message = " bytes in a directive, and ACE holds 4094; have the bundle read them from a file"
         self.assert_fails(self.host(*options, "a" * 4093), 2, "take 4095" + message)
         self.assert_fails(self.host(*options, *["a"] * 1024), 2, "take 4095" + message)
 
