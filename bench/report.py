@@ -3,8 +3,8 @@
 usage: report.py RESULTS [DOCS]
 
 RESULTS is a directory of Google Benchmark JSON files. With DOCS, writes benchmarks.md and the plots there; without,
-prints the tables. Every figure is a median over the repetitions of one process, those of lookups of three; every ratio
-is one of two such medians of the same processes.
+prints the tables. Every figure is a median over the repetitions of all processes that measured it, every ratio one of two
+such medians of the same processes.
 """
 
 import collections
@@ -252,8 +252,8 @@ def head(context):
 Every operation beside what one would take instead, written by `scripts/bench.sh --report`; nothing here is edited by
 hand. All contestants of a table run in one process, their repetitions in random turns, and there are three such processes
 (one for what takes seconds), because how fast a program is depends on which memory it was given. A figure is the median of
-their processor time, or of the time on the clock where threads (Readers, the load of a file) are involved. A rival is timed only after
-it has given the same answer. "Floor" is copying the answer. `{LITERAL}` is the version of the rules that the
+their processor time, or of the time on the clock where threads (Readers, the load of a file) are involved. A rival is timed
+only after it has given the same answer. "Floor" is copying the answer. `{LITERAL}` is the version of the rules that the
 tests compare with, written down step by step; it is no rival, and no goal is measured by it.
 
 - Machine: {cpu_name()}, {context["num_cpus"]} cores, {platform.system()} {platform.machine()}

@@ -59,20 +59,6 @@ std::string PathOf(std::string_view section) {
   return path;
 }
 
-/// The name in brackets that opens at `open`; empty when there is none, which `mistake` (out) then says.
-std::string_view SectionIn(std::string_view line, std::size_t open, std::optional<Mistake>& mistake) {
-  const std::size_t close = line.rfind(']');
-  if (close == std::string_view::npos || close < open) {
-    mistake = Mistake{line.size(), "the section's name is not closed; write [NAME]"};
-    return {};
-  }
-  if (close == open + 1) {
-    mistake = Mistake{close, "the section has no name; write [NAME]"};
-    return {};
-  }
-  return line.substr(open + 1, close - open - 1);
-}
-
 std::optional<Mistake> MistakeInSection(std::string_view name, std::size_t at) {
   constexpr const char* kBlankProblem =
       "a blank within the brackets belongs to the section's name; write [NAME]";
@@ -81,9 +67,6 @@ std::optional<Mistake> MistakeInSection(std::string_view name, std::size_t at) {
   }
   if (kBlanks.find(name.back()) != std::string_view::npos) {
     return Mistake{at + name.size() - 1, kBlankProblem};
-  }
-  if (PathOf(name).empty()) {
-    return Mistake{at, "the section has no name; write [NAME]"};
   }
   return MistakeInName(name, at, "[]");
 }
@@ -110,19 +93,27 @@ class IniLines {
 
  private:
   std::optional<Mistake> CheckSection(std::string_view line, std::size_t open) {
-    std::optional<Mistake> mistake;
-    const std::string_view name = SectionIn(line, open, mistake);
-    if (!mistake) {
-      mistake = MistakeInSection(name, open + 1);
+    const std::size_t close = line.rfind(']');
+    if (close == std::string_view::npos) {
+      return Mistake{line.size(), "the section's name is not closed; write [NAME]"};
     }
+    const std::string_view name = line.substr(open + 1, close - open - 1);
     const std::string path = PathOf(name);
+    if (path.empty()) {
+      return Mistake{open + 1, "the section has no name; write [NAME]"};
+    }
+    if (auto mistake = MistakeInSection(name, open + 1)) {
+      return mistake;
+    }
     section_ = Folded(path);
     // Each section that this one lies in has a name, too.
-    for (std::size_t end = 0; !mistake && end < path.size();) {
+    for (std::size_t end = 0; end < path.size();) {
       end = std::min(path.find('\\', end + 1), path.size());
-      mistake = CheckSpelling(section_.substr(0, end), path.substr(0, end), open + 1);
+      if (auto mistake = CheckSpelling(section_.substr(0, end), path.substr(0, end), open + 1)) {
+        return mistake;
+      }
     }
-    return mistake;
+    return std::nullopt;
   }
 
   std::optional<Mistake> CheckItem(std::string_view line, std::size_t start) {

@@ -1,6 +1,12 @@
 #include "host/problem.h"
 
-std::string host::CurrentExceptionText() {
+namespace host {
+
+void FailAt(const std::string& file, int line, std::size_t column, const std::string& reason) {
+  throw Failure(file + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + reason);
+}
+
+std::string CurrentExceptionText() {
   try {
     throw;
   } catch (const std::exception& exception) {
@@ -9,3 +15,5 @@ std::string host::CurrentExceptionText() {
     return "something that is no std::exception";
   }
 }
+
+}  // namespace host

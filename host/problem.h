@@ -43,6 +43,9 @@ class Failure : public std::runtime_error {
   explicit Failure(const std::string& message) : std::runtime_error(EscapeControls(message)) {}
 };
 
+/// Throws a `Failure` that says where in a file, "FILE:LINE:COLUMN: reason"; both are counted from 1.
+[[noreturn]] void FailAt(const std::string& file, int line, std::size_t column, const std::string& reason);
+
 /// What the exception that is being handled says, whatever its type.
 std::string CurrentExceptionText();
 

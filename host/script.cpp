@@ -45,10 +45,6 @@ void RefuseForeignLine(const std::string& line) {
   }
 }
 
-[[noreturn]] void Fail(const std::string& name, int number, std::size_t column, const std::string& reason) {
-  throw Failure(name + ":" + std::to_string(number) + ":" + std::to_string(column) + ": " + reason);
-}
-
 }  // namespace
 
 void RunLine(Session& session, const std::string& line) {
@@ -70,9 +66,9 @@ void RunScript(Session& session, std::istream& input, const std::string& name) {
       RunLine(session, line);
       session.out.flush();
     } catch (const LineError& problem) {
-      Fail(name, number, problem.Column(), problem.Reason());
+      FailAt(name, number, problem.Column(), problem.Reason());
     } catch (const std::exception& problem) {
-      Fail(name, number, StartOf(line) + 1, problem.what());
+      FailAt(name, number, StartOf(line) + 1, problem.what());
     }
   }
   if (input.bad() || (&input == &std::cin && std::ferror(stdin) != 0)) {

@@ -51,10 +51,6 @@ void ProcessLine(Loader& loader, std::string_view line) {
   }
 }
 
-[[noreturn]] void Fail(const std::string& file, int line, std::size_t column, const std::string& reason) {
-  throw Failure(file + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + reason);
-}
-
 }  // namespace
 
 void ProcessSvcConf(Loader& loader, const std::string& file) {
@@ -63,14 +59,14 @@ void ProcessSvcConf(Loader& loader, const std::string& file) {
   for (std::string line; GetTextLine(stream, line);) {
     ++number;
     if (number == 1 && line.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) {
-      Fail(file, number, 1, kByteOrderMarkProblem);
+      FailAt(file, number, 1, kByteOrderMarkProblem);
     }
     try {
       ProcessLine(loader, line);
     } catch (const LineError& problem) {
-      Fail(file, number, problem.Column(), problem.Reason());
+      FailAt(file, number, problem.Column(), problem.Reason());
     } catch (const std::exception& problem) {
-      Fail(file, number, line.find_first_not_of(kBlanks) + 1, problem.what());
+      FailAt(file, number, line.find_first_not_of(kBlanks) + 1, problem.what());
     }
   }
   if (stream.bad()) {

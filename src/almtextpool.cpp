@@ -24,13 +24,16 @@ AlarmTextPool::Ref AlarmTextPool::Intern(std::string_view text) {
     throw std::bad_alloc();
   }
   const std::uint32_t hash = HashOf(text);
+  std::size_t slot = 0;
   if (!slots_.empty()) {
-    if (const Ref known = slots_[SlotOf(text, hash)].ref; known != 0) {
-      return known;
+    slot = SlotOf(text, hash);
+    if (slots_[slot].ref != 0) {
+      return slots_[slot].ref;
     }
   }
   if (4 * (size_ + 1) > 3 * slots_.size()) {
     Grow();
+    slot = SlotOf(text, hash);
   }
   // A piece is the text's length, then the text.
   const auto length = static_cast<std::uint32_t>(text.size());
@@ -38,7 +41,7 @@ AlarmTextPool::Ref AlarmTextPool::Intern(std::string_view text) {
   char* const piece = arena_.At(ref);
   std::memcpy(piece, &length, sizeof length);
   text.copy(piece + sizeof length, text.size());
-  slots_[SlotOf(text, hash)] = {hash, ref};
+  slots_[slot] = {hash, ref};
   ++size_;
   return ref;
 }
