@@ -8,14 +8,13 @@
 #include "framework/service_object_base.h"
 #include "framework/visibility.h"
 
-/// The framework's bundles, as far as an interface lookup looks at them.
+/// The framework's bundles, as far as an interface lookup uses them.
 ///
 /// Binary contract: an operation is called by its slot in the virtual table, counted from 1 with the two
-/// destructor entries included. What the framework keeps in the slots between is unknown here; reserved
-/// operations hold the places.
+/// destructor entries included. Reserved operations fill the slots whose framework operations are unknown.
 ///
-/// Ownership: bundles and service objects are the framework's; every pointer handed out is borrowed.
-/// Threads: any thread may ask.
+/// Ownership: bundles and service objects belong to the framework; returned pointers are borrowed.
+/// Threads: any.
 namespace NS_BUNDLEMGR1 {
 
 /// One loaded bundle.

@@ -7,8 +7,8 @@
 
 namespace NS_BUNDLEMGR1 {
 
-/// The framework's configuration directory, ending in a path separator: callers append to it without
-/// adding one. Empty when it is not known.
+/// The framework's configuration directory with a final path separator: callers append to it without adding
+/// one. Empty when it is unknown.
 PLATFORM_API std::string GetCfgDirPath();
 
 /// The process-wide store of configuration items. Any thread may read; a changed item is seen by the next
@@ -18,8 +18,8 @@ class PLATFORM_API CorbaConfigItems {
   /// The one store of the process; never null.
   static CorbaConfigItems* Instance();
 
-  /// Reads the integer item `name` into `value`. False when there is no such item or it is not an integer;
-  /// what `value` then holds is not defined.
+  /// Reads the integer item `name` into `value`. False, and `value` unspecified, when there is no such item
+  /// or it is not an integer.
   bool GetIntItemInfo(const std::string& name, int& value);
 };
 

@@ -14,26 +14,26 @@
 #include "framework/process_exception.h"
 #include "framework/service_interface.h"
 
-/// How one bundle finds another one's interface: by name in the registry, else by type among the service
-/// objects of the loaded bundles.
+/// How a bundle finds an interface: by name in the registry, otherwise by type among the service objects of
+/// the loaded bundles.
 namespace NS_BUNDLEMGR1 {
 
-/// What one lookup works on. Everything is borrowed.
+/// The arguments of one lookup. All pointers are borrowed.
 struct InterfaceRef {
-  /// The registry's buffer for the wanted name, from `CheckIFBuf`; null when the name has none. A lookup
-  /// that finds an interface elsewhere appends it here, so that the next one takes the fast path.
+  /// The registry's buffer for the name, from `CheckIFBuf`; null when the name has none. A lookup that finds
+  /// an interface elsewhere appends it, so that the next lookup takes the fast path.
   std::vector<ServiceInterface*>* buffer = nullptr;
 
   /// Serialises searches; in production always `_g_actualmutex`. Never null.
   ACE_Thread_Mutex* lock = nullptr;
 
-  /// The bundle to search; empty for every loaded bundle.
+  /// The bundle to search; empty to search every loaded bundle.
   std::string bundleName;
 
-  /// The service object to search in each bundle; empty for every one of them.
+  /// The service object to examine in each bundle; empty to examine all of them.
   std::string serviceName;
 
-  /// Where the caller keeps its null interface; carried along, not used by a lookup.
+  /// The caller's pointer to its null interface; a lookup does not use it.
   NULLServiceInterface** nullInterface = nullptr;
 };
 
@@ -56,7 +56,7 @@ inline void CopyTo(std::vector<ServiceInterface*>* out, const std::vector<Servic
 [[noreturn]] inline void ThrowNotExist() {
   InterfaceNotExistException missing;
   missing.code = kInterfaceNotExist;
-  // Thrown by its name, since its code is set before; streams may throw while copied.
+  // A named object, since its code must be set; copying its streams may throw.
   throw missing;  // NOLINT(cert-err09-cpp,cert-err60-cpp,cert-err61-cpp,misc-throw-by-value-catch-by-reference)
 }
 
@@ -76,10 +76,9 @@ T* InterfaceOf(ServiceObjectBase* object) {
   return object == nullptr ? nullptr : dynamic_cast<T*>(object->GetInterface());
 }
 
-/// Searches `bundles` in order. The first match goes into an empty buffer and the search goes on; a match
-/// that cannot be cached, because there is no buffer or it is filled by now, is returned at once. So with
-/// two matches and an empty buffer the first is cached and the second returned, which is kept as it is. Null
-/// when nothing was returned at once.
+/// Searches `bundles` in order. A match is appended to an empty buffer and the search continues; without a
+/// buffer, or with one that is not empty, the match is returned. Required: with an empty buffer and two
+/// matches the first is cached and the second is returned. Returns null when no match was returned.
 template <class T>
 T* Search(const std::list<Bundle*>& bundles, const std::string& serviceName,
           std::vector<ServiceInterface*>* buffer) {
@@ -102,7 +101,7 @@ template <class T>
 T* Fetch(InterfaceRef& ref, std::vector<ServiceInterface*>* out) {
   if (IsFilled(ref.buffer)) {
     CopyTo(out, *ref.buffer);
-    // Asked again, since no lock keeps the buffer as it was.
+    // Checked again: without the lock the buffer may have changed.
     if (IsFilled(ref.buffer)) return FirstOf<T>(*ref.buffer);
   }
   const std::list<Bundle*> bundles = BundlesToSearch(ref.bundleName);
@@ -117,17 +116,17 @@ T* Fetch(InterfaceRef& ref, std::vector<ServiceInterface*>* out) {
   }
   if (!IsFilled(ref.buffer)) ThrowNotExist();
   CopyTo(out, *ref.buffer);
+  if (!IsFilled(ref.buffer)) ThrowNotExist();
   return FirstOf<T>(*ref.buffer);
 }
 
-/// Ends the process the way an exception does that a function has not announced: through the handler
-/// that the process installed for it. Only an `InterfaceNotExistException` thrown by that handler may
-/// take the place of the original one.
+/// Ends the process as a violated exception specification does: calls the unexpected handler that the process
+/// installed. If the handler throws an `InterfaceNotExistException`, that exception reaches the caller.
 [[noreturn]] inline void EndThroughUnexpected() {
   try {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    std::unexpected();  // Deprecated with exception lists, but still the handler's only door.
+    std::unexpected();  // Deprecated, but nothing else calls the handler.
 #pragma GCC diagnostic pop
   } catch (InterfaceNotExistException&) {
     throw;
@@ -138,18 +137,18 @@ T* Fetch(InterfaceRef& ref, std::vector<ServiceInterface*>* out) {
 
 }  // namespace lookup_detail
 
-/// Finds an interface of type `T`, first in `ref.buffer` (no lock taken), then among the service objects
-/// of the bundles that `ref` names (under `ref.lock`).
+/// Finds an interface of type `T`, first in `ref.buffer` without a lock, then among the service objects of
+/// the bundles that `ref` names, under `ref.lock`.
 ///
-/// Returns the interface, borrowed; null when the lock cannot be taken or the buffer's first element is
-/// not a `T`, which callers treat like a missing interface. `out`, when given, receives a copy of the
-/// buffer whenever the result is taken from it; it is left alone when a search answers directly.
+/// Returns the interface, borrowed; null when the lock cannot be taken or the buffer's first element is not a
+/// `T`, which callers treat like a missing interface. `out`, if not null, receives a copy of the buffer when
+/// the result is taken from the buffer, and is unchanged when it is taken from the search.
 ///
-/// Throws `InterfaceNotExistException` when there is no such interface, and nothing else: any other
-/// exception on the way ends the process through the unexpected-exception handler.
-/// Threads: any, at the same time; at most one of several first lookups fills an empty buffer. The others
-/// look at the buffer without the lock meanwhile, so a platform whose first lookups may meet should hand out
-/// null instead of an empty buffer.
+/// Throws only `InterfaceNotExistException`, when there is no such interface. Any other exception ends the
+/// process through the unexpected-exception handler.
+/// Threads: any. At most one of several concurrent lookups fills an empty buffer, but the others read the
+/// buffer without the lock; a platform on which the first lookups may coincide should return null instead of
+/// an empty buffer.
 template <class T>
 T* FetchInterface(InterfaceRef& ref, std::vector<ServiceInterface*>* out = nullptr) {
   try {

@@ -10,14 +10,14 @@
 /// The platform's log service, registered in the interface registry as "LogSvcInterface".
 ///
 /// Binary contract: operations are called by their slot in the virtual table, counted from 1 with the two
-/// destructor entries included; reserved operations hold the places that are unknown here.
+/// destructor entries included. Reserved operations fill the slots whose framework operations are unknown.
 ///
 /// Texts are byte strings; `file` is a source unit's name, `func` a function's, `line` a source line,
-/// `level` a small number whose meaning is the service's own.
-/// Threads: any thread may log.
+/// `level` a small number whose meaning the service defines.
+/// Threads: any.
 namespace NS_LOG_SERVICE1 {
 
-/// Takes messages. Handed out by the log service.
+/// Writes messages. Obtained from the log service.
 class PLATFORM_API Logger {
  public:
   virtual ~Logger() = default;
@@ -30,8 +30,8 @@ class PLATFORM_API Logger {
   virtual int Log(const std::string& file, const std::string& func, int line, int level,
                   const std::string& message) = 0;
 
-  /// Slot 8. Writes one message from a printf format, NUL-terminated, and its values. A format that is
-  /// not well formed must do no harm.
+  /// Slot 8. Writes one message from a printf format, NUL-terminated, and its values. A malformed format must
+  /// be harmless.
   virtual int LogF(const std::string& file, const std::string& func, int line, int level, const char* format,
                    ...) = 0;
 };
@@ -43,12 +43,12 @@ class PLATFORM_API LogSvcInterface : public NS_BUNDLEMGR1::ServiceInterface {
   virtual void Reserved6() {}
 
   /// Slot 7. A logger for the three names (bundle, service and channel); null when there is none. It stays
-  /// usable for the life of the process; whether the caller may destroy it is the service's to say.
+  /// usable until the process ends; the service defines whether the caller may destroy it.
   virtual Logger* GetLogger(const std::string& bundle, const std::string& service,
                             const std::string& channel) = 0;
 };
 
-/// Where in the source a thread was when it last said so.
+/// A thread's debug position: the place in the source at which the thread last set it.
 struct PLATFORM_API PosForDbg {
   std::string file;       ///< source file name
   std::string func;       ///< function name

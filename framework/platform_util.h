@@ -21,8 +21,8 @@ PLATFORM_API std::string Num2Str(int number);
 namespace KelpGlobalUtils {
 
 /// Converts `input` from one code set to another and stores the result in `output`. Returns 0 when every
-/// character could be converted. Otherwise, and when a code set is unknown, what `output` holds is the
-/// platform's to say; an `output` that is left alone counts as "converted to nothing".
+/// character could be converted. Otherwise, and when a code set is unknown, the platform defines what
+/// `output` holds; callers use it as the result, even if it is empty.
 PLATFORM_API int KelpCodeSetConvert(const std::string& fromCode, const std::string& toCode,
                                     const std::string& input, std::string& output);
 
@@ -30,8 +30,8 @@ PLATFORM_API int KelpCodeSetConvert(const std::string& fromCode, const std::stri
 
 /// The bounds-checked formatter with the signature of C11 Annex K (ISO/IEC 9899:2011, K.3.5.3.6): writes
 /// at most `size` characters to `buffer`, the terminating NUL included, and returns the number written
-/// without it. Negative, and not 0 as there, when the text does not fit; negative, too, when it cannot be
-/// made.
+/// without it. Differs from Annex K: the result is negative, not 0, when the text does not fit or cannot be
+/// formatted.
 extern "C" PLATFORM_API int sprintf_s(char* buffer, std::size_t size, const char* format, ...)
     __attribute__((format(printf, 3, 4)));
 

@@ -11,15 +11,15 @@ namespace NS_BUNDLEMGR1 {
 
 /// The framework's base exception: two numbers and four texts. `what()` is the standard library's.
 ///
-/// Copying moves the readable text of all four streams out of the source, which is why the source is not
-/// constant. So throw a temporary or an object of its own, and catch by reference.
+/// Copying moves the readable text of all four streams out of the source, so the source is not constant:
+/// throw a temporary or a named object, and catch by reference.
 ///
-/// Threads: each object is used by one at a time.
+/// Threads: one thread at a time for each object.
 class PLATFORM_API ProcessException : public std::exception {
  public:
   ProcessException() = default;
 
-  /// Copies the numbers and takes the texts out of `other`, whose streams are empty afterwards.
+  /// Copies the numbers and moves the texts out of `other`, whose streams are then empty.
   ProcessException(ProcessException& other) : std::exception(other), code(other.code), detail(other.detail) {
     Drain(other.stream1, stream1);
     Drain(other.stream2, stream2);
@@ -31,7 +31,7 @@ class PLATFORM_API ProcessException : public std::exception {
   ~ProcessException() override = default;
 
   std::int32_t code = 0;      ///< which failure
-  std::int32_t detail = 0;    ///< a second number that belongs to it
+  std::int32_t detail = 0;    ///< a second number for the same failure
   std::stringstream stream1;  ///< the first text
   std::stringstream stream2;  ///< the second text
   std::stringstream stream3;  ///< the third text
@@ -40,7 +40,7 @@ class PLATFORM_API ProcessException : public std::exception {
  private:
   static void Drain(std::stringstream& from, std::stringstream& to) {
     to << from.rdbuf();
-    // Inserting from an empty buffer counts as a failure; the new stream must be usable all the same.
+    // Inserting from an empty buffer sets failbit; the new stream must be usable.
     to.clear();
   }
 };

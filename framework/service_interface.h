@@ -13,29 +13,29 @@ namespace NS_BUNDLEMGR1 {
 /// Binary contract: the slots are destructor (two entries), `GetSvcName`, `IsValid`; a derived interface
 /// appends its own operations. Nothing here may be reordered.
 ///
-/// Ownership: the service object that created an interface keeps it; whoever fetched it from the
-/// registry only borrows it, and no longer than the bundle stays loaded.
-/// Threads: a derived interface says what its operations allow; these two may be called from any thread.
+/// Ownership: an interface belongs to the service object that created it. Callers borrow it from the
+/// registry, at most until the bundle is unloaded.
+/// Threads: these two operations from any thread; a derived interface documents its own.
 class PLATFORM_API ServiceInterface {
  public:
   virtual ~ServiceInterface() = default;
 
-  /// The name of the service behind the interface, for people and logs; not the name it is registered by.
+  /// The name of the service, for people and logs; not the name under which the interface is registered.
   virtual std::string GetSvcName() = 0;
 
-  /// 1 for an interface that does its work, 0 for one that only fills a place.
+  /// 1 for a working interface, 0 for a null interface.
   virtual std::int64_t IsValid() = 0;
 };
 
 /// Forbids derivation from the class that inherits it virtually: the most derived class would have to
-/// construct this base, and only the befriended class may.
+/// construct this base, and only the friend class may.
 class PLATFORM_API FinalClass {
  private:
   friend class NULLServiceInterface;
   FinalClass() = default;
 };
 
-/// The interface that stands for "none". It has no state, so every instance is as good as another.
+/// The null interface: the placeholder for a missing interface. It has no state.
 class PLATFORM_API NULLServiceInterface : public ServiceInterface, private virtual FinalClass {
  public:
   NULLServiceInterface() = default;

@@ -8,32 +8,32 @@
 
 namespace NS_BUNDLEMGR1 {
 
-/// The base of every service object that a bundle's factory makes.
+/// The base of the service objects that bundles' factories return.
 ///
-/// ACE's service configurator drives the object (`init`, `fini`, then destruction through the bundle's
-/// exterminator); the framework finds it among its bundle's service objects from construction to
-/// destruction and asks it for the interface it publishes.
+/// ACE's service configurator calls `init` and `fini` and destroys the object through the bundle's
+/// exterminator. From construction to destruction the framework lists it among its bundle's service objects
+/// and calls `GetInterface` on it.
 ///
-/// Binary contract: behind the destructor pair, the 19 operations of `ACE_Event_Handler` and
-/// `suspend`/`resume` of `ACE_Service_Object`, the own virtual operations follow in the order below.
+/// Binary contract: after the destructor pair, the 19 operations of `ACE_Event_Handler` and
+/// `suspend`/`resume` of `ACE_Service_Object`, this class's virtual operations follow in the order below.
 ///
 /// Ownership: the object owns the interface it points to, until `RemoveInterface` destroys it.
 /// Threads: the framework constructs, drives and destroys service objects one at a time. `GetName` and
-/// `GetInterface` may be called from any thread in between.
+/// `GetInterface` may be called from any thread between construction and destruction.
 class PLATFORM_API ServiceObjectBase : public ACE_Service_Object {
  public:
-  /// `bundle` and `service` are NUL-terminated names that must stay readable for the object's life; they
-  /// are kept as pointers. From here on the framework lists the object as `service` of `bundle`.
+  /// `bundle` and `service` are NUL-terminated names that must outlive the object; only the pointers are
+  /// stored. From here on the framework lists the object as `service` of `bundle`.
   ServiceObjectBase(const char* bundle, const char* service);
 
-  /// Withdraws what is still published (see `UnRegistSvc`) and removes the interface.
+  /// Calls `UnRegistSvc` if the object is still listed, and removes the interface.
   ~ServiceObjectBase() override;
 
   ServiceObjectBase(const ServiceObjectBase&) = delete;
   ServiceObjectBase& operator=(const ServiceObjectBase&) = delete;
 
-  /// Takes the object off its bundle's list and its interface out of the interface registry, so that
-  /// nobody finds either of them any more. 0 when it was listed, -1 when it was not.
+  /// Removes the object from its bundle's list and its interface from the interface registry. Returns 0, or
+  /// -1 when it was not listed.
   virtual int UnRegistSvc();
 
   /// The service name given at construction.
@@ -45,15 +45,14 @@ class PLATFORM_API ServiceObjectBase : public ACE_Service_Object {
   /// The interface that the object publishes; null when it has none.
   virtual ServiceInterface* GetInterface();
 
-  /// Makes the object's interface, keeps it and returns it; registers nothing. Null here, where there is
-  /// nothing to make.
+  /// Makes the object's interface, stores it and returns it; registers nothing. The base returns null.
   virtual ServiceInterface* CreateInterface();
 
-  /// Destroys the interface, if there is one, and forgets it.
+  /// Destroys the interface, if there is one, and sets the pointer to null.
   virtual void RemoveInterface();
 
  protected:
-  /// The interface that `GetInterface` hands out and `RemoveInterface` destroys; null at first.
+  /// The interface that `GetInterface` returns and `RemoveInterface` destroys; null at first.
   ServiceInterface* interface_ = nullptr;
 
  private:

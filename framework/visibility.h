@@ -3,10 +3,9 @@
 
 /// Marks a type or function that crosses library borders.
 ///
-/// The libraries of this project are compiled with hidden visibility. A type that one library creates
-/// and another one casts, or throws and catches, needs one identity in the whole process; a function
-/// that a provider of the platform supplies must be found by the bundle's dynamic linker. Both carry
-/// this mark. (A macro, because an attribute cannot be spelled any other way.)
+/// The libraries of this project are compiled with hidden visibility. Types that one library creates and
+/// another casts or catches must have default visibility, and so must functions that the dynamic linker
+/// resolves between libraries. It is a macro because C++ cannot name an attribute in another way.
 #define PLATFORM_API __attribute__((visibility("default")))
 
 #endif  // FRAMEWORK_VISIBILITY_H_

@@ -11,90 +11,90 @@
 
 /// The interface that other bundles fetch by the name "AsciiUtilInterface".
 ///
-/// Texts are byte strings; no encoding is assumed. "White space" that is trimmed is exactly blank, tab,
-/// line feed and carriage return. "Out" marks what an operation writes.
+/// Texts are byte strings; no encoding is assumed. "White space" that is trimmed is exactly blank, tab, line
+/// feed and carriage return. "Out" marks what an operation writes. "Required" marks behaviour that may look
+/// wrong and that existing callers depend on.
 namespace NS_ASCII {
 
-/// A name's list of items, for every name of a text of name=item|item entries. Owned by the caller.
+/// The list of items of each name in a text of name=item|item entries. Owned by the caller.
 using ListMap = std::map<std::string, std::vector<std::string>>;
 
-/// String work and the alarm configuration, for the parts of a text alarm agent.
+/// String operations and lookups in the alarm configuration, for the bundles of a text alarm agent.
 ///
-/// Binary contract: callers are built against the slots, so the operations keep exactly this order
+/// Binary contract: callers call operations by slot, so the operations keep exactly this order
 /// (`GetSvcName` and `IsValid` of the base are slots 3 and 4); new ones may only be appended.
 ///
-/// Ownership: the interface belongs to the service object that registered it. A caller borrows it and
-/// drops it before the bundle is unloaded.
+/// Ownership: the interface belongs to the service object that registered it. A caller borrows it and must
+/// not use it after the bundle is unloaded.
 /// Threads: the interface has no state. Every operation may be called from any thread at any time, also
-/// while the configuration is being loaded; maps and lists passed in are the caller's own to protect.
-/// Errors: bad input is answered, never thrown. Exhausted memory throws `std::bad_alloc` (but ends the
-/// process while the log service is searched for), and what the platform or its logger throws reaches the
-/// caller. A list or map that was being filled (slots 13 and 15) then keeps what it has, every other out
-/// value is left alone.
+/// while the configuration is being loaded; the caller synchronizes access to the maps and lists it passes.
+/// Errors: bad input never throws. Exhausted memory throws `std::bad_alloc`, or ends the process if it occurs
+/// while the log service is looked up. Exceptions of the platform and its logger reach the caller. A list or
+/// map that was being filled (slots 13 and 15) then keeps what was added; every other out value is unchanged.
 class PLATFORM_API AsciiUtilInterface : public NS_BUNDLEMGR1::ServiceInterface {
  public:
-  /// Slot 5. Reads `text`, up to its first NUL, as an integer with `strtol` in `base` (0 or 2 to 36).
-  /// `value` (out, always written) receives the low 32 bits of what could be read, 0 when nothing could.
-  /// True when all of the text was read, so leading white space and a sign are fine, anything behind the
-  /// number is not. An empty text is true with 0. A number beyond 32 bits is true with its low bits, one
-  /// beyond a `long` with those of the nearest `long` (-1 or 0). Another base reads nothing.
+  /// Slot 5. Reads `text`, up to its first NUL, as an integer with `strtol` in `base` (0 or 2 to 36). `value`
+  /// (out, always written) receives the low 32 bits of what could be read, 0 when nothing could. True when
+  /// all of the text was read: leading white space and a sign are accepted, anything after the number is not.
+  /// An empty text is true with 0. A number beyond 32 bits is true with its low bits, one beyond a `long`
+  /// with those of the nearest `long` (-1 or 0). With any other base nothing is read.
   virtual bool Str2Num(const std::string& text, int& value, int base) = 0;
 
   /// Slot 6. The present time in UTC as "2026-11-15T09:11:44", the calendar form of ISO 8601, always 19
-  /// characters; a year below 1000 is padded with blanks. Empty when the clock cannot be written so, as
-  /// from the year 10000 on.
+  /// characters; a year below 1000 is padded with blanks. Empty when the time does not fit this form, as from
+  /// the year 10000 on.
   virtual std::string GetTimeStamp() = 0;
 
   /// Slot 7. Whether the operator-specific translation applies: true when the integer configuration item
-  /// "IsTransQuelt" is 1 or cannot be read, false for every other value. Asked afresh on every call, and
-  /// every call logs its decision.
+  /// "IsTransQuelt" is 1 or cannot be read, false for every other value. Every call reads the item and logs
+  /// its decision.
   virtual bool IsTransQueltEnabled() = 0;
 
-  /// Slot 8. The configured integer for columns 1, 2 and 3 and the integer of column 4. Returns 0 and
-  /// writes `value` (out) when the configured text is a base-10 integer, as by `Str2Num`; returns 1 and
-  /// leaves `value` alone when it is not. Column 4 must be the decimal text of `numKey`: "07" is never found.
-  /// A key that no line serves is no failure: it answers 0, value 0.
+  /// Slot 8. The configured integer for columns 1, 2 and 3 and the integer of column 4. Returns 0 and writes
+  /// `value` (out) when `Str2Num` reads all of the configured text in base 10; returns 1 and leaves `value`
+  /// unchanged when it does not. Column 4 must be the decimal text of `numKey`: "07" is never found.
+  /// Required: for a key that is not configured it returns 0 and writes 0.
   virtual std::int64_t GetAlmCfgValue(std::int64_t& value, const std::string& key1, const std::string& key2,
                                       const std::string& key3, const int& numKey) = 0;
 
-  /// Slot 9. A copy of `text` in upper case, byte by byte as the locale has it that is in force for the
-  /// calling thread. Bytes count as signed: 0xFF is no character then and stays.
+  /// Slot 9. A copy of `text` in upper case, byte by byte in the calling thread's locale. Bytes are taken as
+  /// signed values, so 0xFF never changes.
   virtual std::string ToUpper(const std::string& text) = 0;
 
-  /// Slot 10. Whether `text` holds `sub`. An empty `sub`, and one that starts with NUL, is in no text.
+  /// Slot 10. Whether `text` contains `sub`. False when `sub` is empty or starts with NUL.
   virtual bool IsContain(const std::string& sub, const std::string& text) = 0;
 
-  /// Slot 11. Whether `GetKeyValue` of the same arguments starts with a base-10 number that is above 1 when
-  /// read by `Str2Num`, so cut to 32 bits; what follows the number does not matter. False when the key is
+  /// Slot 11. Whether `GetKeyValue` of the same arguments starts with a base-10 number above 1. `Str2Num`
+  /// reads the number and keeps its low 32 bits; text after the number is ignored. False when the key is
   /// missing.
   virtual bool IsKeyValueAboveOne(const std::string& key, const std::string& text) = 0;
 
   /// Slot 12. The value of `key` in a text of comma-separated key=value pairs; empty when there is none.
   /// Pairs are trimmed, but blanks next to the "=" belong to the key or the value. The first matching pair
-  /// wins, and the value runs to the end of its pair. A value that is empty or starts with a NUL is answered
-  /// with the whole rest of the text (",B=2" for A in "A=,B=2"); callers depend on it. Keys are compared up
-  /// to their first NUL.
+  /// wins, and the value runs to the end of its pair. Required: for a value that is empty or starts with a
+  /// NUL the result is the whole rest of the text, its right end trimmed (",B=2" for A in "A=,B=2 "). Keys
+  /// are compared up to their first NUL.
   virtual std::string GetKeyValue(const std::string& key, const std::string& text) = 0;
 
   /// Slot 13. Fills `map` (out, emptied first) from comma-separated entries name=item|item. Items of the
-  /// entry named "PATH" are separated by "-" instead. Entries and items are trimmed, names only at their
-  /// outer end; the first of several entries of one name stays. An entry without "=" counts as the empty
-  /// name with one empty item. Always 0.
+  /// entry named "PATH" are separated by "-" instead. Entries and items are trimmed; blanks between a name
+  /// and its "=" are kept. Of several entries with one name the first is kept. An entry without "=" counts as
+  /// the empty name with one empty item. Always 0.
   virtual std::int64_t ParseListMap(ListMap& map, const std::string& text) = 0;
 
   /// Slot 14. Copies the list of `name` into `items` (out, replaced) and returns 0; returns 1 and leaves
-  /// `items` alone when the map has no such name or its list is empty.
+  /// `items` unchanged when the map has no such name or its list is empty.
   virtual std::int64_t GetMapList(const ListMap& map, const std::string& name,
                                   std::vector<std::string>& items) = 0;
 
   /// Slot 15. Appends the pieces of `text` between the occurrences of `separator`, each trimmed, empty
   /// ones included, to `pieces` (out, not emptied first). Always 0.
-  /// `separator` must not be empty: the call would then never end, appending until memory runs out.
+  /// `separator` must not be empty: the call would never return, appending until memory runs out.
   virtual std::int64_t SplitStr(const std::string& text, const std::string& separator,
                                 std::vector<std::string>& pieces) = 0;
 
-  /// Slot 16. Logs `message` at level 0 with the calling thread's debug position, which nothing sets: file
-  /// and function are empty and the line is 0. Always 0, logged or not.
+  /// Slot 16. Logs `message` at level 0 with the calling thread's debug position. No operation sets the
+  /// position, so file and function are empty and the line is 0. Returns 0, even if the message is dropped.
   virtual std::int64_t WriteDbgLog(const std::string& message) = 0;
 };
 

@@ -7,16 +7,16 @@
 
 /// Text functions that other libraries link against.
 ///
-/// Texts are byte strings, embedded NULs included. The signatures are part of the binary contract, also
-/// where one takes its text by value and another by reference.
-/// Threads: none keeps state; any thread may call any of them. The case functions read the locale that is
-/// in force for the calling thread.
-/// Errors: none on bad input. Exhausted memory throws `std::bad_alloc`; what the platform's converter throws
-/// reaches the caller.
+/// Texts are byte strings, embedded NULs included. The signatures are part of the binary contract: `Trim`
+/// takes its text by reference, the other functions by value. "Required" marks behaviour that may look wrong
+/// and that existing callers depend on.
+/// Threads: any; no function keeps state. The case functions use the calling thread's locale.
+/// Errors: none on bad input. Exhausted memory throws `std::bad_alloc`; exceptions of the platform's
+/// converter reach the caller.
 namespace NS_ASCII {
 
 /// A copy of `text` without leading and trailing blank, tab, line feed and carriage return. Vertical tab
-/// and form feed are no white space here: a line that ends in a form feed keeps it.
+/// and form feed are not removed.
 [[nodiscard]] PLATFORM_API std::string Trim(const std::string& text);
 
 /// `text` with every byte passed through the C library's `toupper`, as an unsigned value.
@@ -28,17 +28,18 @@ namespace NS_ASCII {
 /// The decimal text of `number`: no padding, no plus sign, no grouping.
 [[nodiscard]] PLATFORM_API std::string Num2Str(int number);
 
-/// Converts `text` from UTF-8 to ISO-8859-1 with the platform's converter and returns what that leaves,
-/// whatever it reports: characters outside ISO-8859-1 and malformed bytes are its business.
+/// Converts `text` from UTF-8 to ISO-8859-1 with the platform's converter and returns its output, whatever
+/// result it reports. How characters outside ISO-8859-1 and malformed bytes are converted is up to the
+/// platform.
 [[nodiscard]] PLATFORM_API std::string utf8toiso8859(std::string text);
 
 /// Converts `text` to ISO-8859-1 and percent-encodes it in the manner of web forms.
 ///
 /// Letters, digits and `-._*` stay, a space becomes '+', every other byte becomes '%' and its value in
 /// lower-case hexadecimal **without a leading zero** ("%9" for tab). Differs from RFC 3986 and from HTML
-/// forms in that, and in how line ends come out: CR LF gives "%0d%0a", and so does a LF before another
-/// escape or at the end; a LF before a plain character stays "%a", a lone CR "%d". A CR before a byte 0xA0 to
-/// 0xAF is taken for the same thing ("%0d%0a9" for CR, 0xA9). Decoders depend on all of it.
+/// forms in that, and in the encoding of line ends: CR LF gives "%0d%0a", and so does a LF before another
+/// escape or at the end; a LF before a plain character gives "%a", a lone CR "%d". Required: a CR before a
+/// byte 0xA0 to 0xAF is encoded like one before LF ("%0d%0a9" for CR, 0xA9).
 [[nodiscard]] PLATFORM_API std::string GetURLEncoding(std::string text);
 
 /// Decodes '+' to space and percent escapes to bytes; converts no code set.

@@ -3,8 +3,10 @@
 #include <ace/Thread_Mutex.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <exception>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -14,7 +16,7 @@
 #include "tests/counters_at_abort.h"
 #include "tests/recording_fixture.h"
 
-// The handler that the process may install for exceptions nobody announced is a thing of old C++.
+// The handler of unexpected exceptions is deprecated; these tests install one.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace {
@@ -31,7 +33,32 @@ using recording::OtherInterface;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// A service object with an interface of the test's choice, or none.
+/// The next allocation after this buffer was filled empties it, as if another thread did so.
+std::vector<ServiceInterface*>* emptiedByNextAllocation = nullptr;
+
+}  // namespace
+
+// Not inlined: the compiler would otherwise warn about a mismatched pair of new and delete.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+  if (emptiedByNextAllocation != nullptr && !emptiedByNextAllocation->empty()) {
+    emptiedByNextAllocation->clear();
+    emptiedByNextAllocation = nullptr;
+  }
+  if (void* const piece = std::malloc(size); piece != nullptr) {
+    return piece;
+  }
+  throw std::bad_alloc();
+}
+// ACE allocates with this form and frees with the plain one; both must use the same heap.
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return std::malloc(size);
+}
+[[gnu::noinline]] void operator delete(void* piece) noexcept { std::free(piece); }
+[[gnu::noinline]] void operator delete(void* piece, std::size_t) noexcept { std::free(piece); }
+
+namespace {
+
+/// A service object with the interface that the test gives it, or none.
 class ServiceObject : public ServiceObjectBase {
  public:
   explicit ServiceObject(ServiceInterface* interface = nullptr) : ServiceObjectBase("bundle", "service") {
@@ -65,7 +92,7 @@ class FetchInterfaceTest : public recording::FrameworkTest {
     return 0;
   }
 
-  /// A service object with a log service behind it, which it owns.
+  /// A service object whose interface is a log service, which it owns.
   ServiceObject* NewLogObject() { return Keep(new LogService); }
   ServiceObject* Keep(ServiceInterface* interface) {
     objects.push_back(std::make_unique<ServiceObject>(interface));
@@ -151,7 +178,7 @@ TEST_F(FetchInterfaceSearch, CachesTheOnlyMatchInAnEmptyBufferAndReturnsIt) {
   EXPECT_THAT(framework.Calls(), IsEmpty());
 }
 
-// The first match is cached and the second returned in its place; kept as it is.
+// Required: the first match is cached and the second is returned.
 TEST_F(FetchInterfaceSearch, CachesTheFirstOfTwoMatchesAndReturnsTheSecond) {
   ServiceObject* const one = NewLogObject();
   ServiceObject* const two = NewLogObject();
@@ -200,6 +227,17 @@ TEST_F(FetchInterfaceSearch, ThrowsWhenNothingMatches) {
   std::vector<ServiceInterface*> out(1);
   EXPECT_EQ(CodeThrown(&out), 0x41180004);
   EXPECT_THAT(buffer, IsEmpty());
+  EXPECT_EQ(out.size(), 1U);
+}
+
+TEST_F(FetchInterfaceSearch, ThrowsWhenTheBufferIsEmptyAgainAfterItWasCopied) {
+  first.objects["log"] = NewLogObject();
+  framework.bundles = {&first};
+  ref.buffer = &buffer;
+  std::vector<ServiceInterface*> out;
+  emptiedByNextAllocation = &buffer;
+  EXPECT_EQ(CodeThrown(&out), 0x41180004);
+  EXPECT_EQ(emptiedByNextAllocation, nullptr);
   EXPECT_EQ(out.size(), 1U);
 }
 
@@ -268,7 +306,7 @@ TEST_F(FetchInterfaceSearch, ReturnsNullWhenTheLockCannotBeTaken) {
   EXPECT_THAT(framework.Calls(), ElementsAre("GetAllBundles() [mutex held]"));
 }
 
-// Somebody else may have filled the buffer between the first look at it and the lock.
+// Another thread may fill the buffer between the first check and the lock.
 TEST_F(FetchInterfaceSearch, LooksAtTheBufferAgainUnderTheLock) {
   LogService other;
   first.objects["log"] = NewLogObject();
@@ -287,7 +325,7 @@ TEST_F(FetchInterfaceSearch, AnswersSeveralThreadsAtOnce) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&] {
-      // The buffer itself is read without a lock on the fast path, so each thread begins behind it.
+      // The fast path reads the buffer without a lock, so each thread starts after it, with an empty buffer.
       std::vector<ServiceInterface*> empty;
       InterfaceRef own;
       own.buffer = &empty;

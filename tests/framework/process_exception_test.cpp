@@ -28,7 +28,7 @@ TEST(ProcessException, GivesTheStandardLibrarysText) {
   EXPECT_STREQ(InterfaceNotExistException().what(), "std::exception");
 }
 
-// That is why the source of a copy is not constant.
+// Copying changes its source, so the source is not constant.
 TEST(ProcessException, CopyMovesTheTextsOutOfItsSource) {
   ProcessException source;
   source.code = 5;
