@@ -1,5 +1,5 @@
-#ifndef SRC_STRFUNCTIONS_H_
-#define SRC_STRFUNCTIONS_H_
+#ifndef SRC_TEXT_STRFUNCTIONS_H_
+#define SRC_TEXT_STRFUNCTIONS_H_
 
 #include <algorithm>
 #include <string>
@@ -8,11 +8,10 @@
 
 #include "ascii_util/text_functions.h"
 
-/// The trimming rule of the whole library, in the forms that its units use, and what else they share about
-/// texts. Pure functions.
+/// Text functions that several units use. Any thread may call them; only `StrToUpperSigned` uses the locale.
 namespace NS_ASCII {
 
-/// What is trimmed: blank, tab, line feed, carriage return, and nothing else.
+/// Whether trimming removes `c`: blank, tab, line feed or carriage return.
 constexpr bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 /// A copy of `text` without its leading blanks.
@@ -21,17 +20,15 @@ std::string TrimLeft(const std::string& text);
 /// A copy of `text` without its trailing blanks.
 std::string TrimRight(const std::string& text);
 
-/// Whether `text` is itself one of the strings of `list`, so that appending to the list may move it away.
-bool IsElementOf(const std::string& text, const std::vector<std::string>& list);
-
-/// The part of `text` that `TrimLeft` would copy. It looks into `text` and lives no longer. This and the next
-/// two are for texts that have few blanks, as most have.
+/// A view into `text` without its leading blanks.
 inline std::string_view TrimLeftView(std::string_view text) {
-  const char* const first = std::find_if_not(text.begin(), text.end(), IsBlank);
-  return {first, static_cast<std::size_t>(text.end() - first)};
+  while (!text.empty() && IsBlank(text.front())) {
+    text.remove_prefix(1);
+  }
+  return text;
 }
 
-/// The same for `TrimRight`.
+/// A view into `text` without its trailing blanks.
 inline std::string_view TrimRightView(std::string_view text) {
   while (!text.empty() && IsBlank(text.back())) {
     text.remove_suffix(1);
@@ -39,12 +36,16 @@ inline std::string_view TrimRightView(std::string_view text) {
   return text;
 }
 
-/// The same for `Trim`.
+/// A view into `text` without its leading and trailing blanks.
 inline std::string_view TrimView(std::string_view text) { return TrimRightView(TrimLeftView(text)); }
 
-/// How many characters of `text` are `wanted`.
-std::size_t CountOf(char wanted, std::string_view text);
+/// `text` in upper case, each byte passed to the C library as a signed value. `StrToUpper` passes unsigned
+/// ones; in a few locales the two differ for byte 0xFF.
+std::string StrToUpperSigned(std::string text);
+
+/// Whether `text` is an element of `list`, which appending to the list may move.
+bool IsElementOf(const std::string& text, const std::vector<std::string>& list);
 
 }  // namespace NS_ASCII
 
-#endif  // SRC_STRFUNCTIONS_H_
+#endif  // SRC_TEXT_STRFUNCTIONS_H_

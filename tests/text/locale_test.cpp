@@ -6,14 +6,14 @@
 #include <vector>
 
 #include "ascii_util/text_functions.h"
-#include "src/asciiutilifimpl.h"
+#include "src/interface/asciiutilifimpl.h"
 
-// Case mapping follows the locale in force, byte by byte, whatever shortcuts are taken for long texts. The
-// locales are made when the tests are built (see CMakeLists.txt) and found through LOCPATH.
+// Case mapping follows the current locale, byte by byte, also where long texts take a fast path. The locales
+// are made when the tests are built (see CMakeLists.txt) and found through LOCPATH.
 
 namespace {
 
-/// Puts the process in a locale for a test's life.
+/// Sets the process's locale for the time of a test.
 class InLocale {
  public:
   explicit InLocale(const char* name) : found_(std::setlocale(LC_ALL, name) != nullptr) {}
@@ -50,8 +50,8 @@ std::string LiteralStrToLower(std::string text) {
   return text;
 }
 
-/// A text of each byte alone, one long text of all bytes, and for each byte a long text that is ASCII but for
-/// it.
+/// A text of each byte alone, one long text of all bytes, and for each byte a long text that is otherwise
+/// ASCII.
 std::vector<std::string> Texts() {
   std::vector<std::string> texts(1);
   for (int byte = 0; byte < 256; ++byte) {
@@ -81,8 +81,8 @@ INSTANTIATE_TEST_SUITE_P(All, Locale,
                                          "de_DE.ISO-8859-15", "C.UTF-8"));
 
 TEST(CaseOfTheLastByte, IsMappedByTheFunctionsButNotByToUpper) {
-  // 0xFF is a small letter in this code set. As a signed character it is -1, which the C library takes for no
-  // character at all.
+  // 0xFF is a small letter in this code set. As a signed character it is -1, which the C library reads as the
+  // end of a file.
   const InLocale locale("ru_RU.CP1251");
   ASSERT_TRUE(locale.found());
   NS_ASCII::AsciiUtilInterfaceImpl impl;

@@ -1,4 +1,4 @@
-#include "src/urlcodec.h"
+#include "src/text/urlcodec.h"
 
 #include <string>
 
@@ -77,7 +77,7 @@ TEST_F(GetUrlEncoding, KeepsLettersDigitsAndFourMarks) {
   EXPECT_EQ(GetURLEncoding("!'():"), "%21%27%28%29%3a");
 }
 
-// Decoders on the other side read one digit as well as two.
+// Required: receivers decode one digit as well as two.
 TEST_F(GetUrlEncoding, WritesSmallValuesWithoutALeadingZero) {
   EXPECT_EQ(GetURLEncoding("x\ty"), "x%9y");
   EXPECT_EQ(GetURLEncoding("a\x01z"), "a%1z");
@@ -96,7 +96,7 @@ TEST_F(GetUrlEncoding, WritesLineEndsAsCarriageReturnAndLineFeed) {
   EXPECT_EQ(GetURLEncoding("\r\n"), "%0d%0a");
 }
 
-// Text replacement over finished escapes once did this; receivers know it.
+// Required: the encoder once replaced text in finished escapes; receivers expect the result.
 TEST_F(GetUrlEncoding, LeavesALineFeedBeforeAPlainCharacterAndALoneCarriageReturn) {
   EXPECT_EQ(GetURLEncoding("a\nb"), "a%ab");
   EXPECT_EQ(GetURLEncoding("a\n b"), "a%a+b");
@@ -107,7 +107,7 @@ TEST_F(GetUrlEncoding, LeavesALineFeedBeforeAPlainCharacterAndALoneCarriageRetur
 
 TEST_F(GetUrlEncoding, EncodesACharacterOfIso8859AsOneByte) { EXPECT_EQ(GetURLEncoding("\xC3\xA9"), "%e9"); }
 
-// The escape of U+00A9 starts with "%a", and so the carriage return takes it for a line feed.
+// Required: the escape of U+00A9 starts with "%a", so the carriage return is encoded as before a line feed.
 TEST_F(GetUrlEncoding, TakesTheEscapeBehindACarriageReturnForALineFeed) {
   EXPECT_EQ(GetURLEncoding("\r\xC2\xA9"), "%0d%0a9");
   framework.convert = recording::CopyThrough;
@@ -152,7 +152,7 @@ TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnRandomTexts) {
   }
 }
 
-// Runs of plain characters may be encoded in another way than single ones.
+// Runs of plain characters may take another path than single ones.
 TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnLongTextsWithFewEscapes) {
   framework.SetRecording(false);
   framework.convert = recording::CopyThrough;
@@ -167,7 +167,7 @@ TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnLongTextsWithFewEscapes) {
   }
 }
 
-// Texts are worked on in runs and blocks, whose ends must not show.
+// The result must not depend on where runs and blocks of the text end.
 TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnLongTexts) {
   framework.SetRecording(false);
   framework.convert = recording::CopyThrough;
@@ -193,7 +193,8 @@ TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnEveryByteWhereverItStandsInAPla
   }
 }
 
-// One text for each pair of plain characters, all others between them to be escaped or of one plain kind.
+// One text for each pair of plain characters; the characters between them are all escaped or of one plain
+// kind.
 TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleBetweenPlainCharacters) {
   framework.SetRecording(false);
   framework.convert = recording::CopyThrough;
@@ -222,11 +223,11 @@ TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleAroundItsBlocks) {
       }
     }
   }
-  for (const char c : {'\n', '\xFF'}) {  // Everything escaped, in several blocks.
+  for (const char c : {'\n', '\xFF'}) {  // Every byte escaped, in several blocks.
     const std::string text(5000, c);
     ASSERT_EQ(GetURLEncoding(text), literal::EncodeLatin1(text));
   }
-  const std::string longest = std::string(1023, '\n') + "\r\xA5";  // No block becomes longer.
+  const std::string longest = std::string(1023, '\n') + "\r\xA5";  // The longest code of a block.
   EXPECT_EQ(GetURLEncoding(longest), literal::EncodeLatin1(longest));
 }
 
@@ -243,14 +244,14 @@ TEST_F(GetUrlDecoding, DecodesPlusAndEscapes) {
   EXPECT_EQ(GetURLDecoding(""), "");
 }
 
-// The two characters behind a '%' are always consumed, also when the second one is no digit.
+// The two characters after a '%' are always consumed, also when the second is not a digit.
 TEST_F(GetUrlDecoding, DropsTheCharacterBehindAOneDigitEscape) {
   EXPECT_EQ(GetURLDecoding("x%9y"), "x\t");
   EXPECT_EQ(GetURLDecoding("x%9yz"), "x\tz");
   EXPECT_EQ(GetURLDecoding("%ax"), "\n");
 }
 
-// So what was encoded from "a\nb" does not come back.
+// So decoding the encoded "a\nb" does not give "a\nb".
 TEST_F(GetUrlDecoding, ReadsAFollowingHexDigitAsTheSecondDigit) {
   EXPECT_EQ(GetURLDecoding("a%ab"), "a\xAB");
   EXPECT_EQ(GetURLDecoding(GetURLEncoding("a\nb")), "a\xAB");
@@ -290,8 +291,8 @@ TEST_F(GetUrlDecoding, ConvertsNoCodeSet) {
   EXPECT_THAT(framework.Calls(), IsEmpty());
 }
 
-/// What the decoder must make of "%41%ESCAPE": 'A', then the byte that a stream extracts into a holder with
-/// 0x41 in it, and then nothing, as both characters are consumed.
+/// The expected decoding of "%41%ESCAPE": 'A', then the byte that a stream extracts into a variable that
+/// holds 0x41, and then nothing, as both characters are consumed.
 std::string ByExtraction(const std::string& escape) {
   int value = 0x41;
   literal::ExtractHex(escape, value);
@@ -313,7 +314,7 @@ TEST_F(GetUrlDecoding, ExtractsAll65793EscapeTextsAsAStreamDoes) {
     ++texts;
     const std::size_t percent = escape.find('%');
     if (percent == std::string::npos) {
-      // The '%' behind it lets the empty escape text be one, too; at the very end it stands for nothing.
+      // The '%' after it makes the empty escape text an escape too; a '%' at the very end is dropped.
       ASSERT_EQ(GetURLDecoding("%41%" + escape + '%'), ByExtraction(WithoutPlus(escape)))
           << recording::Quoted(escape);
     }
@@ -365,7 +366,7 @@ TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleOnLongTexts) {
   }
 }
 
-// An escape may begin in one stretch of the text and end in the next, or with the text.
+// An escape may begin in one block of the text and end in the next, or at the end of the text.
 TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleWhereverAnEscapeStands) {
   for (const char* const escape :
        {"%", "%4", "%41", "%%", "%%%41", "%4%41", "%-1", "% 7", "%zz", "+", "%41%"}) {
@@ -380,7 +381,7 @@ TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleWhereverAnEscapeStands) {
 
 // --- SetURLDecoding ----------------------------------------------------------------------------------------
 
-// Its name says otherwise; it only protects percent signs.
+// Required: despite its name it only escapes percent signs.
 TEST_F(SetUrlDecoding, EscapesEveryPercentAndTouchesNothingElse) {
   EXPECT_EQ(SetURLDecoding("abc"), "abc");
   EXPECT_EQ(SetURLDecoding("50% off"), "50%25 off");

@@ -1,0 +1,222 @@
+// The percent encoder, the percent decoder, the escaper of percent signs and the conversion to ISO-8859-1. No
+// function keeps state, so any thread may call them.
+
+#include "src/text/urlcodec.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "framework/platform_util.h"
+
+// Required: receivers know line ends as three replacements in the encoded text left them: "%d%a" by "%0d%0a",
+// then "%a%" by "%0d%0a%", then a final "%a" by "%0d%0a". For single bytes that means:
+//
+//   CR, when the escape of the next byte starts with "%a" (LF, or 0xA0 to 0xAF): "%0d%0a" for both of them,
+//   followed by that escape's third character if it has one; otherwise "%d".
+//   LF that does not follow such a CR: "%0d%0a" when it is the last byte or an escape follows, otherwise
+//   "%a".
+//
+// Each code depends on its byte and the next one, so one pass is enough.
+
+namespace NS_ASCII {
+namespace {
+
+constexpr std::string_view kLineEnd = "%0d%0a";
+
+/// The code of one byte. CR and LF have length 0 and the start of their escape as text: their code depends on
+/// the next byte.
+struct ByteCode {
+  char text[3];
+  unsigned char length;
+};
+
+constexpr bool IsKept(unsigned c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '.' ||
+         c == '_' || c == '*';
+}
+
+constexpr std::array<ByteCode, 256> MakeByteCodes() {
+  constexpr char kHexDigits[] = "0123456789abcdef";
+  std::array<ByteCode, 256> codes{};
+  for (unsigned c = 0; c < 256; ++c) {
+    if (IsKept(c)) {
+      codes[c] = {{static_cast<char>(c)}, 1};
+    } else if (c > 0x0F) {
+      codes[c] = {{'%', kHexDigits[c >> 4], kHexDigits[c & 0x0F]}, 3};
+    } else {
+      codes[c] = {{'%', kHexDigits[c]}, 2};
+    }
+  }
+  codes[' '] = {{'+'}, 1};
+  codes['\r'].length = 0;
+  codes['\n'].length = 0;
+  return codes;
+}
+
+constexpr std::array<ByteCode, 256> kByteCodes = MakeByteCodes();
+
+const ByteCode& CodeOf(char c) { return kByteCodes[static_cast<unsigned char>(c)]; }
+
+/// The length of the longest code of any text with these bytes.
+std::size_t MaxEncodedLength(std::string_view text) {
+  std::size_t length = 0;
+  for (const char c : text) {
+    const std::size_t own = CodeOf(c).length;
+    length += own != 0 ? own : kLineEnd.size();
+  }
+  return length;
+}
+
+char* Append(std::string_view text, char* out) { return out + text.copy(out, text.size()); }
+
+/// Encodes the CR or LF at `in`, and the byte after a CR if both become one line end. Moves `in` past them
+/// and returns the end of the output. The NUL that terminates the text counts as the next byte of its last
+/// one; its code starts with '%' like that of any escaped byte.
+char* EncodeLineEnd(const char*& in, char* out) {
+  const char lineEnd = *in++;
+  const ByteCode& next = CodeOf(*in);
+  if (lineEnd == '\n') {
+    return Append(next.text[0] == '%' ? kLineEnd : "%a", out);
+  }
+  if (next.text[1] != 'a') {
+    return Append("%d", out);
+  }
+  ++in;
+  out = Append(kLineEnd, out);
+  if (next.length == 3) {
+    *out++ = next.text[2];
+  }
+  return out;
+}
+
+/// The class of a byte when a stream extracts a hexadecimal integer. A digit's class is its value, 0 to 15.
+constexpr unsigned char kLastDigit = 15;
+constexpr unsigned char kSpace = 16;
+constexpr unsigned char kMinus = 17;
+constexpr unsigned char kOther = 18;
+
+constexpr std::array<unsigned char, 256> MakeEscapeClasses() {
+  std::array<unsigned char, 256> classes{};
+  for (unsigned c = 0; c < 256; ++c) {
+    classes[c] = kOther;
+  }
+  for (unsigned digit = 0; digit < 10; ++digit) {
+    classes['0' + digit] = static_cast<unsigned char>(digit);
+  }
+  for (unsigned digit = 10; digit < 16; ++digit) {
+    classes['a' + digit - 10] = static_cast<unsigned char>(digit);
+    classes['A' + digit - 10] = static_cast<unsigned char>(digit);
+  }
+  for (const char space : {' ', '\t', '\n', '\v', '\f', '\r'}) {
+    classes[static_cast<unsigned char>(space)] = kSpace;
+  }
+  classes['+'] = kSpace;  // Each '+' of the text is replaced by a space before escapes are read.
+  classes['-'] = kMinus;
+  return classes;
+}
+
+constexpr std::array<unsigned char, 256> kEscapeClasses = MakeEscapeClasses();
+
+unsigned ClassOf(char c) { return kEscapeClasses[static_cast<unsigned char>(c)]; }
+
+/// The number of characters, at most two, that belong to the escape at `in`: those before the next '%' and
+/// the end of the text.
+std::size_t EscapeLength(const char* in, const char* end) {
+  if (in == end || *in == '%') {
+    return 0;
+  }
+  return end - in == 1 || in[1] == '%' ? 1 : 2;
+}
+
+/// The byte for an escape of these characters, as stream extraction of a hexadecimal `int` reads them;
+/// `previous` when there is nothing but white space, which extraction does not read. A missing second
+/// character counts as `kOther`.
+unsigned char ReadEscape(unsigned first, unsigned second, std::size_t length, unsigned char previous) {
+  if (length == 0 || (first == kSpace && (length == 1 || second == kSpace))) {
+    return previous;
+  }
+  unsigned value = 0;
+  if (first <= kLastDigit) {
+    value = second <= kLastDigit ? first << 4 | second : first;
+  } else if (first != kOther && second <= kLastDigit) {
+    value = first == kMinus ? 0 - second : second;
+  }
+  return static_cast<unsigned char>(value);
+}
+
+std::string Convert(const std::string& text) {
+  std::string converted;
+  // Required: the converter's output is the result, whatever the converter returns.
+  static_cast<void>(KelpGlobalUtils::KelpCodeSetConvert("UTF-8", "ISO-8859-1", text, converted));
+  return converted;
+}
+
+}  // namespace
+
+std::string utf8toiso8859(std::string text) { return Convert(text); }
+
+std::string GetURLEncoding(std::string text) {
+  if (text.empty()) {
+    return text;
+  }
+  const std::string latin = Convert(text);
+  // Each code is written with all its four bytes; only its length counts.
+  std::string encoded(MaxEncodedLength(latin) + sizeof(ByteCode), '\0');
+  char* out = encoded.data();
+  const char* const end = latin.data() + latin.size();
+  for (const char* in = latin.data(); in < end;) {
+    const ByteCode& code = CodeOf(*in);
+    if (code.length != 0) {
+      std::memcpy(out, &code, sizeof code);
+      out += code.length;
+      ++in;
+    } else {
+      out = EncodeLineEnd(in, out);
+    }
+  }
+  encoded.resize(static_cast<std::size_t>(out - encoded.data()));
+  return encoded;
+}
+
+std::string GetURLDecoding(std::string text) {
+  // Decoded text is never longer than encoded text, so the text is decoded in place.
+  char* out = text.data();
+  const char* in = text.data();
+  const char* const end = in + text.size();
+  unsigned char byte = 0;
+  while (in != end) {
+    const char c = *in++;
+    if (c != '%') {
+      *out++ = c == '+' ? ' ' : c;
+    } else if (in != end) {  // A '%' at the very end is dropped.
+      const std::size_t length = EscapeLength(in, end);
+      byte = ReadEscape(ClassOf(in[0]), length == 2 ? ClassOf(in[1]) : kOther, length, byte);
+      *out++ = static_cast<char>(byte);
+      in += length;
+    }
+  }
+  text.resize(static_cast<std::size_t>(out - text.data()));
+  return text;
+}
+
+std::string SetURLDecoding(std::string text) {
+  const auto percents = std::count(text.begin(), text.end(), '%');
+  if (percents == 0) {
+    return text;
+  }
+  std::string escaped(text.size() + 2 * static_cast<std::size_t>(percents), '\0');
+  char* out = escaped.data();
+  for (const char c : text) {
+    *out++ = c;
+    if (c == '%') {
+      out = Append("25", out);
+    }
+  }
+  return escaped;
+}
+
+}  // namespace NS_ASCII
