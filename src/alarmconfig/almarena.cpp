@@ -1,8 +1,7 @@
-#include "src/almarena.h"
+// Allocation in the arena of the alarm table. The arena owns its chunks; they are freed with it.
+// Only the writer calls these operations (see almarena.h).
 
-#include <new>
-
-#include "src/largepages.h"
+#include "src/alarmconfig/almarena.h"
 
 namespace NS_ASCII {
 
@@ -10,7 +9,7 @@ AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
   const std::uint64_t units = bytes / kUnitBytes + (bytes % kUnitBytes != 0 ? 1 : 0);
   std::uint64_t first = next_;
   unsigned chunk = ChunkOf(static_cast<Ref>(first));
-  // A piece lies in one chunk; what is left of a chunk that is too small for it stays unused.
+  // A piece lies in one chunk; the rest of a chunk that is too small for it stays unused.
   while (chunk < kChunks && first + units > FirstOf(chunk) + UnitsOf(chunk)) {
     first = FirstOf(++chunk);
   }
@@ -18,9 +17,8 @@ AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
     throw std::bad_alloc();
   }
   if (chunks_[chunk] == nullptr) {
-    // Not cleared: pages that are never written to never become resident.
-    chunks_[chunk].reset(new char[UnitsOf(chunk) * kUnitBytes]);
-    PreferLargePages(chunks_[chunk].get(), UnitsOf(chunk) * kUnitBytes);
+    // Not cleared, so that pages that are never written never become resident.
+    chunks_[chunk].reset(new char[BytesOf(UnitsOf(chunk))]);
   }
   next_ = first + units;
   return static_cast<Ref>(first);
@@ -29,7 +27,7 @@ AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
 std::size_t AlarmArena::ReservedBytes() const {
   std::size_t bytes = 0;
   for (unsigned chunk = 0; chunk < kChunks; ++chunk) {
-    bytes += chunks_[chunk] == nullptr ? 0 : UnitsOf(chunk) * kUnitBytes;
+    bytes += chunks_[chunk] == nullptr ? 0 : BytesOf(UnitsOf(chunk));
   }
   return bytes;
 }

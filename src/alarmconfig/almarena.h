@@ -1,25 +1,27 @@
-#ifndef SRC_ALMARENA_H_
-#define SRC_ALMARENA_H_
+#ifndef SRC_ALARMCONFIG_ALMARENA_H_
+#define SRC_ALARMCONFIG_ALMARENA_H_
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
+#include <new>
 
 namespace NS_ASCII {
 
-/// Memory for immutable pieces of the alarm table: handed out once, never moved, freed all at once.
+/// Memory for the immutable pieces of the alarm table. A piece never moves; all are freed together.
 ///
-/// A piece is named by a 32-bit number instead of a pointer, which halves the size of whatever refers to it.
-/// Numbers count units of four bytes, so an arena holds up to 16 GiB. Chunks double in size, so that the
-/// chunk of a number follows from its highest bits and a million pieces need a dozen allocations.
+/// A piece is identified by a 32-bit number instead of a pointer, which halves the size of references to it.
+/// Numbers count units of four bytes, so an arena holds up to 16 GiB. Chunks double in size, so the chunk of
+/// a number follows from its highest bits, and a million pieces need a dozen allocations.
 ///
 /// Threads: one writer calls `Allocate`. Any thread may call `At` for a piece whose number it received
-/// through a release/acquire pair from the writer: the chunk is in place before its first number is given
-/// out, and is not touched again.
+/// through a release/acquire pair from the writer: a chunk is allocated before its first number is returned,
+/// and its pointer never changes.
 class AlarmArena {
  public:
-  /// The number of a piece; 0 is no piece.
+  /// The number of a piece; 0 means none.
   using Ref = std::uint32_t;
 
   static constexpr std::size_t kUnitBytes = 4;
@@ -38,7 +40,7 @@ class AlarmArena {
     return chunks_[chunk].get() + (ref - FirstOf(chunk)) * kUnitBytes;
   }
 
-  /// Bytes asked of the system so far, for reports.
+  /// Bytes allocated, for reports.
   [[nodiscard]] std::size_t ReservedBytes() const;
 
  private:
@@ -48,7 +50,15 @@ class AlarmArena {
   static constexpr std::uint64_t UnitsOf(unsigned chunk) {
     return std::uint64_t{1} << (kFirstChunkBits + chunk);
   }
-  /// Chunk k starts behind the 2^k - 1 first-chunk sizes of all smaller ones.
+  /// Throws `std::bad_alloc` when that many bytes do not fit into a `Size`.
+  template <class Size = std::size_t>
+  static constexpr Size BytesOf(std::uint64_t units) {
+    if (units > std::numeric_limits<Size>::max() / kUnitBytes) {
+      throw std::bad_alloc();
+    }
+    return static_cast<Size>(units * kUnitBytes);
+  }
+  /// Chunk k starts after the 2^k - 1 first-chunk sizes of all smaller ones.
   static constexpr std::uint64_t FirstOf(unsigned chunk) {
     return ((std::uint64_t{1} << chunk) - 1) << kFirstChunkBits;
   }
@@ -57,9 +67,9 @@ class AlarmArena {
   }
 
   std::array<std::unique_ptr<char[]>, kChunks> chunks_;
-  std::uint64_t next_ = 1;  // The next free unit; unit 0 is given to nobody.
+  std::uint64_t next_ = 1;  // The next free unit; unit 0 is never used.
 };
 
 }  // namespace NS_ASCII
 
-#endif  // SRC_ALMARENA_H_
+#endif  // SRC_ALARMCONFIG_ALMARENA_H_

@@ -1,4 +1,7 @@
-#include "src/almtable.h"
+// The hash table of the alarm configuration. The table owns its nodes and all slot arrays; they are freed
+// with it. One writer inserts while any number of readers search; almtable.h has the invariants.
+
+#include "src/alarmconfig/almtable.h"
 
 #include <algorithm>
 #include <limits>
@@ -7,25 +10,13 @@
 #include <utility>
 #include <vector>
 
-#include "src/almhash.h"
-#include "src/largepages.h"
-
 namespace NS_ASCII {
 namespace {
 
 constexpr std::size_t kFirstSlots = 64;
 
-std::uint32_t HashOf(const AlarmKey& key) {
-  TextHash hash;
-  hash.Add(key.key1);
-  hash.Add(key.key2);
-  hash.Add(key.key3);
-  hash.Add(key.numKey);
-  return hash.value();
-}
-
-/// The largest node number for which an array of `count` slots has room. Nodes of ordinary length, 128 bytes
-/// for each slot, stay below it; longer ones make the array grow earlier.
+/// The largest node number that fits a slot of an array with `count` slots. Nodes of ordinary length, up to
+/// 128 bytes for each slot, stay below it; longer ones make the array grow earlier.
 constexpr AlarmArena::Ref LargestRef(std::size_t count) {
   constexpr std::uint64_t kUnitsPerSlot = 128 / AlarmArena::kUnitBytes;
   constexpr std::uint64_t kMost = std::numeric_limits<AlarmArena::Ref>::max();
@@ -35,7 +26,7 @@ static_assert(LargestRef(kFirstSlots) == 2047);
 static_assert(LargestRef(std::size_t{1} << 26) == 0x7FFFFFFF);
 static_assert(LargestRef(std::size_t{1} << 28) == 0xFFFFFFFF);
 
-/// A text's length as a node keeps it.
+/// The text's length as stored in a node.
 std::uint32_t LengthOf(std::string_view text) {
   if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
     throw std::bad_alloc();
@@ -54,33 +45,41 @@ AlarmTable::SlotArray::SlotArray(std::size_t count, std::unique_ptr<SlotArray> p
       refMask(LargestRef(count)),
       slots(new std::atomic<std::uint32_t>[count]),
       older(std::move(previous)) {
-  PreferLargePages(slots.get(), count * sizeof slots[0]);
   for (std::size_t i = 0; i < count; ++i) {
-    slots[i].store(0, std::memory_order_relaxed);  // Nobody else sees it yet.
+    slots[i].store(0, std::memory_order_relaxed);  // Not published yet.
   }
 }
 
-AlarmTable::~AlarmTable() { delete Newest(); }
+AlarmTable::~AlarmTable() { delete CurrentArray(); }
 
 void AlarmTable::Insert(const AlarmKey& key, std::string_view value) {
-  Put(key, HashOf(key), values_.Intern(value));
+  InsertHashed(key, HashOf(key), values_.Intern(value));
+}
+
+std::uint32_t AlarmTable::HashOf(const AlarmKey& key) const {
+  TextHash hash(hashKey_);
+  hash.Add(key.key1);
+  hash.Add(key.key2);
+  hash.Add(key.key3);
+  hash.Add(key.numKey);
+  return hash.value();
 }
 
 std::uint32_t AlarmTable::HashAndFetch(const AlarmKey& key) const {
   const std::uint32_t hash = HashOf(key);
-  if (const SlotArray* const array = Newest(); array != nullptr) {
+  if (const SlotArray* const array = CurrentArray(); array != nullptr) {
     __builtin_prefetch(&array->slots[hash & array->mask]);
     __builtin_prefetch(&slotHashes_[hash & array->mask], 1);
   }
   return hash;
 }
 
-void AlarmTable::Put(const AlarmKey& key, std::uint32_t hash, Ref value) {
-  const SlotArray* const array = Newest();
+void AlarmTable::InsertHashed(const AlarmKey& key, std::uint32_t hash, Ref value) {
+  const SlotArray* const array = CurrentArray();
   std::size_t slot = 0;
   if (array != nullptr) {
     if (const Ref ref = Locate(*array, key, hash, slot); ref != 0) {
-      // The value number is the one part of a published node that may change. Equal numbers are equal texts.
+      // Only the value number of a published node may change. Equal numbers are equal texts.
       auto& current = const_cast<std::atomic<Ref>&>(NodeAt(ref).value);
       if (current.load(std::memory_order_relaxed) != value) {
         // Release: the text is complete before its number is seen.
@@ -93,16 +92,16 @@ void AlarmTable::Put(const AlarmKey& key, std::uint32_t hash, Ref value) {
     Grow();
   }
   const Ref ref = AddNode(key, value);
-  while (ref > Newest()->refMask) {
+  while (ref > CurrentArray()->refMask) {
     Grow();
   }
-  SlotArray& newest = *Newest();
-  if (&newest != array) {
-    Locate(newest, key, hash, slot);
+  SlotArray& current = *CurrentArray();
+  if (&current != array) {
+    Locate(current, key, hash, slot);
   }
   slotHashes_[slot] = hash;
-  // Release: the node is visible to whoever sees the slot filled.
-  newest.slots[slot].store(newest.WordOf(hash, ref), std::memory_order_release);
+  // Release: a reader that loads this slot sees the complete node.
+  current.slots[slot].store(current.PackSlot(hash, ref), std::memory_order_release);
   size_.store(size() + 1, std::memory_order_relaxed);
 }
 
@@ -116,7 +115,7 @@ bool AlarmTable::Find(const AlarmKey& key, std::string& value) const {
   if (ref == 0) {
     return false;
   }
-  // Acquire: the text of a value that was replaced a moment ago must be complete.
+  // Acquire: pairs with the release in InsertHashed, so that the new value's text is complete.
   value = values_.Text(NodeAt(ref).value.load(std::memory_order_acquire));
   return true;
 }
@@ -141,7 +140,7 @@ void AlarmTable::ForEach(const std::function<void(const AlarmKey&, std::string_v
 std::size_t AlarmTable::ReservedBytes() const {
   std::size_t bytes =
       nodes_.ReservedBytes() + values_.ReservedBytes() + slotHashes_.size() * sizeof slotHashes_[0];
-  for (const SlotArray* array = Newest(); array != nullptr; array = array->older.get()) {
+  for (const SlotArray* array = CurrentArray(); array != nullptr; array = array->older.get()) {
     bytes += (array->mask + 1) * sizeof array->slots[0];
   }
   return bytes;
@@ -184,12 +183,12 @@ AlarmKey AlarmTable::KeyOf(Ref ref) const {
 AlarmTable::Ref AlarmTable::Locate(const SlotArray& array, const AlarmKey& key, std::uint32_t hash,
                                    std::size_t& slot) const {
   for (slot = hash & array.mask;; slot = (slot + 1) & array.mask) {
-    // Acquire: pairs with the release in Put, so that the node is complete.
+    // Acquire: pairs with the release in InsertHashed, so that the node is complete.
     const std::uint32_t word = array.slots[slot].load(std::memory_order_acquire);
     if (word == 0) {
       return 0;
     }
-    if (array.MayBe(word, hash) && HasKey(array.RefIn(word), key)) {
+    if (array.HashBitsMatch(word, hash) && HasKey(array.RefIn(word), key)) {
       return array.RefIn(word);
     }
   }
@@ -210,12 +209,12 @@ AlarmTable::Ref AlarmTable::AddNode(const AlarmKey& key, Ref value) {
 }
 
 void AlarmTable::Grow() {
-  SlotArray* const old = Newest();
+  SlotArray* const old = CurrentArray();
   const std::size_t count = old == nullptr ? kFirstSlots : 2 * (old->mask + 1);
   auto larger = std::make_unique<SlotArray>(count, nullptr);
   std::vector<std::uint32_t> hashes(count);
   for (std::size_t i = 0; old != nullptr && i <= old->mask; ++i) {
-    // Relaxed throughout: nobody else sees the new array before it is published.
+    // Relaxed throughout: the new array is not published yet.
     const std::uint32_t word = old->slots[i].load(std::memory_order_relaxed);
     if (word == 0) {
       continue;
@@ -225,7 +224,7 @@ void AlarmTable::Grow() {
     while (larger->slots[slot].load(std::memory_order_relaxed) != 0) {
       slot = (slot + 1) & larger->mask;
     }
-    larger->slots[slot].store(larger->WordOf(hash, old->RefIn(word)), std::memory_order_relaxed);
+    larger->slots[slot].store(larger->PackSlot(hash, old->RefIn(word)), std::memory_order_relaxed);
     hashes[slot] = hash;
   }
   slotHashes_.swap(hashes);

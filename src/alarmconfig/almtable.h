@@ -1,5 +1,5 @@
-#ifndef SRC_ALMTABLE_H_
-#define SRC_ALMTABLE_H_
+#ifndef SRC_ALARMCONFIG_ALMTABLE_H_
+#define SRC_ALARMCONFIG_ALMTABLE_H_
 
 #include <atomic>
 #include <cstddef>
@@ -10,42 +10,37 @@
 #include <string_view>
 #include <vector>
 
-#include "src/almarena.h"
-#include "src/almtextpool.h"
+#include "src/alarmconfig/almarena.h"
+#include "src/alarmconfig/almhash.h"
+#include "src/alarmconfig/almrecord.h"
+#include "src/alarmconfig/almtextpool.h"
 
 namespace NS_ASCII {
 
-/// The four fields that make two alarm records the same entry, in the order in which records are compared.
-/// It looks at texts that somebody else keeps.
-struct AlarmKey {
-  std::string_view key1;
-  std::string_view key2;
-  std::string_view key3;
-  std::string_view numKey;
-};
-
-/// Whether `a` stands before `b` in the table's order: by key1, key2, key3, numKey, bytes compared as
-/// unsigned, the *greater* one first.
+/// Whether `a` precedes `b` in the table's order: by key1, key2, key3, numKey, bytes compared as unsigned, in
+/// *descending* order.
 bool ComesBefore(const AlarmKey& a, const AlarmKey& b);
 
-/// The alarm configuration: an insert-only hash table that is read while it is being written to.
+/// The alarm configuration: an insert-only hash table with lock-free readers.
 ///
 /// Invariants
-///  1. A node is written completely before a slot that names it is published, with release; readers load
+///  1. A node is written completely before a slot with its number is published, with release; readers load
 ///     slots with acquire. After that only its value number changes.
-///  2. A node never moves and is never freed before the table.
-///  3. Growth fills a larger slot array beside the old one and publishes it with one store. Old arrays stay
-///     until the table goes, so a reader that holds one finishes on it; entries that are added after the
-///     growth it misses.
+///  2. A node never moves and is freed only with the table.
+///  3. Growth fills a second, larger slot array and publishes it with one store. Old arrays are kept until
+///     the table is destroyed: a reader that holds one can finish, and misses only entries that were inserted
+///     after it began.
 ///  4. A new value for an entry is a new number in its node, published by one atomic store. The number
-///     names an immutable text of the value pool, where equal texts are stored once: loading the same values
-///     again, in whatever turn, takes no memory.
+///     identifies an immutable text of the value pool, which stores equal texts once: reloading a file takes
+///     no memory.
 ///  5. There is always a free slot, so every probe ends.
+///  6. The hash key is random, so the author of a file cannot choose keys that collide. No result depends on
+///     it.
 ///
 /// Threads: one writer at a time calls `Insert`, `InsertAll` and `ReservedBytes`; any number of readers call
-/// `Find`, `ForEach` and `size` at the same time. They take no lock and never wait. For each key a reader
-/// sees no value, an older one or the newest, never part of one; what was inserted before the reader began is
-/// seen. `ForEach` visits what was there when it began, and may see some of what is inserted meanwhile.
+/// `Find`, `ForEach` and `size` at the same time, without locks and without waiting. A reader sees everything
+/// that was inserted before it began; for a key that is being inserted it sees no value, an older one or the
+/// newest. `ForEach` may also visit some of the entries that are inserted while it runs.
 class AlarmTable {
  public:
   AlarmTable() = default;
@@ -57,9 +52,9 @@ class AlarmTable {
   /// `std::bad_alloc` when memory runs out or a text is of 4 GiB or more; the table then answers as before.
   void Insert(const AlarmKey& key, std::string_view value);
 
-  /// The same for each of `keys` in turn, a container of `AlarmKey` or what derives from it; when memory runs
-  /// out, the first of them may be in. Faster in a table that is larger than the caches: the slots of all
-  /// keys are fetched at once, and the value is stored once.
+  /// Inserts each of `keys`, a container of `AlarmKey` or of a derived type, in order with the same value. On
+  /// `std::bad_alloc` a prefix of `keys` may have been inserted. Faster than single insertions into a table
+  /// larger than the caches: the slots of all keys are prefetched, and the value is looked up once.
   template <class Keys>
   void InsertAll(const Keys& keys, std::string_view value) {
     hashes_.clear();
@@ -69,12 +64,12 @@ class AlarmTable {
     const Ref valueRef = values_.Intern(value);
     auto hash = hashes_.cbegin();
     for (const AlarmKey& key : keys) {
-      Put(key, *hash++, valueRef);
+      InsertHashed(key, *hash++, valueRef);
     }
   }
 
-  /// Copies the entry's value to `value` and returns true; returns false and leaves `value` alone when there
-  /// is no such entry.
+  /// Copies the entry's value to `value` and returns true; returns false, `value` unchanged, when there is no
+  /// such entry.
   bool Find(const AlarmKey& key, std::string& value) const;
 
   [[nodiscard]] std::size_t size() const { return size_.load(std::memory_order_relaxed); }
@@ -82,33 +77,34 @@ class AlarmTable {
   /// Visits every entry in the table's order. The texts stay valid as long as the table.
   void ForEach(const std::function<void(const AlarmKey&, std::string_view value)>& visit) const;
 
-  /// Bytes asked of the system for entries, values and slots so far, for reports.
+  /// Bytes allocated for entries, values and slots, for reports.
   [[nodiscard]] std::size_t ReservedBytes() const;
 
  private:
   using Ref = AlarmArena::Ref;
 
-  /// The head of an entry's piece in the arena; the four key texts follow it, without gaps.
+  /// The header of an entry in the arena; the four key texts follow it without gaps.
   struct Node {
     std::atomic<Ref> value;
     std::uint32_t lengths[4];
   };
 
-  /// A slot holds a node's number in its lower bits and as much of its key's hash as has room in the upper
-  /// ones; 0 when it is free. So an array takes half of what it would with whole hashes, and more of it stays
-  /// in the caches.
+  /// A slot holds a node's number in its lower bits and upper bits of its key's hash in the rest; 0 when it
+  /// is free. Storing only part of the hash halves an array's memory, so more of it stays in the caches.
   struct SlotArray {
     SlotArray(std::size_t count, std::unique_ptr<SlotArray> previous);
 
-    [[nodiscard]] std::uint32_t WordOf(std::uint32_t hash, Ref ref) const { return (hash & ~refMask) | ref; }
+    [[nodiscard]] std::uint32_t PackSlot(std::uint32_t hash, Ref ref) const {
+      return (hash & ~refMask) | ref;
+    }
     [[nodiscard]] Ref RefIn(std::uint32_t word) const { return word & refMask; }
-    /// Whether the part of a hash that `word` holds is that of `hash`.
-    [[nodiscard]] bool MayBe(std::uint32_t word, std::uint32_t hash) const {
+    /// Whether the hash bits in `word` are those of `hash`.
+    [[nodiscard]] bool HashBitsMatch(std::uint32_t word, std::uint32_t hash) const {
       return ((word ^ hash) & ~refMask) == 0;
     }
 
     std::size_t mask;
-    Ref refMask;  ///< also the largest number that a slot can hold
+    Ref refMask;  ///< also the largest node number that fits a slot
     std::unique_ptr<std::atomic<std::uint32_t>[]> slots;
     std::unique_ptr<SlotArray> older;
   };
@@ -117,35 +113,39 @@ class AlarmTable {
   [[nodiscard]] bool HasKey(Ref ref, const AlarmKey& key) const;
   [[nodiscard]] AlarmKey KeyOf(Ref ref) const;
 
-  /// The number of the key's node, 0 if there is none; `slot` (out) is where it is or belongs.
+  [[nodiscard]] std::uint32_t HashOf(const AlarmKey& key) const;
+
+  /// The number of the key's node, 0 if there is none; `slot` (out) is its slot or the free one to use.
   Ref Locate(const SlotArray& array, const AlarmKey& key, std::uint32_t hash, std::size_t& slot) const;
 
-  /// The key's hash. Has the cache fetch the slot that a search for it starts with.
+  /// The key's hash. Prefetches the slot at which a search for it starts.
   [[nodiscard]] std::uint32_t HashAndFetch(const AlarmKey& key) const;
 
-  /// The array in force as the writer sees it, which is the only one to store it.
-  [[nodiscard]] SlotArray* Newest() const { return array_.load(std::memory_order_relaxed); }
+  /// The current array, for the writer, which is the only thread that changes it.
+  [[nodiscard]] SlotArray* CurrentArray() const { return array_.load(std::memory_order_relaxed); }
 
-  /// `Insert` of a key whose hash is known and a value that the pool has.
-  void Put(const AlarmKey& key, std::uint32_t hash, Ref value);
+  /// Inserts a key with a known hash and a value of the pool.
+  void InsertHashed(const AlarmKey& key, std::uint32_t hash, Ref value);
 
-  /// Writes a node that nobody sees yet.
+  /// Writes a node that is not published yet.
   Ref AddNode(const AlarmKey& key, Ref value);
   void Grow();
 
-  // The writer's alone.
+  const HashKey hashKey_ = DrawHashKey();
+
+  // Used by the writer only.
   AlarmArena nodes_;
   AlarmTextPool values_;
-  std::vector<std::uint32_t> hashes_;  // Of the keys that are inserted together.
-  // The whole hash of each filled slot of the array in force. Hashing the keys anew whenever the array grows
-  // would make a load twice as long.
+  std::vector<std::uint32_t> hashes_;  // Of the keys of one `InsertAll`.
+  // The whole hash of each used slot of the current array. Computing them again whenever the array grows
+  // would double the time of a load.
   std::vector<std::uint32_t> slotHashes_;
 
-  // Read by everybody. Owned: the array in force, which owns the older ones.
+  // Read by all threads. Owned: the current array, which owns the older ones.
   std::atomic<SlotArray*> array_{nullptr};
   std::atomic<std::size_t> size_{0};
 };
 
 }  // namespace NS_ASCII
 
-#endif  // SRC_ALMTABLE_H_
+#endif  // SRC_ALARMCONFIG_ALMTABLE_H_

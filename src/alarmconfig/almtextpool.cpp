@@ -1,23 +1,24 @@
-#include "src/almtextpool.h"
+// The pool of texts: an open-addressing hash set of pieces in an arena, which the pool owns.
+// Only the writer calls these operations (see almtextpool.h).
+
+#include "src/alarmconfig/almtextpool.h"
 
 #include <cstring>
 #include <limits>
 #include <new>
-
-#include "src/almhash.h"
 
 namespace NS_ASCII {
 namespace {
 
 constexpr std::size_t kFirstSlots = 16;
 
-std::uint32_t HashOf(std::string_view text) {
-  TextHash hash;
+}  // namespace
+
+std::uint32_t AlarmTextPool::HashOf(std::string_view text) const {
+  TextHash hash(hashKey_);
   hash.Add(text);
   return hash.value();
 }
-
-}  // namespace
 
 AlarmTextPool::Ref AlarmTextPool::Intern(std::string_view text) {
   if (text.size() > std::numeric_limits<std::uint32_t>::max()) {

@@ -1,5 +1,5 @@
-#ifndef SRC_ALMTEXTPOOL_H_
-#define SRC_ALMTEXTPOOL_H_
+#ifndef SRC_ALARMCONFIG_ALMTEXTPOOL_H_
+#define SRC_ALARMCONFIG_ALMTEXTPOOL_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -7,22 +7,23 @@
 #include <string_view>
 #include <vector>
 
-#include "src/almarena.h"
+#include "src/alarmconfig/almarena.h"
+#include "src/alarmconfig/almhash.h"
 
 namespace NS_ASCII {
 
-/// A set of texts, each kept once for good. Serves twice: as the set of all third columns, and as the home of
-/// configured values, so that reloading values that were seen before takes no memory.
+/// A set of texts that never shrinks: the set of all third columns, and the store of the configured values,
+/// so that loading the same values again takes no memory.
 ///
-/// Texts are byte strings of less than 4 GiB; embedded NULs count.
+/// Texts are byte strings of less than 4 GiB, embedded NULs included.
 /// Threads: one writer calls `Intern`. Any thread may call `Text` for a number that it received through a
-/// release/acquire pair from the writer; texts never move or change. The rest is the writer's.
+/// release/acquire pair from the writer; texts never move or change. All other operations are for the writer.
 class AlarmTextPool {
  public:
   using Ref = AlarmArena::Ref;
 
-  /// The number of `text`, which is added if it is not there yet. Never 0. Throws `std::bad_alloc` when
-  /// memory runs out or the text is too long; the pool then holds what it held.
+  /// The number of `text`, which is added if it is missing. Never 0. Throws `std::bad_alloc`, the pool
+  /// unchanged, when memory runs out or the text is too long.
   Ref Intern(std::string_view text);
 
   /// The text of a number that `Intern` returned. Valid as long as the pool.
@@ -36,7 +37,7 @@ class AlarmTextPool {
   [[nodiscard]] bool Contains(std::string_view text) const;
   [[nodiscard]] std::size_t size() const { return size_; }
 
-  /// Bytes asked of the system so far, for reports.
+  /// Bytes allocated, for reports.
   [[nodiscard]] std::size_t ReservedBytes() const;
 
  private:
@@ -45,10 +46,13 @@ class AlarmTextPool {
     Ref ref;  // 0 when the slot is free
   };
 
-  /// The slot that holds `text`, or the free one where it belongs. There must be a free slot.
+  [[nodiscard]] std::uint32_t HashOf(std::string_view text) const;
+
+  /// The slot that holds `text`, or the free one to use for it. There must be a free slot.
   [[nodiscard]] std::size_t SlotOf(std::string_view text, std::uint32_t hash) const;
   void Grow();
 
+  const HashKey hashKey_ = DrawHashKey();
   AlarmArena arena_;
   std::vector<Slot> slots_;  // Open addressing with linear probing; size a power of two.
   std::size_t size_ = 0;
@@ -56,4 +60,4 @@ class AlarmTextPool {
 
 }  // namespace NS_ASCII
 
-#endif  // SRC_ALMTEXTPOOL_H_
+#endif  // SRC_ALARMCONFIG_ALMTEXTPOOL_H_

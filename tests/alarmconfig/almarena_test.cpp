@@ -1,4 +1,4 @@
-#include "src/almarena.h"
+#include "src/alarmconfig/almarena.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ TEST(AlarmArena, HoldsNothingAtFirst) { EXPECT_EQ(AlarmArena().ReservedBytes(), 
 TEST(AlarmArena, NeverGivesOutZero) {
   AlarmArena arena;
   EXPECT_EQ(arena.Allocate(0), 1U);
-  EXPECT_EQ(arena.Allocate(1), 1U);  // The piece before was empty.
+  EXPECT_EQ(arena.Allocate(1), 1U);  // The previous piece was empty.
 }
 
 TEST(AlarmArena, NumbersPiecesByUnitsOfFourBytes) {
@@ -43,7 +43,7 @@ TEST(AlarmArena, AlignsEveryPieceToFour) {
 
 TEST(AlarmArena, ReservesChunksThatDouble) {
   AlarmArena arena;
-  EXPECT_EQ(arena.Allocate(kFirstChunkBytes - 4), 1U);  // All of the first chunk but unit 0.
+  EXPECT_EQ(arena.Allocate(kFirstChunkBytes - 4), 1U);  // All of the first chunk except unit 0.
   EXPECT_EQ(arena.ReservedBytes(), kFirstChunkBytes);
   EXPECT_EQ(arena.Allocate(1), 4096U);
   EXPECT_EQ(arena.ReservedBytes(), 3 * kFirstChunkBytes);
@@ -53,11 +53,17 @@ TEST(AlarmArena, ReservesChunksThatDouble) {
   EXPECT_EQ(arena.ReservedBytes(), 7 * kFirstChunkBytes);
 }
 
+// With 32-bit sizes the size of a 4 GiB chunk would otherwise wrap to 0.
+TEST(AlarmArena, RefusesAChunkWhoseSizeDoesNotFit) {
+  EXPECT_EQ(AlarmArena::BytesOf<std::uint32_t>(0x3FFFFFFF), 0xFFFFFFFCU);
+  EXPECT_THROW(AlarmArena::BytesOf<std::uint32_t>(0x40000000), std::bad_alloc);
+}
+
 TEST(AlarmArena, KeepsAPieceInOneChunk) {
   AlarmArena arena;
   EXPECT_EQ(arena.Allocate(kFirstChunkBytes - 8), 1U);  // One unit is left.
   EXPECT_EQ(arena.Allocate(8), 4096U);
-  EXPECT_EQ(arena.Allocate(4), 4098U);  // The unit left behind stays unused.
+  EXPECT_EQ(arena.Allocate(4), 4098U);  // The last unit of the first chunk stays unused.
 }
 
 TEST(AlarmArena, SkipsChunksThatAreTooSmallWithoutReservingThem) {
@@ -81,7 +87,7 @@ TEST(AlarmArena, HasANumberOf32BitsForEveryUnitOfItsChunks) {
   EXPECT_GT(AlarmArena::FirstOf(AlarmArena::kChunks + 1), std::uint64_t{1} << 32);
 }
 
-// Filling it would take 16 GiB, so the place where the next piece goes is moved by hand.
+// Filling the arena would take 16 GiB, so the test sets the next free unit itself.
 TEST(AlarmArena, ThrowsWhenItsNumbersHaveRunOut) {
   constexpr std::uint64_t kEnd = (std::uint64_t{1} << 32) - 4096;
   AlarmArena arena;

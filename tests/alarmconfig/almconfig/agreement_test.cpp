@@ -1,10 +1,10 @@
-// Random files, and what the literal rules make of them.
+// Random files, compared with the literal rules.
 
 #include <fstream>
 #include <string>
 #include <vector>
 
-#include "tests/almconfig/config_fixture.h"
+#include "tests/alarmconfig/almconfig/config_fixture.h"
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
 

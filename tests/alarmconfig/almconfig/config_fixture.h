@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "src/almconfig.h"
+#include "src/alarmconfig/almconfig.h"
 #include "tests/recording_fixture.h"
 #include "tests/temp_directory.h"
 
-/// What the tests of the alarm configuration share.
+/// Helpers for the tests of the alarm configuration.
 namespace config_test {
 
-/// The message about a bad text. The conversion in it is written backwards; operators look for this text.
+/// The message about a bad text. Its conversion is written backwards; operators search logs for this text.
 inline recording::Message BadLine(int line, const std::string& text) {
   return {"almconfig", "unknown", line, 1, "almconfig.cfg file error. line=s%", text};
 }
@@ -28,7 +28,7 @@ inline std::vector<std::string> Entries(const NS_ASCII::Alarm_Config_Param& conf
 
 class AlarmConfigTest : public recording::FrameworkTest {
  protected:
-  /// Loads a file of that content; the result must be 0 as always.
+  /// Loads a file of that content and expects the result 0.
   void Load(const std::string& content) {
     EXPECT_EQ(config.LoadConfig(directory.Write("AlarmConfig.csv", content).c_str()), 0);
   }

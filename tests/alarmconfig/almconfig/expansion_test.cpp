@@ -1,26 +1,23 @@
-// From the fields of a line to the records that it stands for.
+// The expansion of a line's fields into its records.
 
 #include <string>
 #include <vector>
 
-#include "tests/almconfig/config_fixture.h"
+#include "tests/alarmconfig/almconfig/config_fixture.h"
 
 namespace {
 
 using config_test::AlarmConfigTest;
 using config_test::BadLine;
 using config_test::Entries;
-using NS_ASCII::Alarm_Config_Param;
 using NS_ASCII::AlarmConfigRecord;
 using NS_ASCII::FieldList;
-using NS_ASCII::LineFate;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class ListToRecord : public AlarmConfigTest {};
 class ExpandField : public AlarmConfigTest {};
 class AddLine : public AlarmConfigTest {};
-class TakeLine : public AlarmConfigTest {};
 
 TEST_F(ListToRecord, PutsColumnThreeBehindColumnFour) {
   AlarmConfigRecord record;
@@ -95,7 +92,8 @@ TEST_F(AddLine, LogsAWrongNumberOfFieldsAndStoresNothing) {
   EXPECT_THAT(Entries(config), IsEmpty());
 }
 
-// The lists may hold something already; it is stored with a good line and left alone with a bad one.
+// The second list may have elements already: an accepted line inserts them too, a rejected one inserts
+// nothing.
 TEST_F(AddLine, StoresWhatTheSecondListHoldsUnlessTheLineIsBad) {
   std::vector<AlarmConfigRecord> first;
   std::vector<AlarmConfigRecord> second = {{"before", "k", "1", "c", "v"}};
@@ -119,33 +117,6 @@ TEST_F(AddLine, StoresEveryThirdColumn) {
   config.AddLine(fields, first, second, "line");
   EXPECT_TRUE(config.thirdColumns().Contains("c"));
   EXPECT_EQ(config.thirdColumns().size(), 1U);
-}
-
-TEST_F(TakeLine, SaysWhatBecameOfTheLine) {
-  Alarm_Config_Param::LineWork work;
-  EXPECT_EQ(config.TakeLine("", work), LineFate::kSkipped);
-  EXPECT_EQ(config.TakeLine("#A\tk\tc\t1\tv", work), LineFate::kSkipped);
-  EXPECT_EQ(config.TakeLine("A\tk\tc\t1", work), LineFate::kDropped);
-  EXPECT_EQ(config.TakeLine("  ", work), LineFate::kDropped);
-  EXPECT_EQ(config.TakeLine("A\t\tc\t1\tv", work), LineFate::kLogged);
-  EXPECT_EQ(config.TakeLine("A\tk//l\tc\t1\tv", work), LineFate::kLogged);
-  EXPECT_EQ(config.TakeLine("A/B/C/D/E/F\tk\tc\t1\tv", work), LineFate::kLogged);
-  EXPECT_THAT(Entries(config), IsEmpty());
-  EXPECT_EQ(config.TakeLine("A\tk/l\tc\t1\tv", work), LineFate::kStored);
-  ASSERT_EQ(work.all.size(), 2U);
-  EXPECT_EQ(work.all[1].key2, "l");
-  EXPECT_EQ(config.TakeLine("B\tk\tc\t1\tv", work), LineFate::kStored);
-  EXPECT_EQ(work.all.size(), 1U);
-}
-
-TEST_F(TakeLine, ExpandsColumnOneOutsideAndColumnTwoInside) {
-  Alarm_Config_Param::LineWork work;
-  EXPECT_EQ(config.TakeLine("A/B\tX/Y\tc\t1\tv", work), LineFate::kStored);
-  std::vector<std::string> order;
-  for (const NS_ASCII::AlarmRecordView& record : work.all) {
-    order.push_back(std::string(record.key1) + std::string(record.key2));
-  }
-  EXPECT_THAT(order, ElementsAre("AX", "AY", "BX", "BY"));
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
-// How long a line may be, and that a load with a longer one never ends.
+// The longest line, and the endless load of a longer one.
 
 #include <unistd.h>
 
 #include <string>
 
-#include "tests/almconfig/config_fixture.h"
+#include "tests/alarmconfig/almconfig/config_fixture.h"
 #include "tests/child_process.h"
 
 namespace {
@@ -13,7 +13,7 @@ using config_test::AlarmConfigTest;
 
 class LineLength : public AlarmConfigTest {};
 
-/// A line of exactly `length` characters, whose value is all that can be long.
+/// A line of exactly `length` characters; only its value is long.
 std::string LineOf(std::size_t length) { return "A\tk\tc\t1\t" + std::string(length - 8, 'v'); }
 
 TEST_F(LineLength, ReadsALineOf1022CharactersWhole) {
@@ -34,8 +34,8 @@ TEST_F(LineLength, CountsACarriageReturnTowardsTheLimit) {
   EXPECT_EQ(child::EndOf([&] { config.LoadConfig(path.c_str()); }), child::End::kEndless);
 }
 
-// Only the end of the file ends a load, and behind an over-long line it is never reached. Whoever writes the
-// file keeps to the limit.
+// Required: only the end of the file ends a load, and the stream never reaches it after an over-long line.
+// The author of the file must keep to the limit.
 TEST_F(LineLength, NeverEndsBehindALineOf1023Characters) {
   const std::string path = directory.Write("long.csv", LineOf(1023) + "\n");
   EXPECT_EQ(child::EndOf([&] { config.LoadConfig(path.c_str()); }), child::End::kEndless);

@@ -1,10 +1,10 @@
-// Which lines of a file count, and what they become.
+// Which lines of a file are accepted, and the records that they yield.
 
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "tests/almconfig/config_fixture.h"
+#include "tests/alarmconfig/almconfig/config_fixture.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ TEST_F(LoadConfig, OfAMissingFileChangesAndLogsNothing) {
   EXPECT_EQ(value, "as it was");
 }
 
-// A stream opens a directory and then fails to read it, which would never end.
+// A stream opens a directory and then fails to read it, so the load would never end.
 TEST_F(LoadConfig, OfADirectoryChangesAndLogsNothing) {
   EXPECT_EQ(config.LoadConfig(directory.path().c_str()), 0);
   EXPECT_THAT(Entries(config), IsEmpty());
@@ -55,7 +55,7 @@ TEST_F(LoadConfig, SkipsCommentsAndEmptyLines) {
   EXPECT_THAT(framework.Calls(), IsEmpty());
 }
 
-// Only a '#' in the very first place makes a comment; behind a blank the line counts, with one column here.
+// Only a '#' as the first character makes a comment; after a blank it is text, here a line with one column.
 TEST_F(LoadConfig, TakesABlankBeforeANumberSignForText) {
   Load(" #x\n");
   EXPECT_THAT(Entries(config), IsEmpty());

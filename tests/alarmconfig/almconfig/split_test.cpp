@@ -1,7 +1,7 @@
 #include <list>
 #include <string>
 
-#include "tests/almconfig/config_fixture.h"
+#include "tests/alarmconfig/almconfig/config_fixture.h"
 #include "tests/freed_memory.h"
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
@@ -86,7 +86,7 @@ TEST_F(Split, WorksOnATextAndSeparatorsOutOfTheListItself) {
   constexpr std::size_t kFull = FreedMemoryOverwritten::kWholeBytes / sizeof(std::string);
   const std::string text = "a/b/c";
   for (const bool ownText : {true, false}) {
-    FieldList fields(kFull, text);  // The first part finds no room and moves them all.
+    FieldList fields(kFull, text);  // Appending the first part reallocates the vector.
     fields[1] = "/";
     ASSERT_EQ(fields.capacity(), kFull);
     const FreedMemoryOverwritten overwritten;

@@ -4,7 +4,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "tests/almconfig/config_fixture.h"
+#include "tests/alarmconfig/almconfig/config_fixture.h"
 
 namespace {
 

@@ -7,12 +7,12 @@
 #include <string_view>
 #include <vector>
 
-#include "src/almtable.h"
+#include "src/alarmconfig/almtable.h"
 
-/// What a table holds, as texts that tests compare.
+/// The contents of a table, as texts for comparison.
 namespace almtable_test {
 
-/// What a lookup answers; "(none)" when it finds nothing.
+/// The value that a lookup finds; "(none)" when it finds nothing.
 inline std::string Answer(const NS_ASCII::AlarmTable& table, const NS_ASCII::AlarmKey& key) {
   std::string value = "untouched";
   if (!table.Find(key, value)) {

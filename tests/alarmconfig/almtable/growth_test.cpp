@@ -1,10 +1,10 @@
-// How the table grows, and the memory that it takes.
+// The growth of the table, and its memory.
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "tests/almtable/answers.h"
+#include "tests/alarmconfig/almtable/answers.h"
 
 namespace {
 
@@ -45,7 +45,7 @@ TEST(AlarmTable, TakesNoMemoryForValuesItHasSeenBefore) {
   EXPECT_EQ(table.size(), 1000U);
 }
 
-// A slot has only so many bits for an entry's number, which counts what all entries before take.
+// A slot has few bits for a node's number, and the number counts the units of all earlier nodes.
 TEST(AlarmTable, GrowsEarlierForLongEntries) {
   AlarmTable table;
   for (int i = 0; i < 40; ++i) {
@@ -76,7 +76,7 @@ TEST(AlarmTable, ReportsTheMemoryOfOldSlotArraysToo) {
   }
   EXPECT_EQ(table.ReservedBytes(), first);
   table.Insert({"48", "", "", ""}, "");  // The 49th entry no longer fits three quarters of 64 slots.
-  EXPECT_EQ(table.ReservedBytes(), first + 128 * 8 - 64 * 4);  // Hashes are kept for the slots in force only.
+  EXPECT_EQ(table.ReservedBytes(), first + 128 * 8 - 64 * 4);  // Hashes are kept for the current array only.
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/almtable/answers.h"
+#include "tests/alarmconfig/almtable/answers.h"
 #include "tests/handover.h"
 #include "tests/random_text.h"
 
@@ -23,7 +23,7 @@ using almtable_test::Answer;
 using NS_ASCII::AlarmKey;
 using NS_ASCII::AlarmTable;
 
-/// Runs `read` again and again on several threads while `write` runs on this one.
+/// Runs `read` in a loop on several threads while `write` runs on the calling thread.
 template <class Write, class Read>
 void WhileWriting(Write write, Read read) {
   std::atomic<bool> done{false};
@@ -87,7 +87,7 @@ TEST(AlarmTableUnderReaders, AnswersAnOlderValueOrTheNewestAndNeverGoesBack) {
   AlarmTable table;
   std::atomic<int> wrong{0};
   std::atomic<int> finished{0};
-  // A value repeats its number, so that a mixture of two would show.
+  // A value repeats its number, so that the test detects a mixture of two values.
   const auto valueOf = [](int round) {
     const std::string number = std::to_string(round);
     return number + ':' + number + ':' + number;
@@ -122,7 +122,7 @@ TEST(AlarmTableUnderReaders, AnswersAnOlderValueOrTheNewestAndNeverGoesBack) {
   EXPECT_EQ(wrong.load(), 0);
 }
 
-// Each step publishes in another way: the slots, an entry, more slots, a value.
+// Each step publishes something else: the slots, an entry, more slots, a value.
 TEST(AlarmTableUnderReaders, ShowsWhatIsInsertedWholeToAThreadThatIsToldNothing) {
   AlarmTable found;
   AlarmTable visited;

@@ -1,0 +1,35 @@
+#ifndef SRC_ALARMCONFIG_ALMRECORD_H_
+#define SRC_ALARMCONFIG_ALMRECORD_H_
+
+#include <string>
+#include <string_view>
+
+namespace NS_ASCII {
+
+/// The four fields that identify an entry, in the order in which entries are compared. Views of the caller's
+/// texts.
+struct AlarmKey {
+  std::string_view key1;    ///< column 1, one of its alternatives
+  std::string_view key2;    ///< column 2, one of its alternatives
+  std::string_view key3;    ///< column 3
+  std::string_view numKey;  ///< column 4
+};
+
+/// An entry whose fields are all views, for example into one line.
+struct AlarmRecordView : AlarmKey {
+  std::string_view value;  ///< column 5
+};
+
+/// An entry that owns its texts.
+/// Required: column 4 is declared before column 3; callers fill records by position.
+struct AlarmConfigRecord {
+  std::string key1;    ///< column 1, one of its alternatives
+  std::string key2;    ///< column 2, one of its alternatives
+  std::string numKey;  ///< column 4
+  std::string key3;    ///< column 3
+  std::string value;   ///< column 5
+};
+
+}  // namespace NS_ASCII
+
+#endif  // SRC_ALARMCONFIG_ALMRECORD_H_
