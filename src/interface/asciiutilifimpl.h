@@ -1,5 +1,5 @@
-#ifndef SRC_ASCIIUTILIFIMPL_H_
-#define SRC_ASCIIUTILIFIMPL_H_
+#ifndef SRC_INTERFACE_ASCIIUTILIFIMPL_H_
+#define SRC_INTERFACE_ASCIIUTILIFIMPL_H_
 
 #include <cstdint>
 #include <string>
@@ -9,14 +9,14 @@
 
 namespace NS_ASCII {
 
-/// The one implementation of the interface. What each operation does is said at `AsciiUtilInterface`.
+/// The only implementation of the interface; `AsciiUtilInterface` describes the operations.
 ///
-/// Invariants: no data members, no state between calls. Operations that use another one (`GetAlmCfgValue` and
-/// `IsKeyValueAboveOne`: `Str2Num`; `ParseListMap` and its entries: `SplitStr`) call it through the virtual
-/// table, so that a derived object is obeyed.
+/// Invariants: no data members, no state between calls. Required: operations that use another one
+/// (`GetAlmCfgValue` and `IsKeyValueAboveOne`: `Str2Num`; `ParseListMap` and its entries: `SplitStr`) call it
+/// through the virtual table, so that a derived class may override it.
 ///
 /// Platform functions (`strtol`, `time`, `gmtime_r`, `sprintf_s`, `NSTE_util`, the configuration items) are
-/// called each time, nothing of theirs is kept; which locale is in force is asked for each text.
+/// called each time and nothing is cached; the locale is looked up for each text.
 class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
  public:
   ~AsciiUtilInterfaceImpl() override;
@@ -44,24 +44,15 @@ class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
   std::int64_t WriteDbgLog(const std::string& message) override;
 
  private:
-  /// Splits `source` at the first of its characters that is in `delimiters`: what stands before goes to
-  /// `head` (out), what stands `delimiters.size()` characters further on to `tail` (out), and the result is
-  /// true. Without such a character both are left alone and the result is false. Throws `std::out_of_range`,
-  /// `head` written, when the tail would start beyond the end; that takes a set of several characters, and
-  /// every caller passes one.
+  /// `SplitAtFirst`. Required: these two are members of the class.
   static bool SplitFirst(const std::string& source, std::string& head, std::string& tail,
                          const std::string& delimiters);
 
-  /// Parses one entry name=item|item, or PATH=item-item: `name` (out, left alone without a "="), `items`
-  /// (out, appended to).
+  /// Parses one entry name=item|item, or PATH=item-item. Sets `name`, which stays unchanged without a "=",
+  /// and appends to `items`.
   void ParseListEntry(const std::string& entry, std::string& name, std::vector<std::string>& items);
-
-  /// The same with `value` as memory that the entries of one text share. What it holds before and after does
-  /// not matter.
-  void ParseListEntry(const std::string& entry, std::string& value, std::string& name,
-                      std::vector<std::string>& items);
 };
 
 }  // namespace NS_ASCII
 
-#endif  // SRC_ASCIIUTILIFIMPL_H_
+#endif  // SRC_INTERFACE_ASCIIUTILIFIMPL_H_

@@ -1,4 +1,4 @@
-#include "tests/asciiutilifimpl/c_library.h"
+#include "tests/interface/c_library.h"
 
 #include <cerrno>
 
@@ -22,8 +22,8 @@ long __wrap_strtol(const char* text, char** end, int base) {
     strtolTexts->push_back(std::string(text) + " in " + std::to_string(base));
   }
   if (base < 0 || base == 1 || base > 36) {
-    // What the C library does, which leaves `end` alone; AddressSanitizer's stand-in for it hands on a
-    // pointer that nobody set.
+    // As in the C library, `end` stays unchanged. AddressSanitizer's replacement of strtol would store an
+    // uninitialised pointer.
     errno = EINVAL;
     return 0;
   }

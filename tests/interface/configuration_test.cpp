@@ -1,10 +1,10 @@
-// The two operations that answer from what is configured.
+// The two operations that answer from the configuration.
 
 #include <cstdint>
 #include <string>
 
-#include "src/almconfig.h"
-#include "tests/asciiutilifimpl/interface_fixture.h"
+#include "src/alarmconfig/almconfig.h"
+#include "tests/interface/interface_fixture.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ TEST_F(IsTransQueltEnabled, IsFalseForEveryOtherValue) {
   }
 }
 
-// An unreadable item switches the translation on.
+// Required: an unreadable item switches the translation on.
 TEST_F(IsTransQueltEnabled, IsTrueWhenTheItemIsAbsent) {
   EXPECT_TRUE(impl.IsTransQueltEnabled());
   EXPECT_THAT(framework.Messages(), ElementsAre(Said(49, 0, "read conf item IsTransQuelt failed."),
@@ -55,7 +55,7 @@ TEST_F(IsTransQueltEnabled, AsksAfreshOnEveryCall) {
   EXPECT_FALSE(impl.IsTransQueltEnabled());
 }
 
-/// The result and the value that the query leaves: "0 15".
+/// The result and the value of the query: "0 15".
 std::string Queried(AsciiUtilInterfaceImpl& impl, const std::string& key1, int numKey) {
   std::int64_t value = 777;
   const std::int64_t result = impl.GetAlmCfgValue(value, key1, "B", "C", numKey);
@@ -66,7 +66,7 @@ void Configure(const std::string& key1, const std::string& numKey, const std::st
   Alarm_Config_Param::Instance()->InsertRecord({key1, "B", numKey, "C", value});
 }
 
-// A missing key is no failure; it answers 0.
+// Required: a missing key is a success with the value 0.
 TEST_F(GetAlmCfgValue, AnswersZeroForAKeyWithoutARecord) { EXPECT_EQ(Queried(impl, "absent", 7), "0 0"); }
 
 TEST_F(GetAlmCfgValue, AnswersTheConfiguredNumber) {

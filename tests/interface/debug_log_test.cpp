@@ -1,7 +1,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "tests/asciiutilifimpl/interface_fixture.h"
+#include "tests/interface/interface_fixture.h"
 
 namespace {
 

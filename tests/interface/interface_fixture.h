@@ -4,10 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "src/asciiutilifimpl.h"
+#include "src/interface/asciiutilifimpl.h"
 #include "tests/recording_fixture.h"
+#ifdef ASCII_UTIL_TEST_THROUGH_RECORDER
+#include "tests/recorder/recorded_implementation.h"
+#endif
 
-/// What the tests of the interface's operations share.
+/// Helpers for the tests of the interface's operations.
 namespace interface_test {
 
 using Texts = std::vector<std::string>;
@@ -17,12 +20,19 @@ inline recording::Message Said(int line, int level, const std::string& text) {
   return {"asciiutilifimpl", "unknown", line, level, text, {}};
 }
 
+/// The recorder must not change any answer, so the same tests also run through it.
+#ifdef ASCII_UTIL_TEST_THROUGH_RECORDER
+using Implementation = recorder_test::RecordedImplementation;
+#else
+using Implementation = NS_ASCII::AsciiUtilInterfaceImpl;
+#endif
+
 class InterfaceTest : public recording::FrameworkTest {
  protected:
-  NS_ASCII::AsciiUtilInterfaceImpl impl;
+  Implementation impl;
 };
 
-/// Answers number conversions itself.
+/// Overrides the number conversion.
 class OwnStr2Num : public NS_ASCII::AsciiUtilInterfaceImpl {
  public:
   bool Str2Num(const std::string& text, int& value, int base) override {

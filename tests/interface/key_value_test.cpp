@@ -1,6 +1,6 @@
 #include <string>
 
-#include "tests/asciiutilifimpl/interface_fixture.h"
+#include "tests/interface/interface_fixture.h"
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
 
@@ -34,8 +34,8 @@ TEST_F(GetKeyValue, TrimsPairsButNotNextToTheEqualsSign) {
   EXPECT_EQ(impl.GetKeyValue("A", "\tA=1\r\n,B=2"), "1");
 }
 
-// The search ends at the pair, but as it found no value the rest of the text counts as one. Callers rely on
-// it.
+// Required: the search ends at the pair, and its empty value is replaced by the rest of the text. Callers
+// rely on it.
 TEST_F(GetKeyValue, AnswersAnEmptyValueWithTheRestOfTheText) {
   EXPECT_EQ(impl.GetKeyValue("A", "A=,B=2"), ",B=2");
   EXPECT_EQ(impl.GetKeyValue("A", "B=2,A="), "");
@@ -58,7 +58,7 @@ TEST_F(GetKeyValue, FindsNothingForAnEmptyKey) {
   }
 }
 
-// A pair's key ends before its first "=" and holds no ",", so none equals these.
+// The key of a pair ends before its first "=" and contains no ",", so no pair has one of these keys.
 TEST_F(GetKeyValue, FindsNothingForAKeyWithASeparatorOrALeadingBlank) {
   EXPECT_EQ(impl.GetKeyValue("A=B", "A=B=1,A=B"), "");
   EXPECT_EQ(impl.GetKeyValue("A,B", "A,B=1"), "");
@@ -101,8 +101,8 @@ TEST_F(GetKeyValue, IgnoresWhateverStandsBetweenTheNulOfAPairsKeyAndItsEqualsSig
   }
 }
 
-// Long texts are searched in blocks, whose ends must not show; pairs with the key start after every kind of
-// blank and separator, at every place of a block.
+// A search in blocks must not depend on where a block ends: pairs with the key start after every kind of
+// blank and separator, at every offset in a block.
 TEST_F(GetKeyValue, AgreesWithTheLiteralRuleOnLongTexts) {
   testing_text::RandomText random(48);
   for (int trial = 0; trial < testing_text::Trials(20000); ++trial) {

@@ -1,7 +1,7 @@
 #include <cstdint>
 #include <string>
 
-#include "tests/asciiutilifimpl/interface_fixture.h"
+#include "tests/interface/interface_fixture.h"
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
 
@@ -54,7 +54,7 @@ TEST_F(ParseListMap, TakesOnlyPathForAPath) {
               ElementsAre(Pair(std::string("PATH\0x", 6), ElementsAre("a", "b"))));
 }
 
-/// Answers splits itself.
+/// Overrides the splitting.
 class OwnSplitStr : public AsciiUtilInterfaceImpl {
  public:
   std::int64_t SplitStr(const std::string& text, const std::string& separator, Texts& pieces) override {

@@ -3,9 +3,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "tests/asciiutilifimpl/interface_fixture.h"
 #include "tests/child_process.h"
 #include "tests/freed_memory.h"
+#include "tests/interface/interface_fixture.h"
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
 
@@ -43,7 +43,7 @@ TEST_F(SplitFirst, SplitsAtTheFirstDelimiter) {
   EXPECT_EQ(head + '|' + tail, "a|b=c");
 }
 
-// It goes on behind as many characters as the set has, not behind the one it found.
+// Required: the tail starts as many characters later as the set has, instead of one.
 TEST_F(SplitFirst, SkipsAsManyCharactersAsTheSetHas) {
   std::string head;
   std::string tail = "tail";
@@ -131,7 +131,7 @@ TEST_F(SplitStr, WorksOnATextAndASeparatorOutOfTheListItself) {
   for (const char* const separator : {",", "--"}) {
     const std::string text = std::string("a") + separator + "b" + separator + "c";
     for (const bool ownText : {true, false}) {
-      Texts pieces(kFull, text);  // The first piece finds no room and moves them all.
+      Texts pieces(kFull, text);  // Appending the first piece reallocates the vector.
       pieces[2] = separator;
       ASSERT_EQ(pieces.capacity(), kFull);
       const FreedMemoryOverwritten overwritten;
@@ -144,7 +144,7 @@ TEST_F(SplitStr, WorksOnATextAndASeparatorOutOfTheListItself) {
   }
 }
 
-// Nothing guards against an empty separator: it is found again and again, and memory runs out.
+// Required: an empty separator is found at the same offset forever, until memory runs out.
 TEST_F(SplitStr, NeverReturnsForAnEmptySeparator) {
   const child::End end = child::EndOf([this] {
     child::LimitMemory(std::size_t{64} << 20);

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "tests/asciiutilifimpl/interface_fixture.h"
+#include "tests/interface/interface_fixture.h"
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
 
@@ -38,7 +38,7 @@ TEST_F(IsContain, FindsASubString) {
   EXPECT_FALSE(impl.IsContain("B", "abc"));
 }
 
-// Only the first character is looked at, so a NUL behind it is a character like any other.
+// Only a NUL as the first character is special; a later one is an ordinary character.
 TEST_F(IsContain, FindsNothingThatStartsWithNul) {
   EXPECT_FALSE(impl.IsContain(std::string("\0b", 2), std::string("a\0b", 3)));
   EXPECT_TRUE(impl.IsContain(std::string("a\0b", 3), std::string("xa\0b", 4)));

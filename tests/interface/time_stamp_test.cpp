@@ -2,8 +2,8 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "tests/asciiutilifimpl/c_library.h"
-#include "tests/asciiutilifimpl/interface_fixture.h"
+#include "tests/interface/c_library.h"
+#include "tests/interface/interface_fixture.h"
 
 namespace {
 
@@ -55,7 +55,7 @@ TEST_F(GetTimeStamp, IsEmptyAndLoggedFromTheYear10000On) {
 }
 
 TEST_F(GetTimeStamp, IsEmptyAndLoggedForAYearThatNoIntHolds) {
-  clockReads = 67768036191676799;  // The last second whose years since 1900 still fit.
+  clockReads = 67768036191676799;  // The last second whose years since 1900 fit an int.
   EXPECT_EQ(impl.GetTimeStamp(), "");
   EXPECT_THAT(framework.Messages(), ElementsAre(Said(86, 1, "sprintf_s failed.")));
 }
@@ -77,7 +77,7 @@ TEST_F(GetTimeStamp, FitsDownToTheYearMinus999) {
 }
 
 TEST_F(GetTimeStamp, IsEmptyWithoutAWordWhenTheClockCannotBeBrokenDown) {
-  clockReads = 67768036191676800;  // The first second whose years since 1900 no int holds.
+  clockReads = 67768036191676800;  // The first second whose years since 1900 do not fit an int.
   EXPECT_EQ(impl.GetTimeStamp(), "");
   clockReads = INT64_MAX;
   EXPECT_EQ(impl.GetTimeStamp(), "");
