@@ -1,4 +1,7 @@
-#include "src/logmgr.h"
+// The log manager and its thread-specific storage of debug positions. The log manager lies in static storage;
+// each thread's record belongs to the storage. Any thread may log; logmgr.h says who may release.
+
+#include "src/log/logmgr.h"
 
 #include <ace/Guard_T.h>
 #include <ace/Log_Category.h>
@@ -13,7 +16,8 @@
 #include <memory>
 #include <new>
 
-#include "src/logmsg.h"
+#include "src/log/logmsg.h"
+#include "src/log/messages.h"
 
 namespace NS_ASCII {
 namespace {
@@ -25,28 +29,27 @@ std::atomic<LogMgr*> theLogMgr{nullptr};
 
 alignas(LogMgr) unsigned char logMgrPlace[sizeof(LogMgr)];
 
-/// ACE's storage has a message of its own for this, but under which line is up to the compiler. Whoever
-/// watches the log knows it by this one.
+/// ACE logs this itself, but its line number depends on the compiler; log watchers expect 90.
 void ReportFailedSlot() {
   const int error = ACE_Log_Msg::last_error_adapter();
   if (ACE_Log_Category_TSS* const log = ACE_Log_Category::ace_lib().per_thr_obj(); log != nullptr) {
-    log->conditional_set("logmgr", 90, -1, error);
-    log->log(LM_ERROR, "%p\n", "Error: ACE_Thread::setspecific() failed!");
+    log->conditional_set(messages::kSlotNotSet.tag, messages::kSlotNotSet.number, -1, error);
+    log->log(LM_ERROR, "%p\n", messages::kSlotNotSet.text);
   }
 }
 
 }  // namespace
 
-/// What exists from the load of the library to its unload. The lock and its map are part of the library's
-/// given shape; nothing uses them.
+/// Exists from the load of the library to its unload. Required: the lock and the map, which nothing uses.
 class ModuleState {
  public:
   ModuleState() = default;
   ModuleState(const ModuleState&) = delete;
   ModuleState& operator=(const ModuleState&) = delete;
 
-  /// At unload the thread key must go: its clean-up is about to be unmapped, and a process has only some
-  /// thousand keys. Everything else of the log manager stays as it is.
+  /// Frees the thread key: the key's clean-up function is about to be unmapped, and a process has only about
+  /// a thousand keys. The rest of the log manager stays usable: this also runs at process exit, when other
+  /// threads and later exit handlers may still log.
   ~ModuleState() {
     if (LogMgr* const manager = theLogMgr.load(std::memory_order_acquire); manager != nullptr) {
       manager->storage_.Close();
@@ -65,12 +68,12 @@ ModuleState moduleState;
 PosStorage::~PosStorage() { Close(); }
 
 PosForDbg* PosStorage::Record() {
-  // The key's number may belong to somebody else by now.
-  if (closed_.load(std::memory_order_acquire) || !HasKey()) {
+  if (IsClosed() || !HasKey()) {
     return nullptr;
   }
   if (PosForDbg* const record = ts_value(); record != nullptr) {
-    return record;
+    // After `Close` another library may own the key, and `record` may be that library's value.
+    return IsClosed() ? nullptr : record;
   }
   std::unique_ptr<PosForDbg> record(new (std::nothrow) PosForDbg);
   if (record == nullptr) {
@@ -81,7 +84,7 @@ PosForDbg* PosStorage::Record() {
 }
 
 bool PosStorage::HasKey() {
-  // Acquire: pairs with the release below, behind which the key does not change.
+  // Acquire: pairs with the release below, after which the key does not change.
   if (!hasKey_.load(std::memory_order_acquire)) {
     if (ts_init() != 0 || !once_) {
       return false;
@@ -95,19 +98,25 @@ bool PosStorage::Store(PosForDbg* record) const {
   if (ACE_Thread::setspecific(key_, record) == 0) {
     return true;
   }
-  ReportFailedSlot();
+  if (!IsClosed()) {
+    ReportFailedSlot();
+  }
   return false;
 }
 
 void PosStorage::Close() {
-  if (closed_.exchange(true, std::memory_order_acq_rel) || !once_) {
+  if (IsClosed() || !hasKey_.load(std::memory_order_acquire)) {
+    closed_.store(true, std::memory_order_release);
     return;
   }
-  const std::unique_ptr<PosForDbg> record(ts_value());
+  std::unique_ptr<PosForDbg> record(ts_value());
   static_cast<void>(Store(nullptr));
+  record.reset();
+  // Set before the key is freed, so that a thread whose use of the key fails sees that the storage is closed.
+  closed_.store(true, std::memory_order_release);
   ACE_OS::thr_key_detach(key_);
   ACE_OS::thr_keyfree(key_);
-  once_ = false;  // So the storage's own destructor has no key to free.
+  once_ = false;  // The base's destructor must not free it again.
 }
 
 LogMgr* LogMgr::Instance() {
@@ -136,7 +145,7 @@ void LogMgr::Release() {
 }
 
 LogMgr::LogMgr() {
-  // A log manager without a logger is a valid one: it drops what it is given.
+  // Without a logger the log manager drops its messages.
   static_cast<void>(ObtainOwnLogger());
 }
 
@@ -151,11 +160,17 @@ bool LogMgr::ObtainOwnLogger() {
 }
 
 void LogMgr::LogPos(const std::string& message) {
-  const PosForDbg* const position = storage_.Record();
-  if (position == nullptr || logger_ == nullptr) {
-    return;
+  if (const PosForDbg* const position = storage_.Record(); position != nullptr) {
+    LogAt(*position, message);
+  } else if (storage_.IsClosed()) {
+    LogAt(PosForDbg(), message);
   }
-  logger_->Log(position->file, position->func, position->line, 0, message);
+}
+
+void LogMgr::LogAt(const PosForDbg& position, const std::string& message) {
+  if (logger_ != nullptr) {
+    logger_->Log(position.file, position.func, position.line, 0, message);
+  }
 }
 
 }  // namespace NS_ASCII

@@ -1,5 +1,5 @@
-#ifndef SRC_LOGMGR_H_
-#define SRC_LOGMGR_H_
+#ifndef SRC_LOG_LOGMGR_H_
+#define SRC_LOG_LOGMGR_H_
 
 #include <ace/Copy_Disabled.h>
 #include <ace/TSS_T.h>
@@ -11,54 +11,55 @@
 
 namespace NS_ASCII {
 
-/// The thread-specific storage of debug positions: one record a thread, made on the thread's first access
-/// and destroyed when the thread ends.
+/// The thread-specific storage of debug positions: one record for each thread, made on the thread's first
+/// access and destroyed when the thread ends.
 ///
-/// The thread key's clean-up is code of this library. So the key must not outlive the library's mapping,
-/// and `Close` gives it back.
+/// The thread key's clean-up is code of this library, so the key must not outlive the library's mapping:
+/// `Close` frees it.
 class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
  public:
   PosStorage() = default;
   ~PosStorage() override;
 
-  /// The calling thread's record; null when it cannot be made or stored (the latter is reported to ACE's
-  /// error log), or the storage is closed.
+  /// The calling thread's record. Null when the storage is closed, or when the record cannot be made or
+  /// stored; a failed store is reported to ACE's error log.
   NS_LOG_SERVICE1::PosForDbg* Record();
 
-  /// Frees the thread key and the calling thread's record. Records of other threads stay allocated: with the
-  /// key gone nobody can reach them. To be called while no other thread is in this library; a second call
-  /// does nothing.
+  /// Destroys the calling thread's record and frees the thread key. Records of other threads stay allocated:
+  /// without the key they cannot be reached. A second call does nothing.
   void Close();
+
+  [[nodiscard]] bool IsClosed() const { return closed_.load(std::memory_order_acquire); }
 
  private:
   bool HasKey();
   [[nodiscard]] bool Store(NS_LOG_SERVICE1::PosForDbg* record) const;
 
-  std::atomic<bool> hasKey_{false};  // The base's own flag is read without its lock, so it is not asked.
+  std::atomic<bool> hasKey_{false};  // The base reads its own flag without its lock.
   std::atomic<bool> closed_{false};
 };
 
 /// Logs messages with the calling thread's debug position, through a logger of its own. Nothing sets a
-/// position, so that file and function are always empty.
+/// position, so file and function are always empty.
 ///
-/// There is one log manager, made on first use and, `Release` aside, never destroyed: neither by the service
-/// object nor at unload. Its place is static storage, so it goes with the library's mapping. Only its thread
-/// key is given back at unload (see the module state in logmgr.cpp).
+/// Required: there is one log manager, made on first use, and only `Release` destroys it. It lies in static
+/// storage. At unload and at process exit only its thread key is freed (see `ModuleState` in logmgr.cpp);
+/// messages after that are logged with an empty position.
 ///
-/// Ownership: the logger counts as its own, and `Release` destroys it. Nothing in the library calls
-/// `Release`, so in production the log service keeps it.
+/// Ownership: `Release` destroys the logger. Nothing in the library calls `Release`, so in production the
+/// logger stays with the log service.
 /// Threads: `Instance` and `LogPos` from any thread; `Release` only while no other thread uses either.
 class LogMgr : private ACE_Copy_Disabled {
  public:
   /// The log manager, made on first use under ACE's static object lock, which is held while the logger is
-  /// asked for. Null when that lock cannot be taken.
+  /// fetched. Null when that lock cannot be taken.
   static LogMgr* Instance();
 
-  /// Destroys the log manager, if there is one, and its logger. The next `Instance` makes a new one.
+  /// Destroys the log manager, if there is one, and its logger. The next `Instance` makes a new log manager.
   static void Release();
 
-  /// Logs `message` at level 0 with the calling thread's position. Dropped when there is no record for the
-  /// thread, or no logger: it is asked for once, when the log manager is made.
+  /// Logs `message` at level 0 with the calling thread's position. The message is dropped when there is no
+  /// logger, which is fetched once, when the log manager is made, or no record for the thread.
   void LogPos(const std::string& message);
 
  private:
@@ -67,8 +68,10 @@ class LogMgr : private ACE_Copy_Disabled {
   LogMgr();
   ~LogMgr();
 
-  /// Fetches the logger; whether there is one now.
+  /// Fetches the logger and returns whether there is one.
   bool ObtainOwnLogger();
+
+  void LogAt(const NS_LOG_SERVICE1::PosForDbg& position, const std::string& message);
 
   PosStorage storage_;
   NS_LOG_SERVICE1::Logger* logger_ = nullptr;
@@ -76,4 +79,4 @@ class LogMgr : private ACE_Copy_Disabled {
 
 }  // namespace NS_ASCII
 
-#endif  // SRC_LOGMGR_H_
+#endif  // SRC_LOG_LOGMGR_H_

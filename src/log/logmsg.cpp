@@ -1,4 +1,7 @@
-#include "src/logmsg.h"
+// Sends the library's messages to the platform's log service. The shared logger belongs to the log service
+// and is never released; the null interface lies in static storage. Any thread may call.
+
+#include "src/log/logmsg.h"
 
 #include <ace/Guard_T.h>
 
@@ -19,30 +22,29 @@ using NS_LOG_SERVICE1::LogSvcInterface;
 
 constexpr const char* kFunctionName = "unknown";
 
-/// The shared logger; null until one could be obtained. Release/acquire, so that a thread that finds it
-/// also finds what its maker wrote into it.
+/// The shared logger; null until one was obtained. Release/acquire, so that a thread that reads it also sees
+/// the logger's own initialisation.
 std::atomic<Logger*> sharedLogger{nullptr};
 
-/// The library's null interface. A plain pointer, because lookups carry its address; it is only touched
-/// with the atomic operations below.
+/// The library's null interface. A plain pointer, because `InterfaceRef` takes its address; it is accessed
+/// only through the atomic operations below.
 NULLServiceInterface* nullInterface = nullptr;
 
-/// The null interface is never destroyed. Living here instead of on the heap, it leaves nothing behind
-/// when the library is unloaded.
+/// Required: the null interface is never destroyed. It lies in static storage, so unloading leaks nothing.
 alignas(NULLServiceInterface) unsigned char nullInterfacePlace[sizeof(NULLServiceInterface)];
 
 void MakeNullInterfaceReady() {
   if (__atomic_load_n(&nullInterface, __ATOMIC_ACQUIRE) != nullptr) {
     return;
   }
-  // A lock that cannot be taken does not stop the creation.
+  // Required: created even if locking fails.
   const ACE_Guard<ACE_Thread_Mutex> guard(NS_BUNDLEMGR1::_g_actualmutex);
   if (__atomic_load_n(&nullInterface, __ATOMIC_RELAXED) == nullptr) {
     __atomic_store_n(&nullInterface, new (nullInterfacePlace) NULLServiceInterface, __ATOMIC_RELEASE);
   }
 }
 
-/// Null when the names cannot be built or the service throws: both count as "no logger".
+/// Null when the names cannot be built or the service throws.
 Logger* AskForLogger(LogSvcInterface& service, const char* bundle, const char* name, const char* channel) {
   try {
     return service.GetLogger(bundle, name, channel);
@@ -76,15 +78,15 @@ Logger* ObtainLogger(const char* bundle, const char* service, const char* channe
   }
 }
 
-void LogMessage(const char* tag, int line, int level, const char* text) {
+void LogMessage(const messages::Message& message) {
   if (Logger* const logger = SharedLogger(); logger != nullptr) {
-    logger->Log(tag, kFunctionName, line, level, text);
+    logger->Log(message.tag, kFunctionName, message.number, message.level, message.text);
   }
 }
 
-void LogFormatted(const char* tag, int line, int level, const char* format, const char* value) {
+void LogFormatted(const messages::Message& message, const char* value) {
   if (Logger* const logger = SharedLogger(); logger != nullptr) {
-    logger->LogF(tag, kFunctionName, line, level, format, value);
+    logger->LogF(message.tag, kFunctionName, message.number, message.level, message.text, value);
   }
 }
 

@@ -1,4 +1,7 @@
-#include "src/asciiutilsvc.h"
+// The bundle's service object, its factory and its exterminator. The framework owns the service object and
+// calls it from one thread at a time.
+
+#include "src/service/asciiutilsvc.h"
 
 #include <ace/Assert.h>
 
@@ -6,17 +9,11 @@
 
 #include "framework/config_items.h"
 #include "framework/interface_registry.h"
-#include "src/almconfig.h"
-#include "src/asciiutilifimpl.h"
-#include "src/logmsg.h"
+#include "src/alarmconfig/almconfig.h"
+#include "src/interface/asciiutilifimpl.h"
+#include "src/log/logmsg.h"
 
 namespace NS_ASCII {
-namespace {
-
-constexpr const char* kTag = "asciiutilsvc";
-constexpr int kLevel = 2;
-
-}  // namespace
 
 ii_ascii_util::ii_ascii_util() : ServiceObjectBase("ii_asciiagent_bundle", "ii_ascii_util") {
   interface_ = new AsciiUtilInterfaceImpl;
@@ -36,13 +33,13 @@ int ii_ascii_util::fini() { return 0; }
 
 int ii_ascii_util::init(int /*argc*/, ACE_TCHAR* /*argv*/[]) {
   if (NS_BUNDLEMGR1::GetCfgDirPath().empty()) {
-    LogMessage(kTag, 25, kLevel, "Get environment variable kelp failed !!");
+    LogMessage(messages::kNoConfigDirectory);
     return -1;
   }
   const std::string path = NS_BUNDLEMGR1::GetCfgDirPath() + "ii_asciiagent_bundle/AlarmConfig.csv";
-  // Loaded or not, the service runs.
+  // Required: the service runs without a configuration file too.
   static_cast<void>(Alarm_Config_Param::Instance()->LoadConfig(path.c_str()));
-  LogMessage(kTag, 32, kLevel, "run successfull!! ");
+  LogMessage(messages::kInitSucceeded);
   return 0;
 }
 
@@ -50,7 +47,7 @@ int ii_ascii_util::init(int /*argc*/, ACE_TCHAR* /*argv*/[]) {
 
 namespace {
 
-/// The exterminator. ACE's own assertion is called directly, so that it holds in every build.
+/// The exterminator. Calls ACE's assertion function directly, so that builds without assertions check it too.
 void destroy_ii_ascii_util(void* object) {
   auto* const service = static_cast<ACE_Service_Object*>(object);
   if (service == nullptr) {

@@ -1,5 +1,5 @@
-#ifndef SRC_ASCIIUTILSVC_H_
-#define SRC_ASCIIUTILSVC_H_
+#ifndef SRC_SERVICE_ASCIIUTILSVC_H_
+#define SRC_SERVICE_ASCIIUTILSVC_H_
 
 #include <ace/Global_Macros.h>
 #include <ace/Service_Object.h>
@@ -11,8 +11,8 @@ namespace NS_ASCII {
 /// The bundle's service object: publishes the interface at construction, loads the alarm configuration at
 /// `init`.
 ///
-/// Life: factory (interface registered as "AsciiUtilInterface"), `init`, `fini`, exterminator. The interface
-/// can be called from the first of these on. Withdrawing and destroying it is the base's business.
+/// Life cycle: factory (registers the interface as "AsciiUtilInterface"), `init`, `fini`, exterminator. The
+/// interface can be called as soon as it is registered. The base withdraws and destroys it.
 ///
 /// Invariants: no data members. `fini` is declared before `init`, which fixes their slots.
 ///
@@ -23,18 +23,18 @@ class ii_ascii_util : public NS_BUNDLEMGR1::ServiceObjectBase {
   ii_ascii_util();
   ~ii_ascii_util() override;
 
-  /// Does nothing, on purpose.
+  /// Required: does nothing.
   void SvcHook() override;
 
-  /// Makes a new interface, keeps it in place of the one before (which is not freed) and returns it; does not
-  /// register it.
+  /// Makes a new interface, stores it instead of the previous one, which is not freed, and returns it; does
+  /// not register it.
   NS_BUNDLEMGR1::ServiceInterface* CreateInterface() override;
 
   /// Always 0; does nothing.
   int fini() override;
 
-  /// Loads "ii_asciiagent_bundle/AlarmConfig.csv" below the configuration directory; the arguments are not
-  /// used. -1 when the directory is not known; else 0, whether there was a file or not.
+  /// Loads "ii_asciiagent_bundle/AlarmConfig.csv" below the configuration directory; ignores the arguments.
+  /// Returns -1 when the directory is unknown, otherwise 0, with or without a file.
   int init(int argc, ACE_TCHAR* argv[]) override;
 };
 
@@ -46,4 +46,4 @@ class ii_ascii_util : public NS_BUNDLEMGR1::ServiceObjectBase {
 extern "C" PLATFORM_API ACE_Service_Object* _make_ii_ascii_util(
     ACE_Service_Object_Exterminator* exterminator);
 
-#endif  // SRC_ASCIIUTILSVC_H_
+#endif  // SRC_SERVICE_ASCIIUTILSVC_H_

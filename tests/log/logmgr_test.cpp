@@ -1,4 +1,4 @@
-#include "src/logmgr.h"
+#include "src/log/logmgr.h"
 
 #include <ace/Log_Category.h>
 #include <ace/Log_Msg.h>
@@ -12,15 +12,19 @@
 #include <new>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "tests/recording_fixture.h"
 
 namespace {
 
-std::atomic<const void*> watched{nullptr};  ///< the piece of memory whose end is of interest
+std::atomic<const void*> watched{nullptr};  ///< the memory whose release the test observes
 std::atomic<int> watchedFreed{0};
 std::atomic<bool> aceLocksFail{false};
+int freedBeforeKey = 0;  ///< how often `watched` was freed when a thread key was freed
+/// The next allocation of a record closes this storage, as if the main thread did so at exit.
+NS_ASCII::PosStorage* closedByNextAllocation = nullptr;
 
 void NoteFreed(const void* piece) noexcept {
   if (piece != nullptr && piece == watched.load()) {
@@ -31,13 +35,19 @@ void NoteFreed(const void* piece) noexcept {
 
 }  // namespace
 
-// The linker sends ACE's mutex locking here (--wrap), so that a test can make it fail.
+// The linker redirects ACE's mutex locking to this function (--wrap), so that a test can make it fail.
 extern "C" int __real__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(pthread_mutex_t*);
 extern "C" int __wrap__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(pthread_mutex_t* mutex) {
   return aceLocksFail ? -1 : __real__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(mutex);
 }
 
-// Kept out of line: the compiler would otherwise take an inlined pair for a mismatched one.
+extern "C" int __real__ZN6ACE_OS11thr_keyfreeEj(pthread_key_t);
+extern "C" int __wrap__ZN6ACE_OS11thr_keyfreeEj(pthread_key_t key) {
+  freedBeforeKey = watchedFreed;
+  return __real__ZN6ACE_OS11thr_keyfreeEj(key);
+}
+
+// Not inlined: the compiler would otherwise warn about a mismatched pair of new and delete.
 [[gnu::noinline]] void* operator new(std::size_t size) {
   if (void* const piece = std::malloc(size); piece != nullptr) {
     return piece;
@@ -45,6 +55,10 @@ extern "C" int __wrap__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(pthread_mutex_t*
   throw std::bad_alloc();
 }
 [[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  if (NS_ASCII::PosStorage* const storage = std::exchange(closedByNextAllocation, nullptr);
+      storage != nullptr) {
+    storage->Close();
+  }
   return std::malloc(size);
 }
 [[gnu::noinline]] void operator delete(void* piece) noexcept {
@@ -74,7 +88,7 @@ class LogMgrTest : public recording::FrameworkTest {
   LogMgrTest() {
     framework.logger = [this] { return lastLogger = new recording::Logger; };
   }
-  // The log manager owns the logger it was given.
+  // The log manager owns its logger.
   ~LogMgrTest() override {
     aceLocksFail = false;
     LogMgr::Release();
@@ -85,7 +99,7 @@ class LogMgrTest : public recording::FrameworkTest {
 
 class PosStorageTest : public LogMgrTest {};
 
-/// Runs `work` on a thread of its own and waits for it.
+/// Runs `work` on a new thread and waits for it.
 template <class Work>
 void OnAnotherThread(Work work) {
   std::thread(work).join();
@@ -137,7 +151,7 @@ TEST_F(LogMgrTest, ObtainsItsLoggerAndSaysWhetherItGotOne) {
   EXPECT_EQ(manager->logger_, nullptr);
 }
 
-// Unlike the message path it does not ask again.
+// Unlike the shared logger, a missing logger is not requested again.
 TEST_F(LogMgrTest, StaysWithoutALoggerWhenTheLogServiceComesLater) {
   framework.Unregister("LogSvcInterface");
   LogMgr::Instance();
@@ -250,7 +264,7 @@ TEST_F(PosStorageTest, DestroysAThreadsRecordWhenTheThreadEnds) {
   watchedFreed = 0;
   OnAnotherThread([&] {
     PosForDbg* const record = storage.Record();
-    record->file = std::string(100, 'x');  // A leak checker sees it when it is freed without its destructor.
+    record->file = std::string(100, 'x');  // Leaks when the record is freed without its destructor.
     watched = record;
     EXPECT_EQ(watchedFreed, 0);
   });
@@ -270,13 +284,33 @@ TEST_F(PosStorageTest, CloseFreesTheKeyAndTheCallingThreadsRecordAndEndsTheAcces
   }
 }
 
+TEST_F(PosStorageTest, CloseDestroysTheCallingThreadsRecordBeforeItFreesTheKey) {
+  PosStorage storage;
+  watched = storage.Record();
+  watchedFreed = 0;
+  freedBeforeKey = -1;
+  storage.Close();
+  EXPECT_EQ(freedBeforeKey, 1);
+}
+
+// At process exit other threads and later exit handlers still log.
+TEST_F(LogMgrTest, LogsWithAnEmptyPositionAfterTheStorageIsClosed) {
+  LogMgr* const manager = LogMgr::Instance();
+  manager->storage_.Record()->file = "file";
+  manager->storage_.Close();
+  manager->LogPos("mine");
+  OnAnotherThread([&] { manager->LogPos("another thread's"); });
+  EXPECT_THAT(framework.Messages(),
+              ElementsAre(Message{"", "", 0, 0, "mine", {}}, Message{"", "", 0, 0, "another thread's", {}}));
+}
+
 TEST_F(PosStorageTest, CloseOfAnUnusedStorageEndsTheAccess) {
   PosStorage storage;
   storage.Close();
   EXPECT_EQ(storage.Record(), nullptr);
 }
 
-/// All thread keys that are left, taken away for as long as this lives.
+/// Allocates all thread keys that are left, and frees them when it is destroyed.
 class AllKeys {
  public:
   AllKeys() {
@@ -311,7 +345,7 @@ TEST_F(PosStorageTest, HasNoRecordWithoutAThreadKeyAndTriesAgain) {
 
 // --- The report of a failed thread slot
 
-/// What this thread tells ACE's error log while it lives.
+/// Collects this thread's messages to ACE's error log while it exists.
 class AceLog : public ACE_Log_Msg_Callback {
  public:
   struct Entry {
@@ -323,7 +357,7 @@ class AceLog : public ACE_Log_Msg_Callback {
   };
 
   AceLog() : flags_(ACE_LOG_MSG->flags()) {
-    // Makes the keys that ACE itself needs, so that it does not take one that a test has taken away.
+    // ACE allocates its own thread keys here, so that it does not get a key that a test has freed.
     ACE_Log_Category::ace_lib().per_thr_obj();
     ACE_LOG_MSG->clr_flags(ACE_Log_Msg::STDERR);
     ACE_LOG_MSG->set_flags(ACE_Log_Msg::MSG_CALLBACK);
@@ -358,10 +392,23 @@ void ExpectSlotReport(const std::vector<AceLog::Entry>& entries) {
   EXPECT_EQ(entries[0].status, -1);
 }
 
-// The key is taken away behind the storage's back, which makes its slots invalid.
+TEST_F(PosStorageTest, ReportsNothingWhenTheKeyWasFreedMeanwhile) {
+  LogMgr* const manager = LogMgr::Instance();
+  manager->LogPos("first");
+  OnAnotherThread([&] {
+    const AceLog log;
+    closedByNextAllocation = &manager->storage_;
+    manager->LogPos("second");
+    EXPECT_EQ(closedByNextAllocation, nullptr);
+    EXPECT_THAT(log.entries, IsEmpty());
+  });
+  EXPECT_THAT(framework.Messages(), SizeIs(2));
+}
+
+// The test frees the storage's key, which makes its slots invalid.
 TEST_F(PosStorageTest, ReportsASlotThatCannotBeStored) {
   LogMgr* const manager = LogMgr::Instance();
-  delete manager->storage_.Record();  // Of this thread, which ACE is going to lose sight of.
+  delete manager->storage_.Record();  // This thread's record; without the key ACE cannot reach it.
   OnAnotherThread([&] {
     AceLog log;
     pthread_key_delete(manager->storage_.key_);

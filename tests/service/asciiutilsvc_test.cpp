@@ -1,4 +1,4 @@
-#include "src/asciiutilsvc.h"
+#include "src/service/asciiutilsvc.h"
 
 #include <filesystem>
 #include <ios>
@@ -8,15 +8,15 @@
 #include <vector>
 
 #include "framework/interface_registry.h"
-#include "src/almconfig.h"
-#include "src/asciiutilifimpl.h"
+#include "src/alarmconfig/almconfig.h"
+#include "src/interface/asciiutilifimpl.h"
 #include "tests/counters_at_abort.h"
 #include "tests/recording_fixture.h"
 #include "tests/temp_directory.h"
 
 namespace {
 
-std::vector<std::string>* openedFiles = nullptr;  ///< where files are noted as they are opened
+std::vector<std::string>* openedFiles = nullptr;  ///< records the files that are opened
 
 void NoteOpened(const char* path) {
   if (openedFiles != nullptr) {
@@ -26,8 +26,8 @@ void NoteOpened(const char* path) {
 
 }  // namespace
 
-// The linker sends the opening of files by the standard library here (--wrap), so that a test can see it: of
-// file buffers where the compiler takes the streams apart, else of the streams.
+// The linker redirects the standard library's opening of files to these functions (--wrap), so that a test
+// can observe it: of file buffers where the compiler inlines the streams, otherwise of the streams.
 extern "C" {
 using OpenMode = std::ios_base::openmode;
 
@@ -63,7 +63,7 @@ using ::testing::IsEmpty;
 
 class ServiceTest : public recording::FrameworkTest {
  protected:
-  /// A new service object from the factory, to be destroyed by its exterminator.
+  /// A new service object from the factory; its exterminator destroys it.
   std::unique_ptr<ACE_Service_Object, ACE_Service_Object_Exterminator> Make() {
     ACE_Service_Object_Exterminator exterminator = nullptr;
     ACE_Service_Object* const object = _make_ii_ascii_util(&exterminator);
@@ -75,14 +75,14 @@ class ServiceTest : public recording::FrameworkTest {
     return dynamic_cast<ii_ascii_util&>(*object);
   }
 
-  /// What the process-wide configuration holds under a key whose first part is `key1`.
+  /// The value of the process-wide configuration for a key that starts with `key1`.
   static std::string Configured(const std::string& key1) {
     std::string value = "(none)";
     Alarm_Config_Param::Instance()->GetValue(AlarmConfigRecord{key1, "k", "1", "c", ""}, value);
     return value;
   }
 
-  /// What `init` answers and the files it opens with that configuration directory: "0 FILE".
+  /// The result of `init` and the files that it opens with that configuration directory: "0 FILE".
   std::string InitIn(const std::string& cfgDir) {
     const auto object = Make();
     framework.cfgDir = cfgDir;
@@ -318,7 +318,7 @@ TEST_F(ServiceObject, DoesNothingInItsHook) {
 TEST_F(ServiceObject, MakesAnInterfaceInPlaceOfTheOldOneAndRegistersNothing) {
   const auto object = Make();
   ii_ascii_util& service = ServiceIn(object);
-  const std::unique_ptr<ServiceInterface> old(service.GetInterface());  // It is not freed by the service.
+  const std::unique_ptr<ServiceInterface> old(service.GetInterface());  // The service does not free it.
   framework.ForgetCalls();
   ServiceInterface* const made = service.CreateInterface();
   ASSERT_NE(made, nullptr);
