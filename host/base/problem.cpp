@@ -1,10 +1,6 @@
-#include "host/problem.h"
+#include "host/base/problem.h"
 
 namespace host {
-
-void FailAt(const std::string& file, int line, std::size_t column, const std::string& reason) {
-  throw Failure(file + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + reason);
-}
 
 std::string CurrentExceptionText() {
   try {

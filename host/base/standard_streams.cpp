@@ -1,13 +1,13 @@
-#include "host/standard_streams.h"
+#include "host/base/standard_streams.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 void host::HoldStandardStreams() {
-  // In this order, as each opening takes the lowest number that is free.
+  // In ascending order: `open` returns the lowest free descriptor.
   for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
     if (fcntl(stream, F_GETFD) < 0) {
-      // Opened for the wrong direction, so that it cannot be used.
+      // The opposite direction makes every read or write of the descriptor fail.
       static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
     }
   }

@@ -1,4 +1,4 @@
-#include "host/suggest.h"
+#include "host/base/suggest.h"
 
 #include <algorithm>
 
@@ -7,7 +7,7 @@ namespace {
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-/// Edit distance, neighbours swapped counting one, case ignored.
+/// Edit distance that ignores case and counts a swap of two neighbours as 1.
 std::size_t Distance(const std::string& a, const std::string& b) {
   std::vector<std::vector<std::size_t>> rows(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
   for (std::size_t i = 0; i <= a.size(); ++i) {
@@ -31,7 +31,7 @@ std::size_t Distance(const std::string& a, const std::string& b) {
 
 std::string DidYouMean(const std::string& word, const std::vector<std::string>& names,
                        const std::string& otherwise) {
-  constexpr std::size_t kLongestSlip = 100;  // A word of any length may come here.
+  constexpr std::size_t kLongestSlip = 100;  // Bounds the time: callers pass words of any length.
   if (word.size() > kLongestSlip) {
     return otherwise;
   }
@@ -39,7 +39,7 @@ std::string DidYouMean(const std::string& word, const std::vector<std::string>& 
   std::size_t least = std::max<std::size_t>(word.size() / 3, 1) + 1;
   for (const std::string& name : names) {
     if (name.size() >= word.size() + least || word.size() >= name.size() + least) {
-      continue;  // Their lengths alone differ too much.
+      continue;  // The distance is at least the difference in length.
     }
     const std::size_t distance = Distance(word, name);
     if (distance < least) {

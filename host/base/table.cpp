@@ -1,10 +1,10 @@
-#include "host/table.h"
+#include "host/base/table.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "host/text_escape.h"
+#include "host/base/text_escape.h"
 
 namespace host {
 namespace {

@@ -1,6 +1,6 @@
-#include "host/words.h"
+#include "host/base/words.h"
 
-#include "host/problem.h"
+#include "host/base/problem.h"
 
 namespace host {
 namespace {
@@ -8,7 +8,7 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r";
 constexpr std::string_view kEndsPiece = " \t\r'\"";
 
-/// Appends the word at `at` to `word` and returns the position behind it.
+/// Appends the word at `at` to `word` and returns the position after it.
 std::size_t TakeWord(std::string_view line, std::size_t at, std::string& word) {
   while (at < line.size() && kBlanks.find(line[at]) == std::string_view::npos) {
     const bool quoted = line[at] == '\'' || line[at] == '"';
@@ -28,12 +28,15 @@ std::size_t TakeWord(std::string_view line, std::size_t at, std::string& word) {
 
 }  // namespace
 
-Words SplitWords(std::string_view line) {
+Words SplitWords(std::string_view line, std::vector<std::size_t>* columns) {
   Words words;
   for (std::size_t at = 0;;) {
     at = line.find_first_not_of(kBlanks, at);
     if (at == std::string_view::npos || line[at] == '#') {
       return words;
+    }
+    if (columns != nullptr) {
+      columns->push_back(at + 1);
     }
     at = TakeWord(line, at, words.emplace_back());
   }

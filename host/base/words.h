@@ -1,5 +1,5 @@
-#ifndef HOST_WORDS_H_
-#define HOST_WORDS_H_
+#ifndef HOST_BASE_WORDS_H_
+#define HOST_BASE_WORDS_H_
 
 #include <cstddef>
 #include <string>
@@ -10,23 +10,24 @@ namespace host {
 
 using Words = std::vector<std::string>;
 
-/// Splits a command line into words.
+/// Splits a command line into words. Pure functions.
 ///
 ///   line  = { blank } { word blank { blank } } ( word | [ "#" comment ] )
 ///   word  = piece { piece }; the first one does not start with "#"
 ///   piece = one byte that is neither blank nor quote | "'" any but ' "'" | '"' any but " '"'
 ///   blank = space | tab | carriage return
 ///
-/// Between quotes every byte stands for itself, also the other quote, '#' and the backslash; a text with both
-/// quotes is written in pieces side by side: 'say "it'"'"'s"'. '' is an empty word. '#' starts a comment only
-/// where a word could start. The splitter leaves \xNN alone; the commands that take such texts resolve it.
+/// Between quotes every byte is literal, also the other quote, '#' and the backslash; a text with both quotes
+/// is written as adjacent pieces: 'say "it'"'"'s"'. '' is an empty word. '#' starts a comment only where a
+/// word could start. \xNN is unchanged here; the commands that take such texts convert it.
 ///
-/// Throws `LineError` for a quote that is not closed.
-Words SplitWords(std::string_view line);
+/// Throws `LineError` for a quote that is not closed. `columns` (out, may be null) receives the start of each
+/// word, counted from 1.
+Words SplitWords(std::string_view line, std::vector<std::size_t>* columns = nullptr);
 
-/// The words from the one at `from` on, which must not be behind the end.
+/// Copies the words from index `from` to the end. `from` is at most `words.size()`.
 Words Rest(const Words& words, std::size_t from);
 
 }  // namespace host
 
-#endif  // HOST_WORDS_H_
+#endif  // HOST_BASE_WORDS_H_

@@ -1,0 +1,32 @@
+#ifndef HOST_BASE_TEXT_ESCAPE_H_
+#define HOST_BASE_TEXT_ESCAPE_H_
+
+#include <string>
+#include <string_view>
+
+#include "framework/visibility.h"
+
+/// Converts byte strings to and from printable text: printable ASCII is unchanged, other bytes are \xNN.
+/// Pure functions.
+namespace host {
+
+/// Replaces every byte outside printable ASCII, and the backslash, by \xNN with lower-case digits.
+PLATFORM_API std::string EscapeBytes(std::string_view text);
+
+/// As `EscapeBytes`, and also escapes a blank at either end, which would be invisible on a line of its own.
+PLATFORM_API std::string EscapeValue(std::string_view text);
+
+/// Replaces every control character by \xNN; all other bytes, the backslash included, are unchanged. For
+/// messages of one line.
+PLATFORM_API std::string EscapeControls(std::string_view text);
+
+/// Replaces every \xNN (two hexadecimal digits, either case) by its byte. Any other backslash is unchanged.
+PLATFORM_API std::string UnescapeBytes(std::string_view text);
+
+/// Makes `message` one line that is safe to print on a terminal: control characters become \xNN, and the
+/// middle of a message over 2,000 bytes becomes "...". Bytes outside ASCII, as in file names, are unchanged.
+PLATFORM_API std::string OneLine(std::string_view message);
+
+}  // namespace host
+
+#endif  // HOST_BASE_TEXT_ESCAPE_H_
