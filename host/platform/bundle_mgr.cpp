@@ -1,4 +1,4 @@
-#include "host/bundle_table.h"
+#include "host/platform/bundle_mgr.h"
 
 #include <ace/Guard_T.h>
 
@@ -60,7 +60,7 @@ class Table : public BundleMgr {
   std::uint64_t everListed = 0;                                // guarded by lock
 };
 
-/// Never destroyed: service objects may be unlisted while the process is ending.
+/// Never destroyed: service objects may be unlisted while static objects are destroyed.
 Table& TheTable() {
   static auto& table = *new Table;
   return table;

@@ -1,3 +1,6 @@
+// Converts texts between code sets with iconv, for the platform's KelpCodeSetConvert.
+// Threads: any; each keeps the descriptors of the pair of code sets that it used last.
+
 #include <iconv.h>
 
 #include <algorithm>
@@ -10,7 +13,7 @@
 
 namespace {
 
-/// An open iconv descriptor, or none when a code set is unknown.
+/// Owns an iconv descriptor; not open when a code set is unknown.
 class Descriptor {
  public:
   Descriptor() = default;
@@ -30,8 +33,8 @@ class Descriptor {
 
   void Reset() const { iconv(value_, nullptr, nullptr, nullptr, nullptr); }
 
-  /// Converts what fits `room` bytes at `out` and moves all four along; 0, or why it stopped. A null `in`
-  /// writes what a stateful target needs at its end and leaves the descriptor as it was when it was new.
+  /// Converts what fits into `room` bytes at `out` and advances all four. Returns 0, or the errno value that
+  /// stopped it. A null `in` writes the final shift sequence of a stateful target and resets the descriptor.
   int Step(char*& in, std::size_t& left, char*& out, std::size_t& room) const {
     const std::size_t result = iconv(value_, in == nullptr ? nullptr : &in, &left, &out, &room);
     return result == static_cast<std::size_t>(-1) ? errno : 0;
@@ -43,13 +46,14 @@ class Descriptor {
   iconv_t value_ = None();
 };
 
-/// A text that is written at its end. Each time iconv finds its room too small it has worked in vain, so
-/// there is room for the whole of a usual text from the start.
+/// A growing output text. The initial room holds a usual text as a whole: iconv repeats work whenever it
+/// runs out of room.
 class Output {
  public:
   explicit Output(std::size_t room) : text_(room, '\0') {}
 
-  /// Lets `convert` write behind the text as often as it wants more room; returns what stopped it otherwise.
+  /// Appends what `convert` writes, growing the text as needed. Returns 0 or the errno value other than
+  /// E2BIG.
   int Write(const Descriptor& convert, char*& in, std::size_t& left) {
     for (;;) {
       char* out = text_.data() + length_;
@@ -82,10 +86,14 @@ class Output {
   std::size_t length_ = 0;
 };
 
-/// The code sets of usual calls: ASCII is the same in both, and neither has states to switch between.
+/// The most bytes passed to iconv per call. At a character that the target lacks, iconv converts its whole
+/// input once more; pieces keep the time linear.
+constexpr std::size_t kPieceBytes = 256;
+
+/// The code sets of usual calls: both contain ASCII unchanged, and neither has shift states.
 bool IsUsual(std::string_view codeSet) { return codeSet == "UTF-8" || codeSet == "ISO-8859-1"; }
 
-/// Converts between one pair of code sets; whatever stops iconv becomes a '?'.
+/// Converts between one pair of code sets; each character that iconv cannot convert becomes '?'.
 class Converter {
  public:
   bool Open(const std::string& from, const std::string& to) {
@@ -99,20 +107,25 @@ class Converter {
     return convert_.IsOpen() && measure_.IsOpen();
   }
 
-  /// False when something became a '?'.
+  /// Returns false when a '?' was written for a character that could not be converted.
   bool Convert(const std::string& input, std::string& output) {
     bool complete = true;
-    char* in = const_cast<char*>(input.data());  // iconv's signature; it does not write there.
+    char* in = const_cast<char*>(input.data());  // iconv does not write to its input.
     std::size_t left = input.size();
     if (!usual_) {
-      convert_.Reset();  // The conversion before may have run out of memory.
+      convert_.Reset();  // The previous conversion may have thrown std::bad_alloc in a shift state.
     }
     Output converted(input.size());
     while (left > 0) {
-      if (converted.Write(convert_, in, left) != 0) {
+      const std::size_t given = std::min(left, kPieceBytes);
+      std::size_t rest = given;
+      const int problem = converted.Write(convert_, in, rest);
+      left -= given - rest;
+      const bool isCutByPiece = problem == EINVAL && rest < given && rest < left;
+      if (problem != 0 && !isCutByPiece) {
         complete = false;
         converted.Add('?');
-        const std::size_t bad = CharacterLength(in, left);
+        const std::size_t bad = CharacterLength(in, std::min(left, kPieceBytes));
         in += bad;
         left -= bad;
       }
@@ -126,7 +139,7 @@ class Converter {
   }
 
  private:
-  /// The length of the character at `in`, which the target lacks; 1 for a byte that starts no character.
+  /// The length of the character at `in`, which the target lacks; 1 for a malformed byte.
   std::size_t CharacterLength(char* in, std::size_t left) const {
     char character[4];
     char* out = character;
@@ -144,7 +157,7 @@ class Converter {
   bool usual_ = false;
 };
 
-/// Looks at all of the text, as that is faster than stopping at the first byte beyond ASCII.
+/// Reads the whole text: the loop without an early exit is vectorised, and so faster.
 bool IsAscii(const std::string& text) {
   unsigned char allBits = 0;
   for (const char c : text) {

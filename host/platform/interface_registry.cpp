@@ -1,4 +1,4 @@
-#include "host/registry.h"
+#include "host/platform/interface_registry.h"
 
 #include <ace/Guard_T.h>
 
@@ -21,7 +21,7 @@ using NS_BUNDLEMGR1::ServiceInterface;
 using Buffer = std::vector<ServiceInterface*>;
 
 struct Name {
-  std::deque<Buffer> buffers;  // A deque, because the buffers' addresses are handed out.
+  std::deque<Buffer> buffers;  // A deque keeps the addresses of the buffers, which callers hold.
   Buffer* current = nullptr;
   std::uint64_t lookups = 0;
   bool everRegistered = false;
@@ -32,7 +32,7 @@ struct Registry {
   std::map<std::string, Name> names;
 };
 
-/// Never destroyed: bundles may come here while the process is ending.
+/// Never destroyed: bundles may use it while static objects are destroyed.
 Registry& TheRegistry() {
   static auto& registry = *new Registry;
   return registry;
@@ -90,7 +90,7 @@ int SetIFBuf(const std::string& name, ServiceInterface* interface) {
   if (host::IsFilled(entry.current)) {
     newestFirst.insert(newestFirst.end(), entry.current->begin(), entry.current->end());
   }
-  host::Buffer& buffer = host::UnusedBuffer(entry);  // Perhaps the current one, when that was emptied.
+  host::Buffer& buffer = host::UnusedBuffer(entry);  // May be the current one, when that is empty.
   buffer = std::move(newestFirst);
   entry.current = &buffer;
   entry.everRegistered = true;

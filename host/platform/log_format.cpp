@@ -1,4 +1,4 @@
-#include "host/log_format.h"
+#include "host/platform/log_format.h"
 
 #include <cstdio>
 #include <cstring>
@@ -8,13 +8,13 @@ namespace {
 
 const char* SkipAll(const char* text, const char* of) { return text + std::strspn(text, of); }
 
-/// Behind at most three digits; null when there are more.
+/// Skips at most three digits; null when there are more.
 const char* SkipNumber(const char* text) {
   const char* const end = SkipAll(text, "0123456789");
   return end - text > 3 ? nullptr : end;
 }
 
-/// Behind the conversion whose '%' stands before `text`; null when it is not a plain one.
+/// Skips the conversion whose '%' precedes `text`; null when it is not a plain one.
 const char* SkipConversion(const char* text) {
   if (*text == '%') {
     return text + 1;

@@ -1,4 +1,4 @@
-#include "host/log_service.h"
+#include "host/platform/log_service.h"
 
 #include <cstdarg>
 #include <map>
@@ -6,8 +6,8 @@
 #include <tuple>
 
 #include "framework/interface_registry.h"
-#include "host/log_format.h"
-#include "host/log_sink.h"
+#include "host/platform/log_format.h"
+#include "host/platform/log_sink.h"
 
 namespace host {
 namespace {
@@ -17,7 +17,7 @@ using Names = std::tuple<std::string, std::string, std::string>;
 
 struct Loggers {
   std::mutex lock;
-  std::map<Names, Logger*> byNames;  // The loggers own themselves and strike themselves off.
+  std::map<Names, Logger*> byNames;  // The loggers own themselves and remove their entries.
 };
 
 Loggers& TheLoggers() {

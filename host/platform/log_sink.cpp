@@ -1,13 +1,11 @@
-#include "host/log_sink.h"
+#include "host/platform/log_sink.h"
 
 #include <ace/Log_Msg.h>
-#include <ace/Log_Msg_Backend.h>
 #include <ace/Log_Record.h>
 #include <ace/OS_NS_sys_time.h>
 #include <ace/OS_NS_unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -15,14 +13,14 @@
 #include <mutex>
 #include <system_error>
 
-#include "host/text_escape.h"
+#include "host/base/problem.h"
+#include "host/base/text_escape.h"
+#include "host/platform/log_level.h"
 
 namespace host {
 namespace {
 
-std::atomic<int> lowestLevel{0};
-
-/// The calling thread is writing a finished line of ours; anything else that comes is ACE's own.
+/// True while this thread writes a complete line of `WriteLog`; all other records are ACE's own.
 thread_local bool writingOwnLine = false;
 thread_local AceComplaints* complaints = nullptr;
 
@@ -52,8 +50,8 @@ std::string TimeText(std::chrono::system_clock::time_point time) {
 
 std::string OrDash(const std::string& text) { return text.empty() ? "-" : EscapeBytes(text); }
 
-/// A complaint of ACE's service configurator without the process's and thread's numbers and a line that is
-/// not that of the file, since directives come to it one by one: "ACE (17|17) [error 0] on line 1: ".
+/// A message of ACE's service configurator without its prefix "ACE (17|17) [error 0] on line 1: ". The line
+/// number there is meaningless: directives are passed to ACE one by one.
 std::string WithoutAcePlace(const std::string& text) {
   constexpr std::string_view kStart = "ACE (";
   constexpr std::string_view kLine = "] on line ";
@@ -70,7 +68,7 @@ std::string WithoutLineEnd(std::string text) {
   return text;
 }
 
-/// What ACE calls for every record of the process, under its own lock.
+/// Receives every record of the process; ACE calls `log` under its own lock.
 class Backend : public ACE_Log_Msg_Backend {
  public:
   int open(const ACE_TCHAR* /*key*/) override { return 0; }
@@ -91,7 +89,7 @@ class Backend : public ACE_Log_Msg_Backend {
     return 0;
   }
 
-  /// The file to write to, now owned here, and its name; null for standard error.
+  /// Sets the file to write to, which this object then owns, and its name; null for standard error.
   void SetFile(std::FILE* file, const std::string& name) {
     const std::lock_guard<std::mutex> guard(lock_);
     if (file_ != nullptr) {
@@ -107,7 +105,7 @@ class Backend : public ACE_Log_Msg_Backend {
     return file_ != nullptr && !hasGivenUp_;
   }
 
-  /// Whether the file could not be written to at some time; standard error has taken its place since.
+  /// Whether a write to the file has failed; records have gone to standard error since.
   bool HasGivenUp() const {
     const std::lock_guard<std::mutex> guard(lock_);
     return hasGivenUp_;
@@ -132,7 +130,7 @@ class Backend : public ACE_Log_Msg_Backend {
     WriteTo(stderr, line);
   }
 
-  // A thread may log while the output changes, and asks for the file before it has ACE's lock.
+  // Needed besides ACE's lock: `WritesToFile` and `SetFile` are called without that one.
   mutable std::mutex lock_;
   std::FILE* file_ = nullptr;
   std::string name_;
@@ -168,7 +166,7 @@ void WriteLog(const LogRecord& record) {
       captured = true;
     }
   }
-  if (record.level < lowestLevel || (captured && !TheBackend().WritesToFile())) {
+  if (record.level < LogLevel() || (captured && !TheBackend().WritesToFile())) {
     return;
   }
   ACE_Log_Record line(PriorityOf(record.level), ACE_OS::gettimeofday(), ACE_OS::getpid());
@@ -178,30 +176,28 @@ void WriteLog(const LogRecord& record) {
   writingOwnLine = false;
 }
 
-void SetLogLevel(int level) { lowestLevel = level; }
-
-int LogLevel() { return lowestLevel; }
-
-LogOutput::LogOutput(const std::string& file) {
+LogOutput::LogOutput(const std::string& file)
+    : previous_(ACE_Log_Msg::msg_backend()), previousFlags_(ACE_Log_Msg::instance()->flags()) {
   if (!file.empty()) {
     std::FILE* const opened = std::fopen(file.c_str(), "ae");
     if (opened == nullptr) {
-      openProblem_ = file + ": cannot be opened for writing: " + std::generic_category().message(errno);
+      throw Failure(file + ": cannot be opened for writing: " + std::generic_category().message(errno));
     }
     TheBackend().SetFile(opened, file);
   }
   ACE_Log_Msg::msg_backend(&TheBackend());
-  ACE_Log_Msg::instance()->open("bundle_host", ACE_Log_Msg::CUSTOM);
+  ACE_Log_Msg::instance()->clr_flags(previousFlags_);
+  ACE_Log_Msg::instance()->set_flags(ACE_Log_Msg::CUSTOM);
 }
 
 LogOutput::~LogOutput() {
   ACE_Log_Msg::instance()->clr_flags(ACE_Log_Msg::CUSTOM);
-  ACE_Log_Msg::instance()->set_flags(ACE_Log_Msg::STDERR);
-  ACE_Log_Msg::msg_backend(nullptr);
+  ACE_Log_Msg::instance()->set_flags(previousFlags_);
+  ACE_Log_Msg::msg_backend(previous_);
   TheBackend().SetFile(nullptr, {});
 }
 
-bool LogOutput::IsComplete() const { return openProblem_.empty() && !TheBackend().HasGivenUp(); }
+bool LogOutput::IsComplete() const { return !TheBackend().HasGivenUp(); }
 
 LogCapture::LogCapture(bool keepTexts) : keepTexts_(keepTexts) {
   Captures& captures = TheCaptures();
@@ -236,7 +232,7 @@ AceComplaints::AceComplaints() : outer_(complaints) { complaints = this; }
 
 AceComplaints::~AceComplaints() {
   complaints = outer_;
-  for (const std::string& text : told_ ? std::vector<std::string>() : texts_) {
+  for (const std::string& text : reported_ ? std::vector<std::string>() : texts_) {
     ACE_Log_Record record(LM_ERROR, ACE_OS::gettimeofday(), ACE_OS::getpid());
     record.msg_data(text.c_str());
     ACE_Log_Msg::instance()->log(record);
@@ -244,7 +240,7 @@ AceComplaints::~AceComplaints() {
 }
 
 std::string AceComplaints::Text() const {
-  told_ = true;
+  reported_ = true;
   std::string all;
   for (const std::string& text : texts_) {
     all += (all.empty() ? "" : "; ") + text;

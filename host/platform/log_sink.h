@@ -1,5 +1,7 @@
-#ifndef HOST_LOG_SINK_H_
-#define HOST_LOG_SINK_H_
+#ifndef HOST_PLATFORM_LOG_SINK_H_
+#define HOST_PLATFORM_LOG_SINK_H_
+
+#include <ace/Log_Msg_Backend.h>
 
 #include <chrono>
 #include <string>
@@ -7,20 +9,20 @@
 
 #include "framework/visibility.h"
 
-/// Where log records go: through `ACE_Log_Msg` to standard error or to a file.
+/// Writes log records through `ACE_Log_Msg` to standard error or to a file.
 ///
 /// One record is one line, `TIME [LEVEL] TAG:LINE FUNCTION: TEXT`, as in
 ///   2026-11-21T08:15:02.417Z [1] almconfig:118 unknown: almconfig.cfg file error. line=s%
 /// with UTC time to the millisecond, "-" for an empty tag or function, and bytes outside printable ASCII in
-/// the text as \xNN, so that no text can pretend to be another line.
+/// the text as \xNN, so that a text cannot forge another line.
 ///
-/// Levels are what the callers pass: the higher, the more it matters. 0 is detail for debugging, 1 tells of
-/// decisions and of errors in configuration, 2 of starts and of what keeps a service from starting.
+/// Levels rise with importance: 0 is detail for debugging, 1 decisions and errors in configuration, 2 starts
+/// and what prevents them.
 ///
-/// ACE's own complaints come the same way, with "ACE" for the tag and "-" for the level; a thread that
-/// collects them (`AceComplaints`) gets them instead.
+/// ACE's own messages are written the same way, with the tag "ACE" and the level "-"; on a thread with an
+/// `AceComplaints` they are collected instead.
 ///
-/// State: of the process, never destroyed, so bundles may log until the very end.
+/// State: of the process, never destroyed, so bundles may log until the process ends.
 /// Threads: any, at any time; lines of several threads do not mix.
 namespace host {
 
@@ -34,43 +36,34 @@ struct LogRecord {
   std::string text;
 };
 
-/// A level above all that callers use: nothing is written.
-inline constexpr int kLogOff = 1'000'000;
-
 /// The line for a record, without its line end.
 PLATFORM_API std::string LogLine(const LogRecord& record);
 
-/// Hands the record to ACE, unless its level is below the set one, and to every open capture.
+/// Passes the record to ACE, unless its level is below the set one, and to every open capture.
 PLATFORM_API void WriteLog(const LogRecord& record);
 
-/// Records below `level` are not written. 0, that is everything, at first.
-PLATFORM_API void SetLogLevel(int level);
-PLATFORM_API int LogLevel();
-
-/// While it lives, ACE's output of the process goes to the sink: to `file`, appended to, or to standard error
-/// when that is empty. One at a time.
+/// While it lives, ACE's output of the process is appended to `file`, or written to standard error when
+/// `file` is empty. The destructor restores the previous output. At most one exists at a time.
 ///
-/// A file that cannot be opened, or from some record on cannot be written to, is replaced by standard error;
-/// the latter is said there, in one line, when it happens.
+/// When writing to the file fails, one line on standard error reports it, and further records go there.
 class PLATFORM_API LogOutput {
  public:
+  /// Throws `Failure` when the file cannot be opened.
   explicit LogOutput(const std::string& file);
   ~LogOutput();
   LogOutput(const LogOutput&) = delete;
   LogOutput& operator=(const LogOutput&) = delete;
 
-  /// Why the file cannot be opened; empty when it can.
-  const std::string& OpenProblem() const { return openProblem_; }
-
   /// Whether all records have reached the file so far.
   bool IsComplete() const;
 
  private:
-  std::string openProblem_;
+  ACE_Log_Msg_Backend* const previous_;
+  const unsigned long previousFlags_;
 };
 
-/// Collects what all threads log while it lives, whatever the set level. Meanwhile nothing goes to standard
-/// error, where it would stand twice; a log file still gets its lines.
+/// Collects what all threads log while it lives, at every level. Records are meanwhile not written to
+/// standard error, where they would appear twice; a log file still receives them.
 class PLATFORM_API LogCapture {
  public:
   explicit LogCapture(bool keepTexts = true);
@@ -80,7 +73,7 @@ class PLATFORM_API LogCapture {
 
   /// The records so far; empty when the texts are not kept.
   std::vector<LogRecord> Records() const;
-  /// How many there were.
+  /// The number of records so far.
   std::size_t Count() const;
 
  private:
@@ -92,8 +85,8 @@ class PLATFORM_API LogCapture {
   std::size_t count_ = 0;
 };
 
-/// Collects what ACE itself complains about on this thread while it lives; the last one made collects.
-/// What nobody asked for by then goes where it would have gone without it.
+/// Collects ACE's own messages on this thread while it lives; of several, the one constructed last collects.
+/// The destructor logs the texts unless `Text` was called.
 class PLATFORM_API AceComplaints {
  public:
   AceComplaints();
@@ -101,16 +94,16 @@ class PLATFORM_API AceComplaints {
   AceComplaints(const AceComplaints&) = delete;
   AceComplaints& operator=(const AceComplaints&) = delete;
 
-  /// All of them in one line, "; " between; empty when there was none.
+  /// All texts in one line, separated by "; "; empty when there are none.
   std::string Text() const;
   void Add(const std::string& text);
 
  private:
   AceComplaints* outer_;
   std::vector<std::string> texts_;
-  mutable bool told_ = false;
+  mutable bool reported_ = false;
 };
 
 }  // namespace host
 
-#endif  // HOST_LOG_SINK_H_
+#endif  // HOST_PLATFORM_LOG_SINK_H_

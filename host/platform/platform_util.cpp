@@ -1,7 +1,9 @@
+// The platform's text utilities: Num2Str, Trim and sprintf_s. Pure functions; any thread may call them.
+
 #include <cstdarg>
+#include <cstdio>
 
 #include "framework/platform_util.h"
-#include "host/simple_format.h"
 
 namespace NSTE_util {
 
@@ -18,14 +20,14 @@ std::string Num2Str(int number) { return std::to_string(number); }
 
 }  // namespace NSTE_util
 
-// Cutting the text and answering as if it had fitted would be worse than saying no.
+// Required: negative, with an empty buffer, when the text does not fit. GetTimeStamp depends on it.
 extern "C" int sprintf_s(char* buffer, std::size_t size, const char* format, ...) {
   if (buffer == nullptr || size == 0 || format == nullptr) {
     return -1;
   }
   std::va_list values;
   va_start(values, format);
-  const int length = host::FastFormat(buffer, size, format, values);
+  const int length = std::vsnprintf(buffer, size, format, values);
   va_end(values);
   if (length < 0 || static_cast<std::size_t>(length) >= size) {
     buffer[0] = '\0';

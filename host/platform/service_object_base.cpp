@@ -1,7 +1,10 @@
+// Base class of service objects: lists the object from construction to destruction and owns its interface.
+// Threads: one at a time for each object.
+
 #include "framework/service_object_base.h"
 
-#include "host/bundle_table.h"
-#include "host/registry.h"
+#include "host/platform/bundle_mgr.h"
+#include "host/platform/interface_registry.h"
 
 namespace NS_BUNDLEMGR1 {
 
@@ -9,7 +12,7 @@ ServiceObjectBase::ServiceObjectBase(const char* bundle, const char* service) : 
   host::ListService(bundle, service, this);
 }
 
-// Runs while the bundle's code is still mapped, so the interface's own destructor can be called.
+// The bundle's code is still mapped here, so the interface's own destructor can be called.
 ServiceObjectBase::~ServiceObjectBase() {
   ServiceObjectBase::UnRegistSvc();
   ServiceObjectBase::RemoveInterface();

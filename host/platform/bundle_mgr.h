@@ -1,0 +1,46 @@
+#ifndef HOST_PLATFORM_BUNDLE_MGR_H_
+#define HOST_PLATFORM_BUNDLE_MGR_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "framework/bundle_mgr.h"
+
+/// The list of living service objects by bundle. The bundle name is stored here because the platform fixes
+/// the layout of the object. Objects are borrowed.
+///
+/// Lookups find a bundle while it has a service object. Its `Bundle` is kept for the life of the process,
+/// because a lookup collects bundles before it takes the lock under which it queries them.
+///
+/// Threads: any. Objects are listed and unlisted under `_g_actualmutex`, so a search that holds it finds no
+/// object whose base class is destroyed. It may find one whose derived class is being constructed or
+/// destroyed: callers must not search by type while a bundle that could match is loaded or unloaded.
+namespace host {
+
+/// One living service object.
+struct ServiceEntry {
+  std::string bundle;
+  std::string service;
+  NS_BUNDLEMGR1::ServiceObjectBase* object = nullptr;  ///< borrowed, until it is unlisted
+};
+
+/// Lists `object` as `service` of `bundle`. When two have the same names, lookups find the one listed last.
+PLATFORM_API void ListService(const std::string& bundle, const std::string& service,
+                              NS_BUNDLEMGR1::ServiceObjectBase* object);
+
+/// Removes the object from the list; returns false when it is not listed.
+PLATFORM_API bool UnlistService(const NS_BUNDLEMGR1::ServiceObjectBase* object);
+
+/// Whether the object is listed. The pointer is compared, never dereferenced, so it may dangle.
+PLATFORM_API bool IsListed(const NS_BUNDLEMGR1::ServiceObjectBase* object);
+
+/// All living service objects, by bundle, then in the order of construction.
+PLATFORM_API std::vector<ServiceEntry> ListServices();
+
+/// The number of service objects ever listed, unlisted ones included.
+PLATFORM_API std::uint64_t ServicesEverListed();
+
+}  // namespace host
+
+#endif  // HOST_PLATFORM_BUNDLE_MGR_H_

@@ -1,0 +1,110 @@
+#include "host/platform/bundle_platform.h"
+
+#include <ace/Log_Msg.h>
+#include <ace/Service_Object.h>
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <memory>
+#include <set>
+#include <system_error>
+
+#include "host/base/problem.h"
+#include "host/base/suggest.h"
+#include "host/platform/config_items.h"
+#include "host/platform/log_level.h"
+
+namespace host {
+namespace {
+
+std::vector<std::string> SetUpConfiguration(const PlatformOptions& options) {
+  if (!options.configDir.empty()) {
+    SetConfigDir(options.configDir);
+  }
+  const std::string directory = NS_BUNDLEMGR1::GetCfgDirPath();
+  if (directory.empty()) {
+    return {};
+  }
+  const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(directory.c_str()), closedir);
+  if (opened == nullptr) {
+    throw Failure("configuration directory " + directory + ": " + std::generic_category().message(errno));
+  }
+  const std::string items = directory + kItemsFile;
+  // lstat, not stat: a dangling link is reported as an error, not treated as a missing file.
+  if (struct stat status{}; lstat(items.c_str(), &status) != 0 && errno == ENOENT) {
+    return {};
+  }
+  return LoadItems(items);
+}
+
+PlatformOptions ParseArguments(int argc, ACE_TCHAR* argv[]) {
+  PlatformOptions options;
+  std::set<std::string> seen;
+  for (int at = 0; at < argc; at += 2) {
+    const std::string name = argv[at];
+    if (name != "--config-dir" && name != "--log-file" && name != "--log-level") {
+      throw UsageError("no option '" + name + "'" +
+                       DidYouMean(name, {"--config-dir", "--log-file", "--log-level"},
+                                  "; there are --config-dir, --log-file and --log-level"));
+    }
+    if (!seen.insert(name).second) {
+      throw UsageError(name + " is given twice");
+    }
+    const std::string value = at + 1 < argc ? argv[at + 1] : "";
+    if (value.empty()) {
+      throw UsageError(name + " needs a value after it");
+    }
+    if (name == "--log-level") {
+      options.logLevel = ParseLogLevel(value);
+    } else {
+      (name == "--log-file" ? options.logFile : options.configDir) = value;
+    }
+  }
+  return options;
+}
+
+class BundlePlatform : public ACE_Service_Object {
+ public:
+  int init(int argc, ACE_TCHAR* argv[]) override {
+    try {
+      platform_.reset();
+      const PlatformOptions options = ParseArguments(argc, argv);
+      if (options.configDir.empty() && NS_BUNDLEMGR1::GetCfgDirPath().empty()) {
+        throw UsageError(std::string("no configuration directory is known: ") + kConfigDirHint);
+      }
+      platform_ = std::make_unique<Platform>(options);
+      for (const std::string& warning : platform_->Warnings()) {
+        ACE_ERROR((LM_WARNING, ACE_TEXT("bundle_platform: %C\n"), OneLine(warning).c_str()));
+      }
+      return 0;
+    } catch (const std::exception& problem) {
+      ACE_ERROR_RETURN((LM_ERROR, ACE_TEXT("bundle_platform: %C\n"), OneLine(problem.what()).c_str()), -1);
+    }
+  }
+
+  int fini() override {
+    platform_.reset();
+    return 0;
+  }
+
+ private:
+  std::unique_ptr<Platform> platform_;
+};
+
+}  // namespace
+
+Platform::Platform(const PlatformOptions& options)
+    : output_(options.logFile), warnings_(SetUpConfiguration(options)) {
+  SetLogLevel(options.logLevel);
+}
+
+}  // namespace host
+
+extern "C" PLATFORM_API ACE_Service_Object* _make_bundle_platform(
+    ACE_Service_Object_Exterminator* exterminator) {
+  if (exterminator != nullptr) {
+    *exterminator = [](void* object) { delete static_cast<ACE_Service_Object*>(object); };
+  }
+  return new host::BundlePlatform;
+}
