@@ -1,4 +1,4 @@
-#include "host/directive.h"
+#include "host/loader/directive.h"
 
 #include <algorithm>
 
@@ -7,7 +7,7 @@ namespace {
 
 constexpr const char* kBlanks = " \t\r\n";
 
-/// Cuts the blanks and the text up to one of `ends` off the front of `rest` and returns that text.
+/// Removes leading blanks and the text up to one of `ends` from `rest` and returns that text.
 std::string Take(std::string& rest, const char* ends) {
   rest.erase(0, rest.find_first_not_of(kBlanks));
   std::string taken = rest.substr(0, rest.find_first_of(ends));
@@ -15,8 +15,8 @@ std::string Take(std::string& rest, const char* ends) {
   return taken;
 }
 
-/// Cuts the blanks and then `text` off the front of `rest`; false, with the blanks gone, when it starts
-/// otherwise.
+/// Removes leading blanks and then `text` from `rest`. Returns false when `rest` does not start with `text`
+/// after its blanks; only the blanks are then removed.
 bool TakeText(std::string& rest, const std::string& text) {
   rest.erase(0, rest.find_first_not_of(kBlanks));
   if (rest.compare(0, text.size(), text) != 0) {
@@ -26,11 +26,11 @@ bool TakeText(std::string& rest, const std::string& text) {
   return true;
 }
 
-/// Whether `rest` is what may stand behind a factory: `active` or `inactive`, then a string in quotes; each
-/// may be missing.
-bool IsEndOfDynamic(std::string rest) {
+/// Parses what may follow a factory: `active` or `inactive`, then a string in quotes; each is optional.
+/// Returns false when `rest` is malformed.
+bool ParseEndOfDynamic(std::string rest, Directive& directive) {
   if (!TakeText(rest, "active")) {
-    TakeText(rest, "inactive");
+    directive.active = !TakeText(rest, "inactive");
   }
   rest.erase(0, rest.find_first_not_of(kBlanks));
   if (rest.empty()) {
@@ -38,7 +38,11 @@ bool IsEndOfDynamic(std::string rest) {
   }
   const std::size_t close =
       rest.front() == '"' || rest.front() == '\'' ? rest.find(rest.front(), 1) : std::string::npos;
-  return close != std::string::npos && rest.find_first_not_of(kBlanks, close + 1) == std::string::npos;
+  if (close == std::string::npos || rest.find_first_not_of(kBlanks, close + 1) != std::string::npos) {
+    return false;
+  }
+  directive.parameters = rest.substr(1, close - 1);
+  return true;
 }
 
 }  // namespace
@@ -48,14 +52,14 @@ Directive ParseDirective(const std::string& text) {
   std::string rest = text;
   directive.verb = Take(rest, kBlanks);
   directive.name = Take(rest, kBlanks);
-  directive.behindName = rest.substr(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+  directive.trailing = rest.substr(std::min(rest.find_first_not_of(kBlanks), rest.size()));
   if (directive.verb != "dynamic" || !TakeText(rest, "Service_Object") || !TakeText(rest, "*")) {
     return directive;
   }
   const std::string library = Take(rest, " \t\r\n:");
   if (TakeText(rest, ":")) {
     const std::string factory = Take(rest, " \t\r\n(");
-    if (TakeText(rest, "(") && TakeText(rest, ")") && IsEndOfDynamic(rest)) {
+    if (TakeText(rest, "(") && TakeText(rest, ")") && ParseEndOfDynamic(rest, directive)) {
       directive.library = library;
       directive.factory = factory;
     }

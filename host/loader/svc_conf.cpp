@@ -1,26 +1,22 @@
-#include "host/svc_conf.h"
+#include "host/loader/svc_conf.h"
 
 #include <string_view>
 
-#include "host/problem.h"
-#include "host/text_file.h"
-#include "host/text_line.h"
+#include "host/base/problem.h"
+#include "host/base/text_lines.h"
 
 namespace host {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r";
 
-/// The line without a comment and the blanks around. Throws `LineError` for what no directive can hold.
+/// The line without its comment and surrounding blanks. Throws `LineError` for a brace or an open quote.
 std::string DirectiveIn(std::string_view line) {
   char quote = '\0';
   std::size_t quoteAt = 0;
   std::size_t end = 0;
   for (; end < line.size(); ++end) {
     const char c = line[end];
-    if (c == '\0') {
-      throw LineError(end + 1, kNulProblem);
-    }
     if (quote != '\0') {
       quote = c == quote ? '\0' : quote;
     } else if (c == '#') {
@@ -42,35 +38,20 @@ std::string DirectiveIn(std::string_view line) {
              : std::string(text.substr(start, text.find_last_not_of(kBlanks) + 1 - start));
 }
 
-void ProcessLine(Loader& loader, std::string_view line) {
-  if (line.size() > kLongestTextLine) {
-    throw LineError(kLongestTextLine + 1, kLongLineProblem);
-  }
-  if (const std::string directive = DirectiveIn(line); !directive.empty()) {
-    loader.Process(directive);
-  }
-}
-
 }  // namespace
 
 void ProcessSvcConf(Loader& loader, const std::string& file) {
-  std::ifstream stream = OpenTextFile(file);
-  int number = 0;
-  for (std::string line; GetTextLine(stream, line);) {
-    ++number;
-    if (number == 1 && line.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) {
-      FailAt(file, number, 1, kByteOrderMarkProblem);
-    }
+  TextLines lines(file);
+  for (std::string line; lines.Next(line);) {
     try {
-      ProcessLine(loader, line);
+      if (const std::string directive = DirectiveIn(line); !directive.empty()) {
+        loader.Process(directive);
+      }
     } catch (const LineError& problem) {
-      FailAt(file, number, problem.Column(), problem.Reason());
+      lines.Fail(problem.Column() - 1, problem.Reason());
     } catch (const std::exception& problem) {
-      FailAt(file, number, line.find_first_not_of(kBlanks) + 1, problem.what());
+      lines.Fail(line.find_first_not_of(kBlanks), problem.what());
     }
-  }
-  if (stream.bad()) {
-    throw Failure(file + ": cannot be read");
   }
 }
 

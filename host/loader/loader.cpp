@@ -1,0 +1,426 @@
+#include "host/loader/loader.h"
+
+#include <ace/ARGV.h>
+#include <ace/DLL.h>
+#include <ace/DLL_Manager.h>
+#include <ace/Service_Config.h>
+#include <ace/Service_Repository.h>
+#include <ace/Service_Types.h>
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <utility>
+
+#include "host/base/problem.h"
+#include "host/base/suggest.h"
+#include "host/base/text_escape.h"
+#include "host/loader/call_watch.h"
+#include "host/loader/directive.h"
+#include "host/loader/library_search.h"
+#include "host/loader/mapped_library.h"
+#include "host/platform/bundle_mgr.h"
+#include "host/platform/config_items.h"
+#include "host/platform/interface_registry.h"
+#include "host/platform/log_sink.h"
+
+namespace host {
+namespace {
+
+using NS_BUNDLEMGR1::ServiceObjectBase;
+
+/// Splits the string of a directive into arguments as ACE does.
+Words SplitAsAce(const std::string& parameters) {
+  ACE_ARGV split(parameters.c_str());
+  return {split.argv(), split.argv() + split.argc()};
+}
+
+/// Whether ACE's scanner reads `name` as a name: an identifier that is none of its keywords.
+bool IsPlainName(const std::string& name) {
+  const std::vector<std::string> words{"dynamic", "static", "suspend",        "resume", "remove",  "stream",
+                                       "STREAM",  "Module", "Service_Object", "active", "inactive"};
+  const auto isLetter = [](char c) { return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+  const auto isMore = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9'); };
+  return !name.empty() && isLetter(name.front()) && std::all_of(name.begin(), name.end(), isMore) &&
+         std::find(words.begin(), words.end(), name) == words.end();
+}
+
+/// Throws when ACE's scanner would reject the name, or when the name or the string in the directive exceeds
+/// its buffer: the bundle would load here and fail in production.
+void RequireScannable(const std::string& name, const std::string& directive) {
+  constexpr std::size_t kMost = 4094;
+  if (name.size() > kMost) {
+    throw UsageError("'" + name + "' is too long a name; ACE holds " + std::to_string(kMost) + " bytes");
+  }
+  if (!IsPlainName(name)) {
+    throw UsageError(
+        name +
+        ": no name for a bundle; ACE takes letters, digits and '_', no digit first, and none of its "
+        "own words, such as 'active'");
+  }
+  const std::size_t open = directive.find_first_of("\"'");
+  const std::size_t size = open == std::string::npos ? 0 : directive.rfind(directive[open]) - open - 1;
+  if (size > kMost) {
+    throw UsageError("the arguments take " + std::to_string(size) + " bytes in a directive, and ACE holds " +
+                     std::to_string(kMost) + "; have the bundle read them from a file");
+  }
+}
+
+/// Whether ACE has a service of that name, a suspended one included.
+bool IsKnownToAce(const std::string& name) {
+  return ACE_Service_Repository::instance()->find(name.c_str(), nullptr, false) == 0;
+}
+
+/// Destroys the service objects that are not in `before`, left by a failed load. Their code must be mapped.
+void DestroyNewcomers(const std::vector<ServiceEntry>& before) {
+  for (const ServiceEntry& entry : ListServices()) {
+    const bool isOld = std::any_of(before.begin(), before.end(),
+                                   [&](const ServiceEntry& old) { return old.object == entry.object; });
+    if (!isOld) {
+      delete entry.object;
+    }
+  }
+}
+
+std::string WithReason(const std::string& problem, const std::string& reason) {
+  return reason.empty() ? problem : problem + " (" + reason + ")";
+}
+
+/// Names that were looked up since `before` and are not registered.
+std::string MissingSince(const std::vector<InterfaceName>& before) {
+  std::string missing;
+  for (const InterfaceName& name : ListInterfaces()) {
+    const auto old = std::find_if(before.begin(), before.end(),
+                                  [&](const InterfaceName& entry) { return entry.name == name.name; });
+    if (name.interfaces.empty() && name.lookups > (old == before.end() ? 0 : old->lookups)) {
+      missing += (missing.empty() ? "" : ", ") + name.name;
+    }
+  }
+  return missing;
+}
+
+/// Suggests why an `init` failed.
+std::string HintAtCause(const std::vector<InterfaceName>& before) {
+  std::string hint;
+  if (const std::string missing = MissingSince(before); !missing.empty()) {
+    hint += "; looked up and not registered: " + missing;
+  }
+  if (NS_BUNDLEMGR1::GetCfgDirPath().empty()) {
+    hint += std::string("; no configuration directory is known: ") + kConfigDirHint;
+  }
+  return hint.empty() ? "; its log records may say more" : hint;
+}
+
+/// Calls the factory. When it throws or returns null, destroys the objects that it created and throws
+/// `Failure`.
+ACE_Service_Object* CallFactory(void* factory, const std::string& name,
+                                ACE_Service_Object_Exterminator& exterminator) {
+  using Factory = ACE_Service_Object* (*)(ACE_Service_Object_Exterminator*);
+  const std::vector<ServiceEntry> before = ListServices();
+  std::string problem = "the factory returned null";
+  try {
+    const CallWatch watch("the factory of " + name);
+    if (ACE_Service_Object* const object = reinterpret_cast<Factory>(factory)(&exterminator)) {
+      return object;
+    }
+  } catch (...) {
+    problem = "the factory threw: " + CurrentExceptionText();
+  }
+  DestroyNewcomers(before);
+  throw Failure(name + ": " + problem);
+}
+
+/// Passes the service to ACE, which calls `init`. Returns ACE's result; on 0 ACE owns `record`.
+int Insert(const std::string& name, std::unique_ptr<ACE_Service_Type>& record) {
+  // As ACE does for a directive: static services that `init` registers are removed with the library.
+  const ACE_Service_Type_Dynamic_Guard guard(*ACE_Service_Repository::instance(), name.c_str());
+  const int result = ACE_Service_Config::initialize(record.get(), ACE_TEXT(""));
+  if (result == 0) {
+    static_cast<void>(record.release());
+  }
+  return result;
+}
+
+/// The name of a bundle that was loaded from `library`; empty when none was.
+std::string BundleOf(const std::vector<LoadedBundle>& bundles, const std::string& library) {
+  const auto found = std::find_if(bundles.begin(), bundles.end(),
+                                  [&](const LoadedBundle& bundle) { return bundle.library == library; });
+  return found == bundles.end() ? "" : found->name;
+}
+
+}  // namespace
+
+/// The parameters of one load.
+struct Loader::Plan {
+  std::string request;  ///< as given, for messages
+  std::string name;
+  std::string path;
+  std::string factory;
+  Words arguments;
+  bool active = true;
+};
+
+// ACE's default policy lets each library choose, and unmaps lazily when a library does not.
+Loader::Loader() {
+  ACE_DLL_Manager::instance()->unload_policy(ACE_DLL_UNLOAD_POLICY_PER_PROCESS);
+  NoteMapped();
+}
+
+Loader::~Loader() { UnloadAll(); }
+
+bool Loader::UnloadAll() {
+  bool ok = true;
+  while (!bundles_.empty()) {
+    const std::string name = bundles_.back().name;
+    try {
+      const UnloadReport report = Unload(name, true);
+      if (!report.problem.empty()) {
+        ok = false;
+        std::cerr << "bundle_host: " << OneLine(report.problem) << '\n';
+      }
+    } catch (const std::exception& error) {
+      ok = false;
+      std::cerr << "bundle_host: " << OneLine(name + ": " + error.what()) << '\n';
+      Forget(name);
+    }
+  }
+  return ok;
+}
+
+const LoadedBundle& Loader::Load(const std::string& library, const Words& arguments) {
+  const std::string path = FindLibrary(library, true);
+  // Either the link or its target may have the bundle's name.
+  const std::string asked = BundleNameOf(FileNameOf(library));
+  const std::string real = BundleNameOf(BaseName(path));
+  const LibraryHandle handle = LibraryHandle::Load(path);
+  const bool isReal = handle.Symbol(FactoryOf(asked)) == nullptr && handle.Symbol(FactoryOf(real)) != nullptr;
+  const std::string name = isReal ? real : asked;
+  Start({library, name, path, FactoryOf(name), arguments});
+  return bundles_.back();
+}
+
+void Loader::Process(const std::string& directive) {
+  const Directive parts = ParseDirective(directive);
+  // ACE skips an unknown word without reporting a problem.
+  const std::vector<std::string> verbs{"dynamic", "static", "remove", "suspend", "resume"};
+  if (std::find(verbs.begin(), verbs.end(), parts.verb) == verbs.end()) {
+    throw Failure("'" + parts.verb +
+                  "' is no directive; there are dynamic, static, remove, suspend and resume");
+  }
+  if (parts.verb == "dynamic") {
+    // ACE would use any symbol of that name as the factory or object that the directive declares.
+    if (parts.library.empty() || parts.factory.empty()) {
+      throw Failure(
+          "not what a bundle is loaded by; write dynamic NAME Service_Object * LIBRARY:FACTORY() "
+          "\"ARGUMENTS\"");
+    }
+    RequireScannable(parts.name, directive);
+    Start({parts.library, parts.name, FindLibrary(parts.library, false), parts.factory,
+           SplitAsAce(parts.parameters), parts.active});
+    return;
+  }
+  if (parts.name.empty()) {
+    throw Failure("'" + parts.verb + "' needs the name of a service after it");
+  }
+  if (parts.verb != "static" && !parts.trailing.empty()) {
+    throw Failure("'" + parts.verb + "' takes the name of a service and nothing after it, not '" +
+                  parts.trailing + "'");
+  }
+  if (parts.verb == "remove") {
+    if (const UnloadReport report = Unload(parts.name); !report.problem.empty()) {
+      throw Failure(report.problem);
+    }
+    return;
+  }
+  if (parts.verb != "static" && !IsKnownToAce(parts.name)) {
+    Find(parts.name);
+  }
+  DriveByAce(directive);
+}
+
+void Loader::DriveByAce(const std::string& directive) {
+  const AceComplaints complaints;
+  if (ACE_Service_Config::process_directive(directive.c_str()) != 0 || !complaints.Text().empty()) {
+    throw Failure(WithReason("the directive failed", complaints.Text()));
+  }
+}
+
+void Loader::Start(const Plan& plan) {
+  if (IsKnownToAce(plan.name)) {
+    throw UsageError("a bundle " + plan.name + " is loaded already; unload it first");
+  }
+  RefuseOldCode(plan.path);
+  const FileIdentity file = IdentityOf(plan.path);
+  const LibraryHandle library = LibraryHandle::Load(plan.path);
+  void* const factory = library.Symbol(plan.factory);
+  if (factory == nullptr) {
+    throw Failure(plan.request + ": has no factory " + plan.factory +
+                  "; it must export extern \"C\" ACE_Service_Object* " + plan.factory +
+                  "(ACE_Service_Object_Exterminator*)");
+  }
+  const AceComplaints complaints;
+  ACE_DLL dll;
+  if (dll.open(plan.path.c_str()) != 0) {
+    throw Failure(WithReason(plan.name + ": ACE did not load it", complaints.Text()));
+  }
+  const std::vector<ServiceEntry> servicesBefore = ListServices();
+  const std::vector<InterfaceName> namesBefore = ListInterfaces();
+  ACE_Service_Object_Exterminator exterminator = nullptr;
+  ACE_Service_Object* const object = CallFactory(factory, plan.name, exterminator);
+  const auto problems = std::make_shared<ServiceProblems>();
+  auto record = std::make_unique<ACE_Service_Type>(
+      plan.name.c_str(), new WatchedService(object, plan.name, exterminator, plan.arguments, problems), dll,
+      plan.active);
+  if (Insert(plan.name, record) != 0) {
+    const std::string hint = HintAtCause(namesBefore);
+    record.reset();  // Calls the exterminator, which may not destroy the object.
+    DestroyNewcomers(servicesBefore);
+    throw Failure(WithReason(plan.name + ": " + problems->init, complaints.Text()) + hint);
+  }
+  NoteMapped();
+  bundles_.push_back({plan.name, plan.path, plan.factory, object, dynamic_cast<ServiceObjectBase*>(object),
+                      problems, plan.arguments, file, std::chrono::system_clock::now()});
+}
+
+void Loader::Init(const std::string& name, const Words& arguments) {
+  Find(name);
+  LoadedBundle& bundle = *std::find_if(bundles_.begin(), bundles_.end(),
+                                       [&](const LoadedBundle& loaded) { return loaded.name == name; });
+  const AceComplaints complaints;
+  std::string problem;
+  if (CallInit(*bundle.object, name, arguments, problem) != 0) {
+    throw Failure(WithReason(name + ": " + problem, complaints.Text()));
+  }
+  bundle.arguments = arguments;
+}
+
+/// Records the file of every newly mapped library and drops those that are no longer mapped.
+void Loader::NoteMapped() {
+  std::map<std::string, FileIdentity> files;
+  for (const MappedLibrary& library : MappedLibraries()) {
+    const auto known = mappedFiles_.find(library.path);
+    files[library.path] = known == mappedFiles_.end() ? IdentityOf(library.path) : known->second;
+  }
+  mappedFiles_ = std::move(files);
+  for (auto path = leftBehind_.begin(); path != leftBehind_.end();) {
+    path = mappedFiles_.count(*path) == 0 ? leftBehind_.erase(path) : std::next(path);
+  }
+}
+
+void Loader::RefuseOldCode(const std::string& library) const {
+  const std::vector<MappedLibrary> libraries = MappedLibraries();
+  if (FindMapped(libraries, library) == nullptr) {
+    return;
+  }
+  const auto file = mappedFiles_.find(library);
+  const bool isOld = file != mappedFiles_.end() && file->second != IdentityOf(library);
+  if (isOld || leftBehind_.count(library) != 0) {
+    throw Failure(library + " is still mapped" + (isOld ? ", and its file has changed since" : "") +
+                  ": the code in memory would run, not the file's: " + WhyMapped(libraries, library));
+  }
+}
+
+void Loader::RefuseWhileNeeded(const LoadedBundle& bundle) const {
+  const std::vector<MappedLibrary> libraries = MappedLibraries();
+  const MappedLibrary* const library = FindMapped(libraries, bundle.library);
+  std::string users;
+  for (const LoadedBundle& other : bundles_) {
+    const MappedLibrary* const user = FindMapped(libraries, other.library);
+    if (library != nullptr && user != nullptr && user != library && user->Needs(*library)) {
+      users += (users.empty() ? "" : ", ") + other.name;
+    }
+  }
+  if (!users.empty()) {
+    throw Failure(bundle.name + " is in use: linked against it: " + users + "; unload first what is");
+  }
+}
+
+UnloadReport Loader::Unload(const std::string& name, bool force) {
+  const LoadedBundle bundle = Find(name);
+  if (!force) {
+    RefuseWhileNeeded(bundle);
+  }
+  UnloadReport report;
+  {
+    const LibraryHandle keepMapped = LibraryHandle::OfLoaded(bundle.library);
+    const AceComplaints complaints;
+    const int result = ACE_Service_Config::remove(name.c_str());
+    if (bundle.service != nullptr && IsListed(bundle.service)) {
+      report.problem = name + ": its exterminator left the service object behind; the host destroyed it";
+      delete bundle.service;
+    } else if (result != 0) {
+      report.problem = WithReason(name + ": ACE could not remove it", complaints.Text());
+    } else if (!bundle.problems->fini.empty()) {
+      report.problem = WithReason(name + ": " + bundle.problems->fini, complaints.Text());
+    }
+  }
+  Forget(name);
+  const std::vector<MappedLibrary> libraries = MappedLibraries();
+  if (FindMapped(libraries, bundle.library) != nullptr) {
+    const std::string other = BundleOf(bundles_, bundle.library);
+    report.whyMapped =
+        other.empty() ? WhyMapped(libraries, bundle.library) : "bundle " + other + " was loaded from it";
+    if (other.empty()) {
+      leftBehind_.insert(bundle.library);
+    }
+  }
+  NoteMapped();
+  return report;
+}
+
+const LoadedBundle& Loader::Reload(const std::string& name) {
+  const LoadedBundle old = Find(name);
+  RefuseWhileNeeded(old);
+  FindLibrary(old.library, false);
+  const UnloadReport report = Unload(name);
+  try {
+    Start({old.library, name, old.library, old.factory, old.arguments});
+  } catch (const Failure& failure) {
+    throw Failure(name + " was unloaded, but not loaded again: " + failure.what());
+  }
+  if (!report.problem.empty()) {
+    throw Failure(name + " was reloaded, but on the way: " + report.problem);
+  }
+  return bundles_.back();
+}
+
+std::vector<MappedBundle> Loader::MappedBundles() const {
+  const std::vector<MappedLibrary> libraries = MappedLibraries();
+  std::vector<MappedBundle> mapped;
+  for (const LoadedBundle& bundle : bundles_) {
+    const MappedLibrary* const library = FindMapped(libraries, bundle.library);
+    mapped.push_back({bundle.name, bundle.library, library == nullptr ? "" : library->buildId,
+                      bundle.loadTime, IdentityOf(bundle.library) != bundle.file});
+  }
+  return mapped;
+}
+
+const LoadedBundle& Loader::Find(const std::string& name) const {
+  std::vector<std::string> names;
+  for (const LoadedBundle& bundle : bundles_) {
+    if (bundle.name == name) {
+      return bundle;
+    }
+    names.push_back(bundle.name);
+  }
+  throw Failure("no bundle '" + name + "' is loaded" + DidYouMean(name, names, "; 'bundles' lists them"));
+}
+
+void* Loader::FindSymbol(const std::string& symbol) const {
+  for (auto bundle = bundles_.rbegin(); bundle != bundles_.rend(); ++bundle) {
+    const LibraryHandle library = LibraryHandle::OfLoaded(bundle->library);
+    if (void* const found = library ? library.Symbol(symbol) : nullptr; found != nullptr) {
+      return found;
+    }
+  }
+  return nullptr;
+}
+
+void Loader::Forget(const std::string& name) {
+  bundles_.erase(std::remove_if(bundles_.begin(), bundles_.end(),
+                                [&](const LoadedBundle& bundle) { return bundle.name == name; }),
+                 bundles_.end());
+}
+
+}  // namespace host

@@ -1,0 +1,137 @@
+#ifndef HOST_LOADER_LOADER_H_
+#define HOST_LOADER_LOADER_H_
+
+#include <ace/Service_Object.h>
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "framework/service_object_base.h"
+#include "host/base/words.h"
+#include "host/loader/mapped_library.h"
+#include "host/loader/watched_service.h"
+
+namespace host {
+
+/// A loaded bundle. The pointers are borrowed and valid until its unload.
+struct LoadedBundle {
+  std::string name;     ///< its name in ACE's service configurator
+  std::string library;  ///< real path of its library
+  std::string factory;
+  ACE_Service_Object* object = nullptr;
+  NS_BUNDLEMGR1::ServiceObjectBase* service = nullptr;  ///< the same object; null when it has another base
+  std::shared_ptr<const ServiceProblems> problems;
+  Words arguments;    ///< of the last `init` that succeeded
+  FileIdentity file;  ///< the library's file when it was loaded
+  std::chrono::system_clock::time_point loadTime;
+};
+
+/// The mapped library of a loaded bundle.
+struct MappedBundle {
+  std::string name;
+  std::string path;
+  std::string buildId;  ///< hexadecimal; empty when the library was linked without one
+  std::chrono::system_clock::time_point loadTime;
+  bool changedOnDisk = false;  ///< the file was changed, replaced or removed since the load
+};
+
+/// The result of an unload.
+struct UnloadReport {
+  /// What failed during the unload; empty when nothing did. The bundle is unloaded in any case.
+  std::string problem;
+  /// Why the library is still mapped; empty when it is not.
+  std::string whyMapped;
+};
+
+/// Loads bundles through ACE's service configurator and unloads them.
+///
+/// Ownership: ACE holds a reference to the library from the load to the removal. The loader holds a second
+/// one only during its own calls, so that it can destroy a service object that the exterminator did not
+/// destroy while its code is still mapped. Loggers belong to the log service and are kept. Other bundles must
+/// drop the interfaces that they fetched before the unload.
+///
+/// Every library is tried in a child process first (see library_trial.h). Factories, `init` and `fini` run
+/// under a `CallWatch`.
+///
+/// All functions throw `Failure`, or `UsageError` for an invalid request, with one line. Nothing is then
+/// loaded or unloaded, with two exceptions: see `Reload`, and a "remove" whose `fini` fails has still removed
+/// the bundle. Other effects of a failed `init` are not undone. Threads: one at a time.
+class Loader {
+ public:
+  /// Makes ACE unmap a library when its last service is removed, for the life of the process.
+  Loader();
+  Loader(const Loader&) = delete;
+  Loader& operator=(const Loader&) = delete;
+
+  /// Calls `UnloadAll`.
+  ~Loader();
+
+  /// Unloads all loaded bundles, the last one loaded first. Reports each failure in one line on standard
+  /// error; returns false when there was one.
+  bool UnloadAll();
+
+  /// Loads `library`: a path, a file of the working directory, or a name that the dynamic linker finds or
+  /// that is in one of `LibraryDirectories` (NAME also means libNAME.so). The bundle's name is the file name
+  /// without "lib" and ".so"; for a link, that of its target when only that one's factory exists. The factory
+  /// is "_make_" and the bundle's name. Calls `init` with `arguments`. Returns the bundle.
+  ///
+  /// Throws `Failure` when the library is mapped already and its file has changed since, or when it stayed
+  /// mapped after an unload: old code, or code with old state, would run.
+  const LoadedBundle& Load(const std::string& library, const Words& arguments);
+
+  /// Processes one directive of a svc.conf.
+  void Process(const std::string& directive);
+
+  /// Calls `init` of a loaded bundle once more.
+  void Init(const std::string& name, const Words& arguments);
+
+  /// Calls `fini`, destroys the service object and releases the library.
+  /// Throws `Failure` while another loaded bundle is linked against the library, unless `force`. When `fini`
+  /// fails or throws, the bundle is still unloaded and the problem is in the report.
+  UnloadReport Unload(const std::string& name, bool force = false);
+
+  /// Unloads the bundle, loads its current file and calls `init` with the arguments of the last successful
+  /// `init`. The bundle then counts as the last one loaded. Returns the bundle.
+  ///
+  /// Throws before the unload when loaded bundles are linked against the library (all are named) or the new
+  /// file cannot be loaded. Throws after the unload, and the message says so, when the old library stays
+  /// mapped or the new code's factory or `init` fails, and after the reload when the unload reported a
+  /// problem.
+  const LoadedBundle& Reload(const std::string& name);
+
+  /// The mapped library of each loaded bundle, in load order.
+  std::vector<MappedBundle> MappedBundles() const;
+
+  /// The loaded bundles, in load order.
+  const std::vector<LoadedBundle>& Bundles() const { return bundles_; }
+
+  /// The loaded bundle of that name; throws `Failure` with a suggestion when there is none.
+  const LoadedBundle& Find(const std::string& name) const;
+
+  /// The address of a symbol in the libraries of the loaded bundles, searched from the last one loaded; null
+  /// when none defines it.
+  void* FindSymbol(const std::string& symbol) const;
+
+ private:
+  struct Plan;
+
+  void Start(const Plan& plan);
+  void DriveByAce(const std::string& directive);
+  void RefuseWhileNeeded(const LoadedBundle& bundle) const;
+  void RefuseOldCode(const std::string& library) const;
+  void NoteMapped();
+  void Forget(const std::string& name);
+
+  std::vector<LoadedBundle> bundles_;
+  std::map<std::string, FileIdentity>
+      mappedFiles_;                   ///< by path: every mapped library's file when it was first seen
+  std::set<std::string> leftBehind_;  ///< paths that stayed mapped after an unload
+};
+
+}  // namespace host
+
+#endif  // HOST_LOADER_LOADER_H_
