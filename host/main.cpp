@@ -1,23 +1,16 @@
-#include <dirent.h>
-#include <sys/stat.h>
+// The program bundle_host: sets up the platform, loads the bundles that the options name, runs one command,
+// unloads the bundles in reverse order, and turns exceptions into an exit code.
 
-#include <cerrno>
 #include <iostream>
-#include <memory>
-#include <system_error>
 
-#include "host/command.h"
-#include "host/config_dir.h"
-#include "host/config_items.h"
-#include "host/console.h"
-#include "host/log_service.h"
-#include "host/log_sink.h"
+#include "host/base/problem.h"
+#include "host/base/standard_streams.h"
+#include "host/base/text_escape.h"
+#include "host/commands/interrupt.h"
+#include "host/loader/library_trial.h"
+#include "host/loader/svc_conf.h"
 #include "host/options.h"
-#include "host/problem.h"
-#include "host/script.h"
-#include "host/standard_streams.h"
-#include "host/svc_conf.h"
-#include "host/text_escape.h"
+#include "host/platform/bundle_platform.h"
 
 namespace {
 
@@ -26,73 +19,30 @@ using host::Options;
 
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
-
-/// One line on standard error for each item of `file` that no bundle can read.
-void TellUnreadableItems(const std::string& file) {
-  for (const auto& [name, value] : host::ListItems()) {
-    if (!host::ParseInt(value)) {
-      std::string problem = file;
-      problem.append(": ").append(name).append(": '").append(value);
-      problem += "' is no integer from -2147483648 to 2147483647; the item counts as missing";
-      std::cerr << "bundle_host: " << host::OneLine(problem) << '\n';
-    }
-  }
-}
-
-void SetUpConfiguration(const Options& options) {
-  if (!options.configDir.empty()) {
-    host::SetConfigDir(options.configDir);
-  }
-  const std::string directory = NS_BUNDLEMGR1::GetCfgDirPath();
-  if (directory.empty()) {
-    return;
-  }
-  const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(directory.c_str()), closedir);
-  if (opened == nullptr) {
-    throw Failure("configuration directory " + directory + ": " + std::generic_category().message(errno));
-  }
-  const std::string items = directory + host::kItemsFile;
-  // Only what is not there at all counts as missing; a link that leads nowhere is a mistake.
-  if (struct stat status{}; lstat(items.c_str(), &status) != 0 && errno == ENOENT) {
-    return;
-  }
-  if (const std::string problem = host::LoadItems(items); !problem.empty()) {
-    throw Failure(problem);
-  }
-  TellUnreadableItems(items);
-}
-
-void RunProgramCommand(host::Session& session, const host::Words& command) {
-  if (command[0] == "run") {
-    RunScriptFile(session, command[1]);
-  } else if (command[0] == "console") {
-    RunConsole(session);
-  } else {
-    RunCommand(session, command);
-  }
-}
+constexpr int kSignalled = 128;
 
 int Run(const Options& options) {
-  const host::LogOutput output(options.logFile);
-  if (!output.OpenProblem().empty()) {
-    throw Failure(output.OpenProblem());
+  const host::Platform platform({options.configDir, options.logFile, options.logLevel});
+  for (const std::string& warning : platform.Warnings()) {
+    std::cerr << "bundle_host: " << host::OneLine(warning) << '\n';
   }
-  host::SetLogLevel(options.logLevel);
-  SetUpConfiguration(options);
-  const host::LogService logService;
   host::Loader loader;
   if (!options.svcConf.empty()) {
     ProcessSvcConf(loader, options.svcConf);
   }
   for (const std::string& bundle : options.bundles) {
+    host::ThrowIfInterrupted();
     loader.Load(bundle, {});
   }
-  host::Session session{loader, std::cout};
+  host::ThrowIfInterrupted();
+  host::Session session(loader, std::cout);
   session.echo = options.echo;
-  RunProgramCommand(session, options.command);
+  session.keepGoing = options.keepGoing;
+  options.command(session);
   std::cout.flush();
-  const bool isWell = loader.UnloadAll();
-  return isWell && output.IsComplete() ? 0 : kFailed;
+  const bool ok = loader.UnloadAll();
+  host::ThrowIfInterrupted();
+  return ok && platform.LogIsComplete() ? 0 : kFailed;
 }
 
 int Report(const std::exception& problem, int exitCode) {
@@ -105,12 +55,16 @@ int Report(const std::exception& problem, int exitCode) {
 
 int main(int argc, char* argv[]) {
   host::HoldStandardStreams();
+  if (const auto trialResult = host::RunLibraryTrial(argc, argv)) {
+    return *trialResult;
+  }
   try {
     const auto parsed = host::ParseOptions(argc, argv);
     int exitCode = 0;
     if (const auto* const text = std::get_if<std::string>(&parsed)) {
       std::cout << *text;
     } else {
+      host::CatchStopSignals();
       exitCode = Run(std::get<Options>(parsed));
     }
     std::cout.flush();
@@ -118,6 +72,8 @@ int main(int argc, char* argv[]) {
       throw Failure("standard output cannot be written");
     }
     return exitCode;
+  } catch (const host::Interrupted& problem) {
+    return Report(problem, kSignalled + host::StopSignal());
   } catch (const host::UsageError& problem) {
     return Report(problem, kWrongUsage);
   } catch (const std::exception& problem) {

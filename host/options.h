@@ -5,23 +5,24 @@
 #include <variant>
 #include <vector>
 
-#include "host/words.h"
+#include "host/commands/command.h"
 
 namespace host {
 
-/// The program's command line, taken apart.
+/// The parsed command line of the program. Plain value.
 struct Options {
-  std::string configDir;  ///< empty: the environment decides
+  std::string configDir;  ///< empty: taken from the environment variable
   std::string svcConf;
   std::vector<std::string> bundles;
   std::string logFile;
   int logLevel = 0;
   bool echo = false;
-  Words command;  ///< `run`, `console` or a command with its arguments; never empty
+  bool keepGoing = false;
+  Action command;
 };
 
-/// The options, or the text that --help or --version asks for. Throws `UsageError` with one line when
-/// something is wrong, also for a command that is.
+/// Parses the command line, the command included, without running it. Returns the options, or the text to
+/// print for --help or --version. Throws `UsageError` with one line for an invalid option or command.
 std::variant<Options, std::string> ParseOptions(int argc, const char* const* argv);
 
 }  // namespace host

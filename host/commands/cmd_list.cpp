@@ -1,9 +1,13 @@
-#include <algorithm>
+// The commands bundles, services and interfaces: list the state of the loader and the platform.
 
-#include "host/bundle_table.h"
-#include "host/command.h"
-#include "host/listing.h"
-#include "host/registry.h"
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+
+#include "host/commands/command.h"
+#include "host/commands/listing.h"
+#include "host/platform/bundle_mgr.h"
+#include "host/platform/interface_registry.h"
 
 namespace host {
 namespace {
@@ -18,31 +22,43 @@ std::string ValidityOf(ServiceInterface* interface) {
   return interface == nullptr ? "-" : std::to_string(interface->IsValid());
 }
 
-/// The bundle names that a loaded library's service object is listed under.
+/// Finds the entry of the bundle's service object in `services`; null when it is not listed.
 const ServiceEntry* EntryOf(const std::vector<ServiceEntry>& services, const LoadedBundle& bundle) {
   const auto found = std::find_if(services.begin(), services.end(),
                                   [&](const ServiceEntry& entry) { return entry.object == bundle.service; });
   return found == services.end() ? nullptr : &*found;
 }
 
-void RunBundles(Session& session, const Words& arguments) {
-  Table table{{"NAME", "BUNDLE", "SERVICE", "LIBRARY"}, {}};
-  const std::vector<ServiceEntry> services = ListServices();
-  for (const LoadedBundle& bundle : session.loader.Bundles()) {
-    const ServiceEntry* const entry = EntryOf(services, bundle);
-    table.rows.push_back({bundle.name, entry == nullptr ? "-" : entry->bundle,
-                          entry == nullptr ? "-" : entry->service, bundle.library});
-  }
-  PrintListing(session.out, table, arguments);
+std::string UtcTime(std::chrono::system_clock::time_point time) {
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+  std::tm parts{};
+  gmtime_r(&seconds, &parts);
+  char text[32];
+  return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts)};
 }
 
-void RunServices(Session& session, const Words& arguments) {
+Table BundleTable(const Session& session) {
+  Table table{{"NAME", "BUNDLE", "SERVICE", "LIBRARY", "LOADED", "FILE", "BUILD"}, {}};
+  const std::vector<ServiceEntry> services = ListServices();
+  const std::vector<MappedBundle> mapped = session.loader.MappedBundles();
+  for (std::size_t at = 0; at < mapped.size(); ++at) {
+    const ServiceEntry* const entry = EntryOf(services, session.loader.Bundles()[at]);
+    const MappedBundle& bundle = mapped[at];
+    table.rows.push_back({bundle.name, entry == nullptr ? "-" : entry->bundle,
+                          entry == nullptr ? "-" : entry->service, bundle.path, UtcTime(bundle.loadTime),
+                          bundle.changedOnDisk ? "changed" : "unchanged",
+                          bundle.buildId.empty() ? "-" : bundle.buildId});
+  }
+  return table;
+}
+
+Table ServiceTable(const Session& /*session*/) {
   Table table{{"BUNDLE", "SERVICE", "INTERFACE", "VALID"}, {}};
   for (const ServiceEntry& entry : ListServices()) {
     ServiceInterface* const interface = entry.object->GetInterface();
     table.rows.push_back({entry.bundle, entry.service, NameOf(interface), ValidityOf(interface)});
   }
-  PrintListing(session.out, table, arguments);
+  return table;
 }
 
 std::string StateOf(const InterfaceName& name) {
@@ -52,31 +68,39 @@ std::string StateOf(const InterfaceName& name) {
   return name.everRegistered ? "withdrawn" : "never registered";
 }
 
-void RunInterfaces(Session& session, const Words& arguments) {
+Table InterfaceTable(const Session& /*session*/) {
   Table table{{"NAME", "STATE", "COUNT", "LOOKUPS", "SERVICE", "VALID"}, {}};
   for (const InterfaceName& name : ListInterfaces()) {
     ServiceInterface* const first = name.interfaces.empty() ? nullptr : name.interfaces.front();
     table.rows.push_back({name.name, StateOf(name), std::to_string(name.interfaces.size()),
                           std::to_string(name.lookups), NameOf(first), ValidityOf(first)});
   }
-  PrintListing(session.out, table, arguments);
+  return table;
 }
+
+Action ParseBundles(const Words& words) { return ParseListing(words, BundleTable); }
+Action ParseServices(const Words& words) { return ParseListing(words, ServiceTable); }
+Action ParseInterfaces(const Words& words) { return ParseListing(words, InterfaceTable); }
 
 }  // namespace
 
-std::vector<Command> LookCommands() {
+std::vector<Command> ListCommands() {
   return {
       {"bundles", "[--json]", "list the loaded bundles",
-       "NAME is what unload and init take; BUNDLE and SERVICE are how its service object is listed.\n", 0, 1,
-       Completes::kNothing, CheckListing, RunBundles},
+       "NAME is what reload, unload and init take; BUNDLE and SERVICE are how its service object is listed. "
+       "FILE is\n"
+       "\"changed\" when the library's file is not the one that was loaded; BUILD is the build id of the "
+       "code "
+       "that runs.\n",
+       0, 1, Completes::kNothing, ParseBundles},
       {"services", "[--json]", "list the living service objects and their interfaces",
        "INTERFACE is what the interface calls itself; VALID is its answer to IsValid.\n", 0, 1,
-       Completes::kNothing, CheckListing, RunServices},
+       Completes::kNothing, ParseServices},
       {"interfaces", "[--json]", "list the names of the interface registry",
-       "A name that is \"never registered\" was looked up by somebody and is still missing. COUNT tells how "
+       "A name that is \"never registered\" was looked up and is still missing. COUNT is how "
        "many\n"
        "living interfaces have the name; the one registered last is used.\n",
-       0, 1, Completes::kNothing, CheckListing, RunInterfaces},
+       0, 1, Completes::kNothing, ParseInterfaces},
   };
 }
 

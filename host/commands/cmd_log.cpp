@@ -1,24 +1,22 @@
+// The command log: show or set the lowest level that is written to the log.
+
 #include <ostream>
 
-#include "host/command.h"
-#include "host/log_level.h"
-#include "host/log_sink.h"
+#include "host/base/problem.h"
+#include "host/commands/command.h"
+#include "host/platform/log_level.h"
+#include "host/platform/log_sink.h"
 
 namespace host {
 namespace {
 
-void CheckLog(const Words& arguments) {
-  if (!arguments.empty()) {
-    ParseLogLevel(arguments[0]);
+Action ParseLog(const Words& words) {
+  if (words.size() == 1) {
+    return [](Session& session) {
+      session.out << "log level: " << (LogLevel() == kLogOff ? "off" : std::to_string(LogLevel())) << '\n';
+    };
   }
-}
-
-void RunLog(Session& session, const Words& arguments) {
-  if (!arguments.empty()) {
-    SetLogLevel(ParseLogLevel(arguments[0]));
-    return;
-  }
-  session.out << "log level: " << (LogLevel() == kLogOff ? "off" : std::to_string(LogLevel())) << '\n';
+  return [level = AtWord(1, [&] { return ParseLogLevel(words[1]); })](Session&) { SetLogLevel(level); };
 }
 
 }  // namespace
@@ -29,7 +27,7 @@ std::vector<Command> LogCommands() {
        "0 writes everything; 1 leaves out the details for debugging; 2 leaves starts and what keeps a "
        "service from\n"
        "starting; off writes nothing. What a call in the console caused is always shown with its answer.\n",
-       0, 1, Completes::kNothing, CheckLog, RunLog},
+       0, 1, Completes::kNothing, ParseLog},
   };
 }
 

@@ -1,12 +1,14 @@
-#include "host/operations.h"
+#include "host/commands/operations.h"
 
 #include <array>
 #include <tuple>
 #include <type_traits>
 
 #include "ascii_util/text_functions.h"
-#include "host/problem.h"
-#include "host/suggest.h"
+#include "framework/interface_lookup.h"
+#include "framework/interface_registry.h"
+#include "host/base/problem.h"
+#include "host/base/suggest.h"
 
 namespace host {
 namespace {
@@ -54,7 +56,7 @@ T FromValue(const Value& value) {
   }
 }
 
-/// How a parameter type is spelled in a linker name.
+/// The spelling of a parameter type in a linker name.
 template <class T>
 std::string LinkerName() {
   constexpr const char* kString = "NSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE";
@@ -93,10 +95,14 @@ class RowMaker {
     ((names[At].kind = KindOf<Plain<Args>>(), (kIsOut<Args> ? row.out : row.in).push_back(names[At])), ...);
   }
 
+  /// `next` is the next argument, `nextOut` the next out value at the start of the call.
   template <class T>
-  static void TakeArgument(T& holder, bool isOut, const std::vector<Value>& arguments, std::size_t& next) {
+  static void TakeArgument(T& holder, bool isOut, const std::vector<Value>& arguments, std::size_t& next,
+                           std::size_t& nextOut) {
     if (!isOut) {
       holder = FromValue<T>(arguments.at(next++));
+    } else if (nextOut < arguments.size()) {
+      holder = FromValue<T>(arguments[nextOut++]);
     }
   }
 
@@ -105,7 +111,8 @@ class RowMaker {
                        const std::vector<Value>& arguments, std::index_sequence<At...> /*at*/) {
     std::tuple<Plain<Args>...> holders{};
     [[maybe_unused]] std::size_t next = 0;
-    (TakeArgument(std::get<At>(holders), kIsOut<Args>, arguments, next), ...);
+    [[maybe_unused]] std::size_t nextOut = sizeof...(Args) - outs.size();
+    (TakeArgument(std::get<At>(holders), kIsOut<Args>, arguments, next, nextOut), ...);
     Answer answer{ToValue(call(target, static_cast<Args>(std::get<At>(holders))...)), {}};
     [[maybe_unused]] const auto addOut = [&](bool isOut, Value value) {
       if (isOut) {
@@ -131,13 +138,13 @@ struct TextFunction;
 
 template <class Result, class... Args>
 struct TextFunction<Result (*)(Args...)> {
-  /// A row for an exported text function, which is looked for in the loaded libraries when it is called.
+  /// A row for an exported text function. Its symbol is looked up in the loaded libraries at each call.
   static Operation Row(const std::string& name, const typename RowMaker<Result, Args...>::Names& names) {
     Operation row = RowMaker<Result, Args...>::Make(name, names, [](const Target& target, Args... args) {
       return reinterpret_cast<Result (*)(Args...)>(target.function)(static_cast<Args>(args)...);
     });
-    // A string that only comes back is not part of the parameters' spelling and is marked at the name
-    // instead.
+    // Linker names do not spell the return type; when only the result is a std::string, the name has the tag
+    // [abi:cxx11].
     constexpr bool kTakesString = (std::is_same_v<Plain<Args>, std::string> || ...);
     row.symbol = "_ZN8NS_ASCII" + std::to_string(name.size()) + name + (kTakesString ? "E" : "B5cxx11E") +
                  (LinkerName<Args>() + ...);
@@ -187,6 +194,22 @@ const char* KindName(Kind kind) {
 
 }  // namespace
 
+NS_ASCII::AsciiUtilInterface* FetchAsciiUtil() {
+  NS_BUNDLEMGR1::InterfaceRef ref;
+  ref.buffer = NS_BUNDLEMGR1::CheckIFBuf("AsciiUtilInterface");
+  ref.lock = &NS_BUNDLEMGR1::_g_actualmutex;
+  try {
+    auto* const interface = NS_BUNDLEMGR1::FetchInterface<AsciiUtilInterface>(ref);
+    if (interface == nullptr) {
+      throw Failure("what is registered as AsciiUtilInterface is another interface");
+    }
+    return interface;
+  } catch (NS_BUNDLEMGR1::InterfaceNotExistException&) {
+    throw Failure(
+        "no AsciiUtilInterface is registered; load a bundle that brings it, as libii_ascii_util.so");
+  }
+}
+
 const std::vector<Operation>& Operations() {
   static const std::vector<Operation> table = MakeTable();
   return table;
@@ -222,18 +245,21 @@ std::string Synopsis(const Operation& operation) {
   return text;
 }
 
-std::vector<Value> ParseArguments(const Operation& operation, const std::vector<std::string>& arguments) {
-  if (arguments.size() != operation.in.size()) {
+std::vector<Value> ParseArguments(const Operation& operation, const Words& words, std::size_t first) {
+  const std::size_t count = words.size() - first;
+  if (count != operation.in.size()) {
     throw UsageError(operation.name + " takes " + std::to_string(operation.in.size()) +
-                     (operation.in.size() == 1 ? " argument, not " : " arguments, not ") +
-                     std::to_string(arguments.size()) + ": " + Synopsis(operation));
+                         (operation.in.size() == 1 ? " argument, not " : " arguments, not ") +
+                         std::to_string(count) + ": " + Synopsis(operation),
+                     first - 1);
   }
   std::vector<Value> values;
-  for (std::size_t at = 0; at < arguments.size(); ++at) {
+  for (std::size_t at = 0; at < count; ++at) {
     try {
-      values.push_back(ParseValue(operation.in[at], arguments[at]));
+      values.push_back(ParseValue(operation.in[at], words[first + at]));
     } catch (const UsageError& error) {
-      throw UsageError(operation.name + ": argument " + std::to_string(at + 1) + ", " + error.what());
+      throw UsageError(operation.name + ": argument " + std::to_string(at + 1) + ", " + error.what(),
+                       first + at);
     }
   }
   return values;

@@ -1,23 +1,26 @@
-#ifndef HOST_OPERATIONS_H_
-#define HOST_OPERATIONS_H_
+#ifndef HOST_COMMANDS_OPERATIONS_H_
+#define HOST_COMMANDS_OPERATIONS_H_
 
 #include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "host/value.h"
+#include "host/base/words.h"
+#include "host/commands/value.h"
 
-/// The operations that `call` knows, as a table. To add one, add a row in operations.cpp.
+/// The table of operations that `call` makes. To add one, add a row in operations.cpp.
+/// The table is immutable. Threads: as for the commands, the main thread.
 namespace host {
 
-/// What an operation is called on: the interface for an operation of the interface, the function's address
-/// for an exported text function.
+/// The callee, borrowed: the interface for an operation of the interface, the address for an exported text
+/// function.
 struct Target {
   NS_ASCII::AsciiUtilInterface* interface = nullptr;
   void* function = nullptr;
 };
 
+/// The result and the out values of a call.
 struct Answer {
   Value result;
   std::vector<std::pair<std::string, Value>> outs;  ///< name and value, in the order of the signature
@@ -29,11 +32,15 @@ struct Operation {
   std::string symbol;  ///< a text function's linker name; empty for an operation of the interface
   Kind result = Kind::kText;
   std::vector<Parameter> in;
-  std::vector<Parameter> out;  ///< start as 0 or empty before the call
+  std::vector<Parameter> out;  ///< 0 or empty before the call, unless `invoke` receives initial values
 
-  /// Calls it. `arguments` has one value of the right kind for each of `in`.
+  /// Makes the call. The arguments are one value of the declared kind for each of `in`, optionally followed
+  /// by the initial value of each of `out`.
   std::function<Answer(const Target&, const std::vector<Value>&)> invoke;
 };
+
+/// The interface that is registered as "AsciiUtilInterface"; throws `Failure` when there is none.
+NS_ASCII::AsciiUtilInterface* FetchAsciiUtil();
 
 /// All rows: the interface's fourteen operations, then the eight text functions.
 const std::vector<Operation>& Operations();
@@ -47,9 +54,10 @@ std::vector<std::string> OperationNames();
 /// "NAME IN... -> RESULT [OUT...]".
 std::string Synopsis(const Operation& operation);
 
-/// Reads the arguments of an operation; throws `UsageError` that says which one is wrong.
-std::vector<Value> ParseArguments(const Operation& operation, const std::vector<std::string>& arguments);
+/// Parses the words from `first` on as the arguments of an operation. Throws `UsageError` with the index of
+/// the wrong word; for a wrong number of arguments that is the operation's name.
+std::vector<Value> ParseArguments(const Operation& operation, const Words& words, std::size_t first);
 
 }  // namespace host
 
-#endif  // HOST_OPERATIONS_H_
+#endif  // HOST_COMMANDS_OPERATIONS_H_

@@ -1,10 +1,10 @@
-#include "host/value.h"
+#include "host/commands/value.h"
 
 #include <ostream>
 
-#include "host/config_items.h"
-#include "host/problem.h"
-#include "host/text_escape.h"
+#include "host/base/problem.h"
+#include "host/base/text_escape.h"
+#include "host/platform/config_items.h"
 
 namespace host {
 namespace {
@@ -23,6 +23,17 @@ std::vector<std::string> SplitAt(const std::string& text, char separator) {
 
 [[noreturn]] void Reject(const Parameter& parameter, const std::string& argument, const char* expected) {
   throw UsageError(parameter.name + ": '" + EscapeBytes(argument) + "' is " + expected);
+}
+
+/// Throws for a "\x" without two hexadecimal digits after it.
+void RequireWholeEscapes(const Parameter& parameter, const std::string& argument) {
+  constexpr const char* kDigits = "0123456789abcdefABCDEF";
+  for (std::size_t at = 0; (at = argument.find("\\x", at)) != std::string::npos; at += 2) {
+    if (argument.find_first_not_of(kDigits, at + 2) < at + 4 || argument.size() < at + 4) {
+      throw UsageError(parameter.name + ": '" + argument.substr(at, 4) +
+                       "' is no byte; write \\x and two hexadecimal digits, or \\x5c for a backslash");
+    }
+  }
 }
 
 ListMap ParseMap(const Parameter& parameter, const std::string& argument) {
@@ -89,11 +100,13 @@ Value ParseValue(const Parameter& parameter, const std::string& argument) {
       }
       Reject(parameter, argument, "no integer from -2147483648 to 2147483647");
     case Kind::kMap:
+      RequireWholeEscapes(parameter, argument);
       return ParseMap(parameter, argument);
     default:
       if (argument.empty() && !parameter.mayBeEmpty) {
         Reject(parameter, argument, "empty, and the operation would never end");
       }
+      RequireWholeEscapes(parameter, argument);
       return UnescapeBytes(argument);
   }
 }

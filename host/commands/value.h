@@ -1,5 +1,5 @@
-#ifndef HOST_VALUE_H_
-#define HOST_VALUE_H_
+#ifndef HOST_COMMANDS_VALUE_H_
+#define HOST_COMMANDS_VALUE_H_
 
 #include <cstdint>
 #include <iosfwd>
@@ -9,7 +9,7 @@
 
 #include "ascii_util/ascii_util_interface.h"
 
-/// The values that operations take and give, as people type and read them.
+/// Parses and prints the values of operations' parameters. Pure functions, except for the output.
 namespace host {
 
 using TextList = std::vector<std::string>;
@@ -24,17 +24,16 @@ struct Parameter {
   bool mayBeEmpty = true;  ///< for texts
 };
 
-/// Reads the argument of a parameter. \xNN stands for a byte in every text. An integer is one that fits 32
-/// bits. A map is NAME=ITEM|ITEM,NAME=ITEM...: a name without "=" has an empty list, and a ',', '|' or '='
-/// that belongs to a text is written as \x2c, \x7c, \x3d. Throws `UsageError` that names the parameter, the
-/// argument and what was expected.
+/// Parses the argument of a parameter. \xNN is a byte in every text. An integer must fit 32 bits. A map is
+/// NAME=ITEM|ITEM,NAME=ITEM...: a name without "=" has an empty list, and a ',', '|' or '=' inside a text is
+/// written as \x2c, \x7c or \x3d. Throws `UsageError` with the parameter, the argument and what was expected.
 Value ParseValue(const Parameter& parameter, const std::string& argument);
 
-/// Writes "LABEL: VALUE" for a truth, a number or a text; a list as "LABEL:" and its items on lines of their
-/// own, two blanks further in; a map as "LABEL:", its names each with ":", and their items below. Every line
-/// starts with `indent` blanks. Texts are escaped, a blank at either end too.
+/// Writes "LABEL: VALUE" for a truth, a number or a text; a list as "LABEL:" and one item per line, indented
+/// by two more blanks; a map as "LABEL:", its names each with ":", and their items below. Every line starts
+/// with `indent` blanks. Texts are escaped by `EscapeValue`.
 void PrintValue(std::ostream& out, const std::string& label, const Value& value, std::size_t indent = 0);
 
 }  // namespace host
 
-#endif  // HOST_VALUE_H_
+#endif  // HOST_COMMANDS_VALUE_H_

@@ -1,12 +1,12 @@
-#include "host/completion.h"
+#include "host/console/completion.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
 
-#include "host/command.h"
-#include "host/config_items.h"
-#include "host/operations.h"
+#include "host/commands/command.h"
+#include "host/commands/operations.h"
+#include "host/platform/config_items.h"
 
 namespace host {
 namespace {
@@ -15,7 +15,7 @@ bool StartsWith(const std::string& text, const std::string& start) {
   return text.compare(0, start.size(), start) == 0;
 }
 
-/// Whether the name can be typed and shown as it is: printable ASCII that the splitter takes for one word.
+/// Whether the name can be typed without quotes: printable ASCII that `SplitWords` reads as one word.
 bool IsPlainWord(const std::string& name) {
   const auto isPlain = [](char c) { return c > ' ' && c <= '~' && c != '\'' && c != '"'; };
   return !name.empty() && name.front() != '#' && std::all_of(name.begin(), name.end(), isPlain);
@@ -29,8 +29,7 @@ std::vector<std::string> BundleNames(const Session& session) {
   return names;
 }
 
-/// The files of the directory that `word` begins to name, with the directory in front; directories end in
-/// '/'.
+/// The files in the directory part of `word`, each prefixed with that directory; directories end in '/'.
 std::vector<std::string> FileNames(const std::string& word) {
   const std::string directory = word.substr(0, word.rfind('/') + 1);
   std::vector<std::string> names;
@@ -41,6 +40,16 @@ std::vector<std::string> FileNames(const std::string& word) {
     names.push_back(directory + files->path().filename().string() + (files->is_directory(none) ? "/" : ""));
   }
   return names;
+}
+
+/// The operations after `call`, `call --json` or `time COUNT call`; otherwise nothing.
+std::vector<std::string> NamesForCall(const Words& before) {
+  const bool isTime = before[0] == "time";
+  if (isTime && before.size() == 2) {
+    return {"call"};
+  }
+  const std::size_t first = isTime ? 3 : before.size() > 1 && before[1] == "--json" ? 2 : 1;
+  return before.size() == first ? OperationNames() : std::vector<std::string>();
 }
 
 std::vector<std::string> NamesFor(const Session& session, const Words& before, const std::string& word) {
@@ -58,12 +67,7 @@ std::vector<std::string> NamesFor(const Session& session, const Words& before, c
     case Completes::kCommands:
       return isFirst ? CommandNames() : std::vector<std::string>();
     case Completes::kOperations:
-      if (command->name == "time") {
-        return before.size() == 2   ? std::vector<std::string>{"call"}
-               : before.size() == 3 ? OperationNames()
-                                    : std::vector<std::string>();
-      }
-      return isFirst ? OperationNames() : std::vector<std::string>();
+      return NamesForCall(before);
     case Completes::kBundles:
       return isFirst ? BundleNames(session) : std::vector<std::string>();
     case Completes::kItems:
@@ -85,7 +89,7 @@ std::vector<std::string> Complete(const Session& session, const std::string& lin
   try {
     before = SplitWords(line.substr(0, line.size() - word.size()));
   } catch (const std::exception&) {
-    return {};  // A quote is open: what stands there is a text.
+    return {};  // A quote is open: the word is a text, not a name.
   }
   std::vector<std::string> names = NamesFor(session, before, word);
   names.erase(

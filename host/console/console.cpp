@@ -1,14 +1,17 @@
-#include "host/console.h"
+// The command console: reads lines from the terminal with editing, history and completion, or runs a pipe
+// like a command file. Threads: the program's own.
 
 #include <unistd.h>
 
 #include <iostream>
 
-#include "host/completion.h"
-#include "host/line_editor.h"
-#include "host/script.h"
-#include "host/state_dir.h"
-#include "host/text_escape.h"
+#include "host/base/text_escape.h"
+#include "host/commands/command.h"
+#include "host/commands/interrupt.h"
+#include "host/commands/script.h"
+#include "host/console/completion.h"
+#include "host/console/line_editor.h"
+#include "host/console/state_dir.h"
 
 namespace host {
 namespace {
@@ -16,8 +19,8 @@ namespace {
 void RunInteractively(Session& session) {
   LineEditor editor("bundle_host> ", HistoryFile(),
                     [&session](const std::string& line) { return Complete(session, line); });
-  session.out << "'help' lists the commands, Tab completes, Ctrl-D leaves.\n" << std::flush;
-  while (!session.leave) {
+  session.out << "'help' lists the commands, Tab completes, Ctrl-D exits.\n" << std::flush;
+  while (!session.quitRequested && ForgetInterrupt()) {
     const std::optional<std::string> line = editor.Read();
     if (!line) {
       return;
@@ -32,15 +35,31 @@ void RunInteractively(Session& session) {
   }
 }
 
-}  // namespace
-
 void RunConsole(Session& session) {
-  session.headings = true;
+  if (session.hasConsole) {
+    throw Failure("console: a console is running already");
+  }
+  session.hasConsole = session.verboseCalls = true;
   if (isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) {
     RunInteractively(session);
   } else {
-    RunScriptFile(session, "-");
+    RunScript(session, "-");
   }
+  session.hasConsole = false;
+}
+
+Action ParseConsole(const Words& /*words*/) { return RunConsole; }
+
+}  // namespace
+
+std::vector<Command> ConsoleCommands() {
+  return {
+      {"console", "", "read commands from the terminal, or from a pipe",
+       "A terminal has history and completion; a command that fails is reported and the console goes on. A "
+       "pipe\n"
+       "is read like a file.\n",
+       0, 0, Completes::kNothing, ParseConsole},
+  };
 }
 
 }  // namespace host

@@ -1,18 +1,24 @@
-#include "host/line_editor.h"
+#include "host/console/line_editor.h"
 
+#include <fcntl.h>
 #include <histedit.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
+
+#include "host/commands/interrupt.h"
 
 namespace host {
 namespace {
 
 constexpr int kHistoryLines = 1000;
 
-/// The longest text that all candidates start with.
+/// The longest common prefix of the candidates.
 std::string CommonStart(const std::vector<std::string>& candidates) {
   std::string start = candidates.front();
   for (const std::string& candidate : candidates) {
@@ -25,6 +31,39 @@ std::string CommonStart(const std::vector<std::string>& candidates) {
 std::string LastWord(const std::string& line) {
   const std::size_t blank = line.find_last_of(" \t");
   return blank == std::string::npos ? line : line.substr(blank + 1);
+}
+
+/// The window's width in characters.
+std::size_t Width() {
+  winsize size{};
+  constexpr std::size_t kUsual = 80;
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0 ? size.ws_col : kUsual;
+}
+
+/// Arranges the texts, separated by two blanks, in rows of at most `width` characters.
+std::string InRows(const std::vector<std::string>& texts, std::size_t width) {
+  std::string rows;
+  std::size_t used = 0;
+  for (const std::string& text : texts) {
+    const bool fits = used != 0 && used + 2 + text.size() <= width;
+    rows += (fits ? "  " : used == 0 ? "" : "\n") + text;
+    used = (fits ? used + 2 : 0) + text.size();
+  }
+  return rows + "\n";
+}
+
+/// Opens the file for appending and reading with mode 0600; null when that fails or `path` is empty.
+std::FILE* OpenPrivate(const std::string& path) {
+  const int descriptor = open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  if (descriptor < 0) {
+    return nullptr;
+  }
+  static_cast<void>(fchmod(descriptor, S_IRUSR | S_IWUSR));  // The file may exist with a wider mode.
+  std::FILE* const file = fdopen(descriptor, "a+");
+  if (file == nullptr) {
+    close(descriptor);
+  }
+  return file;
 }
 
 }  // namespace
@@ -45,13 +84,14 @@ class LineEditor::Impl {
     }
     EditLine* const editor = editor_.get();
     el_set(editor, EL_CLIENTDATA, this);
+    el_set(editor, EL_GETCFN, &ReadKey);
     el_set(editor, EL_PROMPT, &Prompt);
     el_set(editor, EL_EDITOR, "emacs");
     el_set(editor, EL_HIST, ::history, history_.get());
     el_set(editor, EL_ADDFN, "host-complete", "Complete the word", &Complete);
     el_set(editor, EL_ADDFN, "host-abandon", "Abandon the line", &Abandon);
     el_set(editor, EL_BIND, "^I", "host-complete", nullptr);
-    // While a line is edited Ctrl-C is a key like others; while a command runs it ends the program as usual.
+    // While a line is edited, Ctrl-C is an ordinary key; while a command runs, it raises SIGINT.
     el_set(editor, EL_SETTY, "-d", "-isig", nullptr);
     el_set(editor, EL_BIND, "^C", "host-abandon", nullptr);
   }
@@ -59,12 +99,12 @@ class LineEditor::Impl {
   std::optional<std::string> Read() {
     int length = 0;
     abandoned_ = false;
-    // Before the prompt, not behind it: a Ctrl-D or Ctrl-C that comes at once would still be the terminal's.
+    // Set before the prompt appears: the terminal itself would otherwise handle an early Ctrl-D or Ctrl-C.
     el_set(editor_.get(), EL_PREP_TERM, 1);
     const char* const text = el_gets(editor_.get(), &length);
     if (text == nullptr || length <= 0) {
       static_cast<void>(std::fputs("\n", stdout));
-      return std::nullopt;
+      return StopSignal() == SIGINT ? std::make_optional<std::string>() : std::nullopt;
     }
     std::string line(text, static_cast<std::size_t>(length));
     line.erase(line.find_last_not_of("\r\n") + 1);
@@ -84,6 +124,23 @@ class LineEditor::Impl {
 
   static char* Prompt(EditLine* editor) { return Of(editor).prompt_.data(); }
 
+  /// Reads a byte from the terminal; returns 0 when a signal is stored. Rereads the window's size first,
+  /// which may have changed.
+  static int ReadKey(EditLine* editor, wchar_t* key) {
+    el_resize(editor);
+    unsigned char byte = 0;
+    do {
+      if (!WaitForInput(STDIN_FILENO)) {
+        return 0;
+      }
+      if (const ssize_t size = read(STDIN_FILENO, &byte, 1); size <= 0) {
+        return static_cast<int>(size);
+      }
+    } while (byte > 0x7F);
+    *key = byte;
+    return 1;
+  }
+
   static unsigned char Abandon(EditLine* editor, int /*key*/) {
     Of(editor).abandoned_ = true;
     static_cast<void>(std::fputs("^C", stdout));
@@ -91,7 +148,7 @@ class LineEditor::Impl {
     return CC_NEWLINE;
   }
 
-  /// Nothing may be thrown through libedit, which is C.
+  /// Catches all exceptions: libedit is C, and none may pass through it.
   static unsigned char Complete(EditLine* editor, int /*key*/) {
     try {
       return CompleteWord(editor);
@@ -113,11 +170,7 @@ class LineEditor::Impl {
     if (!more.empty()) {
       return el_insertstr(editor, more.c_str()) == 0 ? CC_REFRESH : CC_REFRESH_BEEP;
     }
-    std::string list = "\n";
-    for (const std::string& candidate : candidates) {
-      list += candidate + "  ";
-    }
-    static_cast<void>(std::fprintf(stdout, "%s\n", list.c_str()));
+    static_cast<void>(std::fputs(("\n" + InRows(candidates, Width())).c_str(), stdout));
     return CC_REDISPLAY;
   }
 
@@ -126,9 +179,8 @@ class LineEditor::Impl {
       return;
     }
     HistEvent event;
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-        historyFile_.empty() ? nullptr : std::fopen(historyFile_.c_str(), "a+e"), std::fclose);
-    // What other consoles have added meanwhile is taken over, so that none of them loses a line.
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(OpenPrivate(historyFile_), std::fclose);
+    // Reloads what other consoles have added meanwhile, so that no line is lost.
     const bool isShared = file != nullptr && flock(fileno(file.get()), LOCK_EX) == 0;
     if (isShared) {
       history(history_.get(), &event, H_CLEAR);

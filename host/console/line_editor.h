@@ -1,5 +1,5 @@
-#ifndef HOST_LINE_EDITOR_H_
-#define HOST_LINE_EDITOR_H_
+#ifndef HOST_CONSOLE_LINE_EDITOR_H_
+#define HOST_CONSOLE_LINE_EDITOR_H_
 
 #include <functional>
 #include <memory>
@@ -9,16 +9,16 @@
 
 namespace host {
 
-/// Reads lines from the terminal: editing keys as in most shells, history with the arrow keys, completion
-/// with Tab. Ctrl-C abandons the line, Ctrl-D on an empty line ends the input. Bytes outside ASCII are not
-/// typed here; commands take them as \xNN.
+/// Reads lines from the terminal with the editing keys of most shells, history by the arrow keys and
+/// completion by Tab. Ctrl-C abandons the line, Ctrl-D on an empty line ends the input. Bytes outside ASCII
+/// are ignored; commands take them as \xNN.
 ///
-/// The history is read from and added to `historyFile`, at most a thousand lines; when the file cannot be
-/// used the history just ends with the process. Consoles that run at the same time share it line by line.
-/// Threads: one.
+/// The history, at most 1,000 lines, is stored in `historyFile`, which consoles that run at the same time
+/// share; when the file cannot be used, the history lasts until the process ends. Owns the state of the
+/// editor. Threads: the program's main thread.
 class LineEditor {
  public:
-  /// Answers what the last word of `line` could become; `line` is the text in front of the cursor.
+  /// Returns the candidates for the last word of `line`, the text before the cursor.
   using Completer = std::function<std::vector<std::string>(const std::string& line)>;
 
   LineEditor(const std::string& prompt, const std::string& historyFile, Completer completer);
@@ -26,7 +26,7 @@ class LineEditor {
   LineEditor(const LineEditor&) = delete;
   LineEditor& operator=(const LineEditor&) = delete;
 
-  /// The next line without its line end, empty for an abandoned one; nothing at the end of the input.
+  /// Reads the next line, without its line end; empty for an abandoned one, nothing at the end of the input.
   std::optional<std::string> Read();
 
  private:
@@ -36,4 +36,4 @@ class LineEditor {
 
 }  // namespace host
 
-#endif  // HOST_LINE_EDITOR_H_
+#endif  // HOST_CONSOLE_LINE_EDITOR_H_

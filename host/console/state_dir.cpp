@@ -1,4 +1,4 @@
-#include "host/state_dir.h"
+#include "host/console/state_dir.h"
 
 #include <cstdlib>
 #include <filesystem>

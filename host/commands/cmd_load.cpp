@@ -1,0 +1,77 @@
+// The commands load, init, reload and unload, which call the session's loader.
+
+#include <ostream>
+
+#include "host/base/problem.h"
+#include "host/commands/command.h"
+
+namespace host {
+namespace {
+
+/// The loaded bundle of that name; throws with word 1, the command's first argument, as the wrong one.
+const LoadedBundle& Find(const Session& session, const std::string& name) {
+  return AtWord(1, [&]() -> const LoadedBundle& { return session.loader.Find(name); });
+}
+
+Action ParseLoad(const Words& words) {
+  return [library = words[1], arguments = Rest(words, 2)](Session& session) {
+    const LoadedBundle& bundle = session.loader.Load(library, arguments);
+    session.out << "loaded " << bundle.name << " from " << bundle.library << '\n';
+  };
+}
+
+Action ParseInit(const Words& words) {
+  return [name = words[1], arguments = Rest(words, 2)](Session& session) {
+    Find(session, name);
+    session.loader.Init(name, arguments);
+    session.out << "initialised " << name << '\n';
+  };
+}
+
+Action ParseReload(const Words& words) {
+  return [name = words[1]](Session& session) {
+    Find(session, name);
+    const LoadedBundle& bundle = session.loader.Reload(name);
+    session.out << "reloaded " << bundle.name << " from " << bundle.library << '\n';
+  };
+}
+
+void Unload(Session& session, const std::string& name) {
+  const std::string library = Find(session, name).library;
+  const UnloadReport report = session.loader.Unload(name);
+  session.out << "unloaded " << name << "; " << library
+              << (report.whyMapped.empty() ? " is unmapped\n"
+                                           : " is still mapped: " + report.whyMapped + "\n");
+  if (!report.problem.empty()) {
+    throw Failure(report.problem);
+  }
+}
+
+Action ParseUnload(const Words& words) {
+  return [name = words[1]](Session& session) { Unload(session, name); };
+}
+
+}  // namespace
+
+std::vector<Command> LoadCommands() {
+  return {
+      {"load", "LIBRARY [ARGUMENT...]", "load a bundle and initialise it with the arguments",
+       "LIBRARY is a path, or a name that the dynamic linker finds; libNAME.so is bundle NAME and has the "
+       "factory\n"
+       "_make_NAME. Arguments must not hold quotes, backslashes or '$'.\n",
+       1, kAnyNumber, Completes::kFiles, ParseLoad},
+      {"init", "NAME [ARGUMENT...]", "call init of a loaded bundle once more", "", 1, kAnyNumber,
+       Completes::kBundles, ParseInit},
+      {"reload", "NAME", "unload a bundle, load its file as it is now and initialise it",
+       "init gets the same arguments as before. Refused while another loaded bundle is linked against the "
+       "library.\n",
+       1, 1, Completes::kBundles, ParseReload},
+      {"unload", "NAME", "call fini, destroy the service object and unmap the library",
+       "Says whether the process has the library still mapped and, if so, why. What other bundles fetched "
+       "from it\n"
+       "they must have dropped before. Refused while another loaded bundle is linked against the library.\n",
+       1, 1, Completes::kBundles, ParseUnload},
+  };
+}
+
+}  // namespace host

@@ -1,0 +1,52 @@
+#ifndef HOST_COMMANDS_SESSION_H_
+#define HOST_COMMANDS_SESSION_H_
+
+#include <ostream>
+#include <streambuf>
+#include <string>
+
+#include "host/loader/loader.h"
+
+namespace host {
+
+/// Forwards what is written to `target`, which is borrowed, and keeps a copy.
+class CopyingBuffer : public std::streambuf {
+ public:
+  explicit CopyingBuffer(std::ostream& target) : target_(target) {}
+
+  std::string copy;
+
+ protected:
+  std::streamsize xsputn(const char* text, std::streamsize size) override {
+    copy.append(text, static_cast<std::size_t>(size));
+    return target_.write(text, size) ? size : 0;
+  }
+  int_type overflow(int_type c) override {
+    const char byte = traits_type::to_char_type(c);
+    return xsputn(&byte, 1) == 1 ? c : traits_type::eof();
+  }
+  int sync() override { return target_.flush() ? 0 : -1; }
+
+ private:
+  std::ostream& target_;
+};
+
+/// The state that commands share. `loader` and `target` are borrowed. Threads: the program's main thread.
+struct Session {
+  Session(Loader& itsLoader, std::ostream& target) : loader(itsLoader), printed(target), out(&printed) {}
+
+  Loader& loader;
+  CopyingBuffer printed;       ///< its copy holds what the last command wrote to `out`
+  std::ostream out;            ///< the commands' output
+  std::string problem;         ///< the last command's problem; empty when it succeeded
+  bool verboseCalls = false;   ///< `call` prints its answer in sections, with the log records of the call
+  bool quitRequested = false;  ///< set by `quit`
+  bool echo = false;           ///< print each line of a command file before running it
+  bool keepGoing = false;      ///< report and count failing commands of a file, and run the next
+  bool hasConsole = false;     ///< a console is running
+  int runDepth = 0;            ///< nesting depth of command files
+};
+
+}  // namespace host
+
+#endif  // HOST_COMMANDS_SESSION_H_
