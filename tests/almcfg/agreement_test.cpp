@@ -1,5 +1,5 @@
-// What the checker says about a file is what a load of it does: the same lines stored, logged and dropped,
-// the same table. Random files go to both.
+// almcfg's table of a file equals the one of a real load, and every line that is not loaded has a finding.
+// Checked with random files.
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -11,17 +11,16 @@
 #include <thread>
 #include <vector>
 
-#include "tests/almcfg/desk.h"
+#include "tests/almcfg/check_text.h"
 #include "tests/almcfg/run_program.h"
-#include "tools/almcfg/desk_platform.h"
 
 namespace {
 
-using almcfg::BundleLog;
 using almcfg_test::ContentOf;
+using almcfg_test::TableOf;
 using almcfg_test::TempFile;
 using NS_ASCII::Alarm_Config_Param;
-using NS_ASCII::LineFate;
+using NS_ASCII::LineOutcome;
 
 constexpr int kFiles = 150;
 constexpr int kMostLines = 30;
@@ -81,7 +80,7 @@ class RandomText {
     return kWords[static_cast<std::size_t>(Upto(Upto(2) == 0 ? 10 : 4))];
   }
 
-  /// Whatever breaks readers: blanks, separators, NULs, bytes of no encoding.
+  /// Bytes that are difficult to read: blanks, separators, NULs, bytes that are not valid in any encoding.
   std::string Noise(int length) {
     static const std::string kBytes("\t\t\t/ #A7,;\r\0\v\xFF", 14);
     std::string noise;
@@ -100,107 +99,51 @@ class RandomText {
   std::mt19937 random_;
 };
 
-/// Notes what became of each line, and how the bundle's messages went.
-class Fates : public almcfg::LineObserver {
- public:
-  struct OneLine {
-    std::string text;
-    LineFate fate;
-  };
-
-  void OnLine(const almcfg::LoadedFiles& /*files*/, const almcfg::TakenLine& taken) override {
-    lines.push_back({std::string(taken.line.text), taken.fate});
-    if (taken.fate == LineFate::kLogged) {
-      messages.push_back(std::to_string(taken.message.line) + ' ' + taken.message.text);
-    }
-  }
-  void OnEnd(const almcfg::SourceText& /*text*/) override {}
-
-  std::vector<OneLine> lines;
-  std::vector<std::string> messages;
-};
-
-/// What one real load does.
-struct RealLoad {
-  explicit RealLoad(const std::string& content) {
-    const TempFile file(content);
-    BundleLog().clear();
-    Alarm_Config_Param table;
-    table.LoadConfig(file.path().c_str());
-    entries = ContentOf(table);
-    for (const almcfg::LoggedMessage& message : BundleLog()) {
-      messages.push_back(std::to_string(message.line) + ' ' + message.text);
-    }
-    BundleLog().clear();
-  }
-
-  std::vector<std::string> entries;
-  std::vector<std::string> messages;
-};
-
-/// What the checker makes of a file. Its records go to `table`, if there is one.
-struct Checked {
-  explicit Checked(const std::string& content, Alarm_Config_Param* table = nullptr)
-      : file(content), desk(fates, progress, table) {
-    desk.Load(almcfg::SourceText::Read(file.path(), progress));
-  }
-
-  const TempFile file;
-  almcfg::Progress progress{false};
-  Fates fates;
-  almcfg::LoadedFiles desk;
-};
+/// The table after a real load by the bundle.
+std::vector<std::string> RealLoad(const std::string& content) {
+  const TempFile file(content);
+  Alarm_Config_Param table;
+  table.LoadConfig(file.path().c_str());
+  return ContentOf(table);
+}
 
 class Agreement : public testing::TestWithParam<unsigned> {};
 
-TEST_P(Agreement, HoldsForTheTableAndEveryMessage) {
+TEST_P(Agreement, HoldsForTheTable) {
   RandomText random(GetParam());
   for (int i = 0; i < kFiles / 10; ++i) {
     const std::string content = random.File();
-    const RealLoad real(content);
-    Alarm_Config_Param table;
-    const Checked checked(content, &table);
-    EXPECT_EQ(ContentOf(table), real.entries) << content;
-    EXPECT_EQ(checked.desk.recordCount(), real.entries.size()) << content;
-    EXPECT_EQ(checked.fates.messages, real.messages) << content;
-  }
-}
-
-TEST_P(Agreement, HoldsForEachLineOnItsOwn) {
-  RandomText random(GetParam() + 1000);
-  for (int i = 0; i < kFiles / 10; ++i) {
-    const Checked checked(random.File());
-    for (const Fates::OneLine& line : checked.fates.lines) {
-      const RealLoad real(line.text + "\n");
-      const bool isSilent = line.fate == LineFate::kDropped || line.fate == LineFate::kSkipped;
-      EXPECT_EQ(real.entries.empty(), line.fate != LineFate::kStored) << line.text;
-      EXPECT_EQ(real.messages.size(), line.fate == LineFate::kLogged ? 1U : 0U) << line.text;
-      EXPECT_EQ(real.entries.empty() && real.messages.empty(), isSilent) << line.text;
-    }
+    const std::vector<std::string> entries = RealLoad(content);
+    const almcfg::LoadedTable table = TableOf(content);
+    EXPECT_EQ(ContentOf(table), entries) << content;
+    EXPECT_EQ(table.recordCount(), entries.size()) << content;
   }
 }
 
 /// Whether a finding says that its line, or a part of it, does not reach the table.
 bool IsLoss(almcfg::Code code) {
-  return almcfg::TrapOf(code).severity == almcfg::Severity::kError ||
-         code == almcfg::Code::kIndentedComment || code == almcfg::Code::kByteOrderMark;
+  return almcfg::RuleOf(code).severity == almcfg::Severity::kError ||
+         code == almcfg::Code::kIndentedComment || code == almcfg::Code::kByteOrderMark ||
+         code == almcfg::Code::kHeaderLine;
 }
 
 TEST_P(Agreement, NoLineIsLostWithoutAFinding) {
   RandomText random(GetParam() + 2000);
   for (int i = 0; i < kFiles / 10; ++i) {
     const std::string content = random.File();
-    const Checked checked(content);
-    const std::vector<Fates::OneLine>& lines = checked.fates.lines;
-    std::vector<bool> isExplained(lines.size() + 1);
+    const almcfg::LoadedTable table = TableOf(content);
+    const almcfg::SourceText& text = table.text(0);
+    std::vector<bool> isExplained(text.lineCount() + 1);
     for (const almcfg::Finding& finding : almcfg_test::CheckWhole(content)) {
       isExplained[finding.line] = isExplained[finding.line] || IsLoss(finding.code);
     }
-    for (std::size_t number = 1; number <= lines.size(); ++number) {
-      const Fates::OneLine& line = lines[number - 1];
-      const bool isBlank = line.text.find_first_not_of(" \t\r") == std::string::npos;
-      const bool isLost = line.fate == LineFate::kLogged || (line.fate == LineFate::kDropped && !isBlank);
-      EXPECT_TRUE(isExplained[number] || !isLost) << "line " << number << " of\n" << content;
+    for (almcfg::LineNumber number = 1; number <= text.lineCount(); ++number) {
+      const std::string line(text.line(number).Loaded());
+      const bool isSilent =
+          line.empty() || line[0] == '#' || line.find_first_not_of(" \t\r") == std::string::npos;
+      EXPECT_TRUE(isExplained[number] || isSilent || !RealLoad(line + "\n").empty())
+          << "line " << number << " of\n"
+          << content;
     }
   }
 }
@@ -214,22 +157,23 @@ bool EndlessLoadHolds(const std::string& path, const std::vector<std::string>& e
   for (int i = 0; i < 500 && table.values().size() < expected.size(); ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
-  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // For what must not come.
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // Nothing more must come.
   return ContentOf(table) == expected;
 }
 
-TEST(AgreementOnAnOverlongLine, ItsStartIsLoadedAndNothingBehindIt) {
+TEST(AgreementOnAnOverlongLine, ItsStartIsLoadedAndNothingAfterIt) {
   const std::string endless = "C\tB\tC\t7\t3" + std::string(1020, '3');
-  Alarm_Config_Param table;
-  const Checked checked("A\tB\tC\t7\t1\n" + endless + "\nD\tB\tC\t7\t4\n", &table);
-  ASSERT_EQ(checked.desk.endlessLine().line, 2U);
-  ASSERT_EQ(checked.desk.recordCount(), 2U);
+  const std::string content = "A\tB\tC\t7\t1\n" + endless + "\nD\tB\tC\t7\t4\n";
+  const TempFile file(content);
+  const almcfg::LoadedTable table = TableOf(content);
+  ASSERT_EQ(table.endlessLine().line, 2U);
+  ASSERT_EQ(table.recordCount(), 2U);
   const std::vector<std::string> expected = ContentOf(table);
   ASSERT_EQ(expected, (std::vector<std::string>{"C\nB\nC\n7\n" + endless.substr(8, 1022 - 8) + "\n",
                                                 "A\nB\nC\n7\n1\n"}));
   const pid_t child = fork();
   if (child == 0) {
-    _exit(EndlessLoadHolds(checked.file.path(), expected) ? 0 : 1);
+    _exit(EndlessLoadHolds(file.path(), expected) ? 0 : 1);
   }
   int status = 0;
   waitpid(child, &status, 0);

@@ -1,5 +1,5 @@
-// Every trap has an example, and what the checker says about it is kept word for word. After a change that is
-// meant, tests/almcfg/update_golden.sh writes the new words down.
+// Every rule has an example, and the checker's output for it is compared with tests/almcfg/golden. After an
+// intended change, tests/almcfg/update_golden.sh writes the new output.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "tests/almcfg/run_program.h"
-#include "tools/almcfg/finding.h"
+#include "tools/almcfg/check/finding.h"
 
 namespace {
 
@@ -31,12 +31,12 @@ std::vector<std::string> Examples() {
 
 /// The worst that the example's own finding can be.
 int ExpectedExit(const std::string& name) {
-  for (const almcfg::Trap& trap : almcfg::Traps()) {
-    if (trap.name == name) {
-      return trap.severity == almcfg::Severity::kError ? 1 : 0;
+  for (const almcfg::Rule& rule : almcfg::Rules()) {
+    if (rule.name == name) {
+      return rule.severity == almcfg::Severity::kError ? 1 : 0;
     }
   }
-  ADD_FAILURE() << name << " is the name of no trap";
+  ADD_FAILURE() << name << " is the name of no rule";
   return -1;
 }
 
@@ -49,12 +49,12 @@ TEST_P(BrokenExample, IsExplainedInTheKnownWords) {
   EXPECT_EQ(outcome.exitCode, ExpectedExit(GetParam()));
 }
 
-TEST_P(BrokenExample, ShowsTheTrapItIsNamedAfterAndNoOther) {
+TEST_P(BrokenExample, ShowsTheRuleItIsNamedAfterAndNoOther) {
   const auto outcome = RunAlmcfg({"check", "examples/broken/" + GetParam() + ".csv"});
   std::set<std::string> found;
-  for (const almcfg::Trap& trap : almcfg::Traps()) {
-    if (outcome.out.find(" [" + std::string(trap.name) + "]\n") != std::string::npos) {
-      found.insert(trap.name);
+  for (const almcfg::Rule& rule : almcfg::Rules()) {
+    if (outcome.out.find(" [" + std::string(rule.name) + "]\n") != std::string::npos) {
+      found.insert(rule.name);
     }
   }
   EXPECT_EQ(found, std::set<std::string>{GetParam()});
@@ -68,19 +68,19 @@ std::string TestName(const testing::TestParamInfo<std::string>& info) {
 
 INSTANTIATE_TEST_SUITE_P(All, BrokenExample, testing::ValuesIn(Examples()), TestName);
 
-TEST(BrokenExamples, ExistForEveryTrapThatAFileCanShow) {
+TEST(BrokenExamples, ExistForEveryRuleThatAFileCanShow) {
   const std::vector<std::string> names = Examples();
   const std::set<std::string> examples(names.begin(), names.end());
-  for (const almcfg::Trap& trap : almcfg::Traps()) {
+  for (const almcfg::Rule& rule : almcfg::Rules()) {
     const bool isAboutNoContent =
-        trap.code == almcfg::Code::kUnreadableFile || trap.code == almcfg::Code::kDirectory;
-    EXPECT_EQ(examples.count(trap.name), isAboutNoContent ? 0U : 1U) << trap.name;
+        rule.code == almcfg::Code::kUnreadableFile || rule.code == almcfg::Code::kDirectory;
+    EXPECT_EQ(examples.count(rule.name), isAboutNoContent ? 0U : 1U) << rule.name;
   }
 }
 
-TEST(Traps, StandInTheCatalogueAtTheirOwnPlace) {
-  for (std::size_t i = 0; i < almcfg::kTrapCount; ++i) {
-    EXPECT_EQ(static_cast<std::size_t>(almcfg::Traps()[i].code), i) << almcfg::Traps()[i].name;
+TEST(Rules, AreInTheCatalogueInTheOrderOfTheirCodes) {
+  for (std::size_t i = 0; i < almcfg::kRuleCount; ++i) {
+    EXPECT_EQ(static_cast<std::size_t>(almcfg::Rules()[i].code), i) << almcfg::Rules()[i].name;
   }
 }
 

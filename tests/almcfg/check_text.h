@@ -1,15 +1,15 @@
-#ifndef TESTS_ALMCFG_DESK_H_
-#define TESTS_ALMCFG_DESK_H_
+#ifndef TESTS_ALMCFG_CHECK_TEXT_H_
+#define TESTS_ALMCFG_CHECK_TEXT_H_
 
 #include <string>
 #include <vector>
 
-#include "src/almconfig.h"
-#include "tools/almcfg/checker.h"
-#include "tools/almcfg/loaded_files.h"
-#include "tools/almcfg/progress.h"
+#include "src/alarmconfig/almconfig.h"
+#include "tools/almcfg/check/checker.h"
+#include "tools/almcfg/read/loaded_table.h"
+#include "tools/almcfg/write/progress.h"
 
-/// The checker's parts put together for a test.
+/// Runs the checker on texts.
 namespace almcfg_test {
 
 /// Keeps all findings.
@@ -28,9 +28,13 @@ std::vector<std::string> Check(const std::string& content);
 /// The findings themselves.
 std::vector<almcfg::Finding> CheckWhole(const std::string& content);
 
+/// A file with this content, loaded.
+almcfg::LoadedTable TableOf(const std::string& content);
+
 /// The keys and values of a table in its order, in one text each.
 std::vector<std::string> ContentOf(const NS_ASCII::Alarm_Config_Param& table);
+std::vector<std::string> ContentOf(const almcfg::LoadedTable& table);
 
 }  // namespace almcfg_test
 
-#endif  // TESTS_ALMCFG_DESK_H_
+#endif  // TESTS_ALMCFG_CHECK_TEXT_H_

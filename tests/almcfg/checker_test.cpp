@@ -1,11 +1,13 @@
-#include "tools/almcfg/checker.h"
+// The findings of the checker, one rule after the other, on short texts.
+
+#include "tools/almcfg/check/checker.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "tests/almcfg/desk.h"
+#include "tests/almcfg/check_text.h"
 
 namespace {
 
@@ -35,6 +37,7 @@ TEST(Checker, SaysWhatAValueWrapsTo) {
 TEST(Checker, AcceptsWhateverTheConversionAcceptsAsValue) {
   EXPECT_THAT(Check("A\tB\tC\t7\t+5\nA\tB\tC\t8\t007\n"), IsEmpty());
   EXPECT_THAT(Check("A\tB\tC\t7\t5x\n"), ElementsAre("1:9+2 value-not-integer"));
+  EXPECT_THAT(Check("A\tB\tC\t7\t0b1\n"), ElementsAre("1:9+3 value-not-integer"));
   EXPECT_THAT(Check("A\tB\tC\t7\t5\v\n"), ElementsAre("1:9+2 value-not-integer", "1:10+1 edge-blank"));
 }
 
@@ -82,7 +85,7 @@ TEST(Checker, DoesNotTakeProseForALineWithBlanks) {
 TEST(Checker, NamesAnEmptyLastColumnOnlyWhenItIsTheOneThatLacks) {
   EXPECT_THAT(Check("A\tB\tC\t7\t\n"), ElementsAre("1:8+1 empty-edge-column"));
   EXPECT_THAT(Check("A\tB\t7\t\n"), ElementsAre("1:1+5 too-few-columns"));
-  EXPECT_THAT(Check("A\tB\tC\t7\t1\t\n"), IsEmpty());
+  EXPECT_THAT(Check("A\tB\tC\t7\t1\t\n"), ElementsAre("1:10+1 outer-blank"));
 }
 
 TEST(Checker, FindsTheLineThatHadTheKeyLast) {
@@ -108,7 +111,7 @@ TEST(Checker, StopsLookingForDuplicatesWhereNoLoadGets) {
 TEST(Checker, CountsTheLinesThatAnOverlongOneLoses) {
   const std::string endless(1022, 'x');
   EXPECT_THAT(CheckWhole(endless + "\r\nA\nB").at(0).message,
-              HasSubstr("1,023 characters, a load reads 1,022 of them and then NEVER ENDS: 2 lines behind it "
+              HasSubstr("1,023 characters, a load reads 1,022 of them and then NEVER ENDS: 2 lines after it "
                         "are never read"));
 }
 
@@ -129,7 +132,7 @@ TEST(Checker, KnowsAByteOrderMarkBeforeACommentFromOneBeforeAKey) {
 
 TEST(Checker, SaysWhatANulLeavesOfALine) {
   EXPECT_THAT(CheckWhole(std::string("A\tB\tC\t7\t1\0x\n", 12)).at(0).message,
-              HasSubstr("what stands before it is loaded"));
+              HasSubstr("what is before it is loaded"));
   EXPECT_THAT(Check(std::string("A\tB\0\0\tC\t7\t1\n", 12)), ElementsAre("1:4+2 nul-byte"));
 }
 

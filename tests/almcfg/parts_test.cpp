@@ -1,14 +1,14 @@
+// Small parts of almcfg: snippets, printable texts, the nearest keys.
+
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 #include <vector>
 
-#include "tools/almcfg/json_text.h"
-#include "tools/almcfg/key_index.h"
-#include "tools/almcfg/nearest.h"
-#include "tools/almcfg/snippet.h"
-#include "tools/almcfg/visible.h"
+#include "tools/almcfg/query/nearest.h"
+#include "tools/almcfg/write/json_text.h"
+#include "tools/almcfg/write/printable.h"
+#include "tools/almcfg/write/snippet.h"
 
 namespace {
 
@@ -65,28 +65,28 @@ TEST(Snippet, PutsTheCaretBelowItsByteWhereverThatIsInALongLine) {
   std::string line(1000, '.');
   for (std::size_t at = 0; at < line.size(); at += 37) {
     line[at] = 'X';
-    const Snippet snippet = MakeSnippet(line, at + 1, 1, Blanks::kAtEdges);
+    const Snippet snippet = MakeSnippet(line, at + 1, 1, Blanks::kAtEdges, 100);
     EXPECT_EQ(UnderCaret(snippet), "X") << at;
-    EXPECT_LE(CharacterCount(snippet.text), 102U) << at;
+    EXPECT_LE(CharacterCount(snippet.text), 100U) << at;
     line[at] = '.';
   }
 }
 
 TEST(Snippet, CountsWhatIsShownAndNotTheBytes) {
-  const Snippet snippet = MakeSnippet("\xC3\x9C\t\xFFX!", 5, 2, Blanks::kAtEdges);
+  const Snippet snippet = MakeSnippet("\xC3\x9C\t\xFFX!", 5, 2, Blanks::kAtEdges, 100);
   EXPECT_EQ(snippet.text, "\xC3\x9C→\\xFFX!");
   EXPECT_EQ(snippet.indent, 6U);
   EXPECT_EQ(snippet.width, 2U);
 }
 
 TEST(Snippet, MarksThePlaceBehindTheLine) {
-  const Snippet snippet = MakeSnippet("abc", 4, 1, Blanks::kAtEdges);
+  const Snippet snippet = MakeSnippet("abc", 4, 1, Blanks::kAtEdges, 100);
   EXPECT_EQ(snippet.indent, 3U);
   EXPECT_EQ(snippet.width, 1U);
 }
 
 TEST(Snippet, DoesNotMarkBeyondWhatItShows) {
-  const Snippet snippet = MakeSnippet(std::string(900, 'x'), 50, 800, Blanks::kAtEdges);
+  const Snippet snippet = MakeSnippet(std::string(900, 'x'), 50, 800, Blanks::kAtEdges, 100);
   EXPECT_LE(snippet.indent + snippet.width, CharacterCount(snippet.text));
 }
 
@@ -95,32 +95,6 @@ TEST(JsonText, KeepsEveryByteThatIsNotUtf8InHexadecimal) {
   SetText(json, "a", "x\xFFy");
   SetText(json, "b", "\xC3\x9C");
   EXPECT_EQ(Dump(json), "{\"a\":\"x\xEF\xBF\xBDy\",\"aHex\":\"78ff79\",\"b\":\"\xC3\x9C\"}");
-}
-
-TEST(KeyIndex, RemembersTheLastLineOfEachOfManyKeys) {
-  std::map<std::string, KeyIndex::LineId> expected;
-  std::vector<std::string> byLine(1);
-  KeyIndex index(
-      [&byLine](KeyIndex::LineId line, const NS_ASCII::AlarmKey& key) { return byLine[line] == key.key1; });
-  for (KeyIndex::LineId line = 1; line <= 5000; ++line) {
-    const std::string key = "key" + std::to_string(line % 1700);
-    byLine.push_back(key);
-    EXPECT_EQ(index.Put({key, "", "", ""}, line), expected[key]);
-    expected[key] = line;
-  }
-  EXPECT_EQ(index.size(), 1700U);
-  for (const auto& [key, line] : expected) {
-    EXPECT_EQ(index.Find({key, "", "", ""}), line);
-  }
-  EXPECT_EQ(index.Find({"other", "", "", ""}), 0U);
-}
-
-TEST(KeyIndex, DoesNotTrustEqualHashes) {
-  // Whoever has the lines denies, so equal keys count as different ones.
-  KeyIndex index([](KeyIndex::LineId, const NS_ASCII::AlarmKey&) { return false; });
-  EXPECT_EQ(index.Put({"k", "", "", ""}, 1), 0U);
-  EXPECT_EQ(index.Put({"k", "", "", ""}, 2), 0U);
-  EXPECT_EQ(index.size(), 2U);
 }
 
 TEST(Compare, SpellsOutSmallDifferences) {

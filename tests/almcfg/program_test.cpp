@@ -1,4 +1,4 @@
-// The program as users and scripts run it: exit codes, machine formats, and input that nobody meant for it.
+// The program as users and scripts run it: exit codes, machine formats, and unsuitable input.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "tests/almcfg/run_program.h"
-#include "tools/almcfg/finding.h"
+#include "tools/almcfg/check/finding.h"
 
 namespace {
 
@@ -22,6 +22,7 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::Not;
 
+const std::string kCommands = "check|fix|show|lookup|diff|coverage";
 const std::string kGood = "A\tB\tC\t7\t1\n";
 const std::string kWarning = "A\tB\tC\t07\t1\n";
 const std::string kError = "A\tB\tC\t7\n";
@@ -80,22 +81,38 @@ std::string MistakeIn(const std::vector<std::string>& arguments) {
 }
 
 TEST(CommandLine, MistakesSayWhatThereIs) {
-  EXPECT_EQ(MistakeIn({}), "almcfg: COMMAND: one of check|show|lookup|diff is needed");
-  EXPECT_EQ(MistakeIn({"chek", "x"}), "almcfg: COMMAND: \"chek\" is none of check|show|lookup|diff");
-  EXPECT_EQ(MistakeIn({"-"}), "almcfg: COMMAND: \"-\" is none of check|show|lookup|diff");
+  EXPECT_EQ(MistakeIn({}), "almcfg: one of " + kCommands + " is needed");
+  EXPECT_EQ(MistakeIn({"chek", "x"}), "almcfg: \"chek\" is none of " + kCommands);
+  EXPECT_EQ(MistakeIn({"-"}), "almcfg: \"-\" is none of " + kCommands);
+  EXPECT_EQ(MistakeIn({"check"}), "almcfg: FILE: at least one is needed; - is standard input");
   EXPECT_EQ(MistakeIn({"check", ""}), "almcfg: FILE: a name is empty");
+  EXPECT_EQ(MistakeIn({"check", "-", "-"}), "almcfg: FILE: standard input (-) can be read only once");
   EXPECT_EQ(MistakeIn({"check", "x", "--color"}), "almcfg: --color: one of always|auto|never is needed");
   EXPECT_EQ(MistakeIn({"check", "--color=", "x"}), "almcfg: --color: one of always|auto|never is needed");
+  EXPECT_EQ(MistakeIn({"check", "--color=red", "x"}),
+            "almcfg: --color: \"red\" is none of always|auto|never");
+  EXPECT_EQ(MistakeIn({"check", "--strict=yes", "x"}),
+            "almcfg: --strict: it takes no value, but was given \"yes\"");
+  EXPECT_EQ(MistakeIn({"check", "--select", "x"}),
+            "almcfg: --select: \"x\" is not a code; almcfg check --help lists them");
+  EXPECT_EQ(MistakeIn({"check", "--ignore=edge-blank,", "x"}),
+            "almcfg: --ignore: \"\" is not a code; almcfg check --help lists them");
+  EXPECT_EQ(MistakeIn({"check", "--max-findings", "-1", "x"}),
+            "almcfg: --max-findings: \"-1\" is not a count");
+  EXPECT_EQ(MistakeIn({"check", "--max-findings"}), "almcfg: --max-findings: N is needed");
+  EXPECT_EQ(MistakeIn({"lookup", "A", "B", "C", "7"}),
+            "almcfg: lookup: FILE... KEY1 KEY2 KEY3 NUMBER are needed");
+  EXPECT_EQ(MistakeIn({"lookup", "x", "A", "B", "C", "2147483648"}),
+            "almcfg: NUMBER: \"2147483648\" is not a 32-bit decimal integer, which callers ask with");
+  EXPECT_EQ(MistakeIn({"diff", "x"}), "almcfg: diff: two files are needed, RUNNING and NEW");
 }
 
 TEST(CommandLine, NamesAnOptionThatIsUnknownOrInTheWrongPlace) {
-  EXPECT_EQ(MistakeIn({"--foo"}),
-            "almcfg: COMMAND: one of check|show|lookup|diff is needed; there is no option \"--foo\"");
+  EXPECT_EQ(MistakeIn({"--foo"}), "almcfg: no option \"--foo\" before the command, one of " + kCommands);
   EXPECT_EQ(MistakeIn({"--color", "never", "check", "x"}),
-            "almcfg: COMMAND: \"--color\" belongs behind it; one of check|show|lookup|diff is needed first");
+            "almcfg: no option \"--color\" before the command, one of " + kCommands);
   EXPECT_EQ(MistakeIn({"lookup", "x", "--foo=1", "-A", "B", "C", "-7"}),
-            "almcfg: lookup: it has no option \"--foo=1\"; a file or key that starts with \"-\" goes behind "
-            "\"--\"");
+            "almcfg: lookup: no option \"--foo=1\"; a file or key that starts with \"-\" goes after \"--\"");
 }
 
 TEST(CommandLine, MistakesAreOneLineWhateverTheyQuote) {
@@ -137,7 +154,9 @@ TEST(ExitCode, OfOutputThatCannotBeWrittenIs2) {
     const std::string command = ALMCFG_PROGRAM " " + arguments + " </dev/null >/dev/full 2>" + err.path();
     const int status = std::system(command.c_str());
     EXPECT_EQ(WEXITSTATUS(status), 2) << arguments;
-    EXPECT_EQ(almcfg_test::ReadFile(err.path()), "almcfg: the output could not be written\n") << arguments;
+    EXPECT_EQ(almcfg_test::ReadFile(err.path()),
+              "almcfg: standard output could not be written: No space left on device\n")
+        << arguments;
   }
 }
 
@@ -213,16 +232,118 @@ TEST(CheckJson, IsOneObjectWithFindingsFilesAndTotals) {
   EXPECT_EQ(result["findings"][0]["text"], "A\tB\tC\t07\t1");
   EXPECT_EQ(result["files"][0]["records"], 1);
   EXPECT_EQ(result["files"][1]["wasRead"], false);
-  EXPECT_EQ(result["totals"],
-            (json{{"files", 2}, {"records", 1}, {"errors", 1}, {"warnings", 1}, {"notes", 0}}));
+  EXPECT_EQ(result["totals"], (json{{"files", 2},
+                                    {"records", 1},
+                                    {"errors", 1},
+                                    {"warnings", 1},
+                                    {"notes", 0},
+                                    {"omitted", 0},
+                                    {"byCode", {{"number-never-matches", 1}, {"unreadable-file", 1}}}}));
   EXPECT_EQ(result["exitCode"], 2);
 }
 
-TEST(CheckSarif, HasARuleForEveryTrapAndColumnsInCharacters) {
+TEST(CheckJson, NamesEachOfTwoFilesAndTheEarlierLine) {
+  const TempFile first(kGood + "A\tB\tC\t7\t2\n");
+  const TempFile second("X\tB\tC\t7\t1\n" + kError);
+  const json result = json::parse(RunAlmcfg({"check", "--format", "json", first.path(), second.path()}).out);
+  EXPECT_EQ(result["findings"][0],
+            (json{{"file", first.path()},
+                  {"line", 2},
+                  {"column", 1},
+                  {"length", 7},
+                  {"severity", "warning"},
+                  {"code", "value-replaced"},
+                  {"message",
+                   "the value \"1\" of line 1 is REPLACED by \"2\" for the key \"A\", \"B\", \"C\", \"7\""},
+                  {"hint", "keep one of the two lines; the later one wins"},
+                  {"text", "A\tB\tC\t7\t2"},
+                  {"otherLine", 1},
+                  {"otherText", "A\tB\tC\t7\t1"}}));
+  EXPECT_EQ(result["findings"][1]["file"], second.path());
+  EXPECT_EQ(result["files"],
+            (json{{{"file", first.path()}, {"wasRead", true}, {"lines", 2}, {"records", 1}},
+                  {{"file", second.path()}, {"wasRead", true}, {"lines", 2}, {"records", 1}}}));
+  EXPECT_EQ(result["totals"]["records"], 2);
+}
+
+TEST(Check, SelectsIgnoresAndLimitsFindings) {
+  const std::string content = kWarning + kError + kError;
+  EXPECT_EQ(Exit({"check", "--ignore", "too-few-columns", "-"}, content), 0);
+  EXPECT_EQ(Exit({"check", "--strict", "--ignore", "too-few-columns", "-"}, content), 1);
+  EXPECT_EQ(RunAlmcfg({"check", "--select", "edge-blank", "-"}, content).out,
+            "1 file, 1 record, no findings\n");
+  const Outcome limited = RunAlmcfg({"check", "--max-findings", "1", "-"}, content);
+  EXPECT_EQ(limited.exitCode, 1);
+  EXPECT_THAT(limited.out, Not(HasSubstr(" [too-few-columns]")));
+  EXPECT_THAT(limited.out, testing::EndsWith("2 more findings\n  too-few-columns: 2\n"
+                                             "  number-never-matches: 1\n"
+                                             "1 file, 1 record, 2 errors, 1 warning\n"));
+  EXPECT_EQ(RunAlmcfg({"check", "--quiet", "-"}, kGood).out, "");
+  EXPECT_THAT(RunAlmcfg({"check", "--stdin-name", "x\x1b.csv", "-"}, kError).out,
+              testing::StartsWith("x\\x1B.csv:1:1: error: "));
+}
+
+TEST(Check, ExplainsACodeInTheWordsOfThePage) {
+  const std::string text = RunAlmcfg({"check", "--explain", "nul-byte"}).out;
+  EXPECT_THAT(text,
+              testing::StartsWith("nul-byte (error)\n\nThe loader takes a NUL for the end of the line."));
+  EXPECT_THAT(text, Not(HasSubstr("####")));
+}
+
+TEST(Check, WarnsAboutFilesWithoutARecord) {
+  for (const std::string content : {"", "\n", "# x\n"}) {
+    EXPECT_THAT(RunAlmcfg({"check", "-"}, content).out, HasSubstr("[no-record]")) << content;
+    EXPECT_EQ(Exit({"check", "--strict", "-"}, content), 1) << content;
+  }
+  EXPECT_EQ(Exit({"check", "--strict", "/dev/null"}), 1);
+  EXPECT_THAT(RunAlmcfg({"check", "-"}, kError).out, Not(HasSubstr("[no-record]")));
+}
+
+TEST(EndlessLoad, IsReportedByLookupAndDiffInEveryFormat) {
+  const TempFile endless(kGood + std::string(1023, 'x') + "\n");
+  const TempFile good(kGood);
+  const Outcome text = RunAlmcfg({"lookup", endless.path(), "A", "B", "C", "7"});
+  EXPECT_EQ(text.exitCode, 1);
+  EXPECT_THAT(text.out, HasSubstr("load:      NEVER ENDS at " + endless.path() + ":2"));
+  const json place{{"file", endless.path()}, {"line", 2}};
+  EXPECT_EQ(
+      json::parse(
+          RunAlmcfg({"lookup", "--format", "json", endless.path(), "A", "B", "C", "7"}).out)["endlessLine"],
+      place);
+  const Outcome diff = RunAlmcfg({"diff", good.path(), endless.path()});
+  EXPECT_EQ(diff.exitCode, 1);
+  EXPECT_THAT(diff.out,
+              HasSubstr("restart:   NEVER COMES UP: its load does not end at " + endless.path() + ":2\n"));
+  const json answer = json::parse(RunAlmcfg({"diff", "--format", "json", good.path(), endless.path()}).out);
+  EXPECT_EQ(answer["endlessLine"], (json{{"running", nullptr}, {"new", place}}));
+  EXPECT_EQ(answer["restart"], nullptr);
+}
+
+TEST(Diff, TellsARewrittenValueFromAChangedAnswer) {
+  const TempFile running("A\tB\tC\t7\t5\n");
+  const TempFile rewritten("A\tB\tC\t7\t05\n");
+  const Outcome outcome = RunAlmcfg({"diff", running.path(), rewritten.path()});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.out, testing::StartsWith("rewritten: \"A\", \"B\", \"C\", \"7\"\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("0 answers changed, 0 keys added, 1 value rewritten, "));
+}
+
+TEST(Diff, CountsDeletionsAlone) {
+  const TempFile running(kGood + "B\tB\tC\t7\t1\n");
+  const TempFile fresh(kGood);
+  const Outcome outcome = RunAlmcfg({"diff", "--format", "json", running.path(), fresh.path()});
+  EXPECT_EQ(outcome.exitCode, 1);
+  const json answer = json::parse(outcome.out);
+  EXPECT_EQ(answer["changes"][0]["kind"], "stays");
+  EXPECT_EQ(answer["reload"], (json{{"changed", 0}, {"added", 0}, {"rewritten", 0}, {"staying", 1}}));
+  EXPECT_EQ(answer["restart"], (json{{"changed", 0}, {"added", 0}, {"rewritten", 0}, {"removed", 1}}));
+}
+
+TEST(CheckSarif, HasARuleForEveryRuleAndColumnsInCharacters) {
   const json log = json::parse(RunAlmcfg({"check", "--format", "sarif", "-"}, "\xC3\x9C\tB\tC\t07\t1\n").out);
   EXPECT_EQ(log["version"], "2.1.0");
   const json& run = log["runs"][0];
-  EXPECT_EQ(run["tool"]["driver"]["rules"].size(), almcfg::kTrapCount);
+  EXPECT_EQ(run["tool"]["driver"]["rules"].size(), almcfg::kRuleCount);
   EXPECT_EQ(run["columnKind"], "unicodeCodePoints");
   const json& result = run["results"][1];
   EXPECT_EQ(result["ruleId"], "number-never-matches");
@@ -268,31 +389,6 @@ TEST(Show, CountsErrorsAndWarningsOnTheErrorStream) {
   EXPECT_EQ(RunAlmcfg({"show", "-"}, kError + kWarning).err,
             "almcfg: <stdin>: 1 error, 1 warning; see almcfg check\n");
   EXPECT_EQ(RunAlmcfg({"show", "-"}, "A\tB\tC\t7\t1").err, "");
-}
-
-TEST(ShowHtml, EscapesWhateverTheFileHolds) {
-  const Outcome outcome = RunAlmcfg({"show", "--format", "html", "-"},
-                                    "<img src=x>\t\"'&\tC\x1b\t7\t</td>\n<script>x\n</script>\n");
-  EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_THAT(outcome.out, HasSubstr("<td>&lt;img src=x&gt;</td><td>&quot;&#39;&amp;</td><td>C\\x1B</td>"));
-  EXPECT_THAT(outcome.out, HasSubstr("&lt;/script&gt;"));
-  EXPECT_THAT(outcome.out, Not(HasSubstr("<img")));
-  EXPECT_THAT(outcome.out, Not(HasSubstr("<script>x")));
-}
-
-TEST(ShowHtml, TakesNothingFromElsewhere) {
-  const std::string page = RunAlmcfg({"show", "--format", "html", "-"}, kGood).out;
-  for (const std::string reference : {"http:", "https:", "src=", "href=", "@import", "url("}) {
-    EXPECT_THAT(page, Not(HasSubstr(reference)));
-  }
-}
-
-TEST(ShowHtml, PutsABadLineWhereItStands) {
-  const std::string page =
-      RunAlmcfg({"show", "--format", "html", "-"}, "A\tB\tC\t7\t1\nlost\nZ\tB\tC\t7\t1\n").out;
-  EXPECT_LT(page.find("<td>A</td>"), page.find("<td colspan=\"5\">lost</td>"));
-  EXPECT_LT(page.find("<td colspan=\"5\">lost</td>"), page.find("<td>Z</td>"));
-  EXPECT_NE(page.find("<td>Z</td>"), std::string::npos);
 }
 
 TEST(Lookup, AnswersWithTheLineThatServesAndThoseItReplaced) {
@@ -345,6 +441,38 @@ TEST(Lookup, TakesEveryKeyAsItStands) {
   }
 }
 
+TEST(Lookup, DoesNotSayThatALineReplacesItself) {
+  const TempFile file("A\tB\tC\t7\t1\nA/A\tB\tC\t7\t2\n");
+  const json answer =
+      json::parse(RunAlmcfg({"lookup", "--format", "json", file.path(), "A", "B", "C", "7"}).out);
+  EXPECT_EQ(answer["servedBy"]["line"], 2);
+  ASSERT_EQ(answer["replaced"].size(), 1U);
+  EXPECT_EQ(answer["replaced"][0],
+            (json{{"file", file.path()}, {"line", 1}, {"value", "1"}, {"text", "A\tB\tC\t7\t1"}}));
+  EXPECT_EQ(RunAlmcfg({"show", "-"}, "A/A\tB\tC\t7\t2\n").out,
+            "#key1\tkey2\tkey3\tnumber\tvalue\tsource\nA\tB\tC\t7\t2\t<stdin>:1\n");
+}
+
+TEST(Lookup, NamesQuotedLinesAsNear) {
+  const Outcome outcome = RunAlmcfg({"lookup", "-", "A", "B", "C", "7"}, "\"A\"\tB\tC\t7\t1\n");
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.out,
+              HasSubstr("near:      <stdin>:1: column 1 is \"\"A\"\", not \"A\" (in quotation marks)\n"));
+}
+
+TEST(Lookup, NamesAtMostFiveNeighboursInTheOrderOfTheFile) {
+  std::string content;
+  for (const std::string key : {"U", "V", "W", "X", "Y", "Z"}) {
+    content += key + "\tB\tC\t7\t1\n";
+  }
+  const json answer =
+      json::parse(RunAlmcfg({"lookup", "--format", "json", "-", "A", "B", "C", "7"}, content).out);
+  ASSERT_EQ(answer["nearest"].size(), 5U);
+  for (std::size_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(answer["nearest"][i]["line"], i + 1);
+  }
+}
+
 TEST(Lookup, TakesAnEmptyKeyAsItStands) {
   const Outcome outcome = RunAlmcfg({"lookup", "-", "", "B", "C", "7"}, kGood);
   EXPECT_EQ(outcome.exitCode, 1);
@@ -376,13 +504,13 @@ TEST(Diff, KnowsThatDeletedKeysStayUntilARestart) {
   const Outcome outcome = RunAlmcfg({"diff", running.path(), fresh.path()});
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_EQ(outcome.out,
-            "changed: \"B\", \"B\", \"C\", \"7\"\n           was \"1\" by " + running.path() +
-                ":2\n           now \"2\" by " + fresh.path() +
-                ":2\nadded:   \"D\", \"B\", \"C\", \"7\"\n           now \"1\" by " + fresh.path() +
-                ":3\nstays:   \"C\", \"B\", \"C\", \"7\"\n           was \"1\" by " + running.path() +
-                ":3\n           and remains in force until a restart\n"
-                "reload:  1 value changed, 1 key added, 1 deleted key stays in force\n"
-                "restart: the same, and 1 deleted key ends: its callers then get a successful 0\n");
+            "changed:   \"B\", \"B\", \"C\", \"7\"\n             was \"1\" by " + running.path() +
+                ":2\n             now \"2\" by " + fresh.path() +
+                ":2\nadded:     \"D\", \"B\", \"C\", \"7\"\n             now \"1\" by " + fresh.path() +
+                ":3\nstays:     \"C\", \"B\", \"C\", \"7\"\n             was \"1\" by " + running.path() +
+                ":3\n             and remains in force until a restart\n"
+                "reload:    1 answer changed, 1 key added, 1 deleted key stays in force\n"
+                "restart:   the same, and 1 deleted key ends: its callers then get a successful 0\n");
 }
 
 TEST(Diff, IsCleanWhenNothingChanges) {

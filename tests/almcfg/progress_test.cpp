@@ -1,4 +1,6 @@
-#include "tools/almcfg/progress.h"
+// The progress line on a terminal: when it appears and that it is removed.
+
+#include "tools/almcfg/write/progress.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -23,7 +23,7 @@ std::string ReadFile(const std::string& path);
 /// The project's folder, with a separator at the end.
 std::string ProjectFolder();
 
-/// A file of its own that goes with the object.
+/// A temporary file that is removed with the object.
 class TempFile {
  public:
   explicit TempFile(const std::string& content);

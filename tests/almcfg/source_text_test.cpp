@@ -1,4 +1,6 @@
-#include "tools/almcfg/source_text.h"
+// Reading files and cutting them into lines, and files that cannot be read.
+
+#include "tools/almcfg/read/source_text.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -11,7 +13,8 @@
 #include <vector>
 
 #include "tests/almcfg/run_program.h"
-#include "tools/almcfg/progress.h"
+#include "tools/almcfg/read/input_file.h"
+#include "tools/almcfg/write/progress.h"
 
 namespace {
 
@@ -21,7 +24,7 @@ using almcfg_test::TempFile;
 
 SourceText Read(const std::string& path) {
   almcfg::Progress progress(false);
-  return SourceText::Read(path, progress);
+  return SourceText::Read(path, path, progress);
 }
 
 SourceText TextOf(const std::string& content) { return Read(TempFile(content).path()); }
@@ -58,10 +61,11 @@ TEST(SourceText, CountsNulsLikeOtherBytesButLoadsUpToThem) {
   EXPECT_EQ(text.line(2).Loaded(), "");
 }
 
-TEST(SourceText, PutsANulBehindEveryLine) {
-  const SourceText text = TextOf("abc\nde");
-  EXPECT_STREQ(text.line(1).text.data(), "abc");
-  EXPECT_STREQ(text.line(2).text.data(), "de");
+TEST(SourceText, CountsOnlyLinesThatEndWithCrLf) {
+  const SourceText text = TextOf("a\nb\r\n" + std::string(2000, 'x') + "\r\nc\rd\ne\r");
+  EXPECT_EQ(text.crLfLines(), 2U);
+  EXPECT_EQ(text.firstCrLfLine(), 2U);
+  EXPECT_EQ(TextOf(std::string(1021, 'x') + "\ry\n").crLfLines(), 0U);
 }
 
 TEST(SourceText, TakesALineOf1022CharactersWhole) {
@@ -154,7 +158,7 @@ TEST(SourceText, RefusesAPipeThatNobodyWritesToInsteadOfWaiting) {
   EXPECT_EQ(ErrorOf(file.path()).obstacle, Obstacle::kSilentPipe);
 }
 
-/// Root may read everything, so for its life the test is somebody else.
+/// Root may read everything, so the test runs as another user while this object lives.
 class WithoutRights {
  public:
   WithoutRights() : changed_(geteuid() == 0 && seteuid(kNobody) == 0) {}

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Writes down what the built checker says about each broken example. Look at the difference before you commit it.
+# Writes the built checker's output for each broken example to tests/almcfg/golden. Read the difference before you commit it.
 #
 #   tests/almcfg/update_golden.sh [--help] ALMCFG
 #

@@ -4,7 +4,7 @@ _almcfg() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command="" i
   for ((i = 1; i < COMP_CWORD; i++)); do
     case ${COMP_WORDS[i]} in
-      check | show | lookup | diff)
+      check | fix | show | lookup | diff | coverage)
         command=${COMP_WORDS[i]}
         break
         ;;
@@ -15,13 +15,19 @@ _almcfg() {
   case $command:$before in
     check:--format) choices="json sarif text" ;;
     show:--format) choices="html json tsv" ;;
-    lookup:--format | diff:--format) choices="json text" ;;
+    lookup:--format | diff:--format | coverage:--format) choices="json text" ;;
+    check:--select | check:--ignore | check:--explain | fix:--select | fix:--ignore)
+      choices=$(almcfg check --help 2>/dev/null | sed -n '/^Codes:/,/^$/s/^  \([a-z0-9-]*\) .*/\1/p')
+      ;;
     *:--color) choices="always auto never" ;;
-    :*) choices="check show lookup diff --help --version" ;;
+    :*) choices="check fix show lookup diff coverage --help --version" ;;
     *)
       if [[ $word == -* ]]; then
-        choices="--help --format --color"
-        [[ $command != check ]] || choices+=" --strict"
+        choices="--help --stdin-name --color"
+        [[ $command == fix ]] || choices+=" --format"
+        [[ $command != fix ]] || choices+=" --unsafe --in-place --backup --diff --select --ignore --quiet"
+        [[ $command != check ]] || choices+=" --strict --select --ignore --max-findings --quiet --explain"
+        [[ $command != coverage ]] || choices+=" --calls --strict"
         [[ $command != show ]] || choices+=" --sort"
       else
         mapfile -t COMPREPLY < <(compgen -f -- "$word")

@@ -1,183 +1,324 @@
 #include "tools/almcfg/options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
+#include <functional>
 #include <iostream>
 #include <map>
-#include <memory>
+#include <stdexcept>
+#include <string_view>
 
-#include "tools/almcfg/visible.h"
+#include "tools/almcfg/write/printable.h"
 
 namespace almcfg {
 namespace {
 
 constexpr std::size_t kKeyParts = 4;
+constexpr std::size_t kHelpColumn = 29;
 constexpr const char* kFileHelp = "AlarmConfig.csv files; - is standard input";
-constexpr const char* kExitHelp = "Exit status: 0 clean, 1 findings, 2 could not run.";
 
-using Formats = std::map<std::string, Format>;
-
-/// Names and values for CLI11, in the order of the alphabet.
-const Formats kCheckFormats{{"json", Format::kJson}, {"sarif", Format::kSarif}, {"text", Format::kText}};
-const Formats kShowFormats{{"html", Format::kHtml}, {"json", Format::kJson}, {"tsv", Format::kTsv}};
-const Formats kAnswerFormats{{"json", Format::kJson}, {"text", Format::kText}};
-const std::map<std::string, Color> kColors{
-    {"always", Color::kAlways}, {"auto", Color::kAuto}, {"never", Color::kNever}};
-
-/// CLI11's help in the words of the manual page.
-class HelpFormatter : public CLI::Formatter {
+/// A mistake on the command line. The message is one line, safe to print.
+class Mistake : public std::runtime_error {
  public:
-  HelpFormatter() {
-    label("SUBCOMMAND", "COMMAND");
-    label("Positionals", "Arguments");
-  }
-
-  std::string make_option_usage(const CLI::Option* option) const override {
-    return make_option_name(option, true);
-  }
+  using std::runtime_error::runtime_error;
 };
 
-/// The names of `choices` for a help line: "json|text".
-template <class Choices>
-std::string NamesOf(const Choices& choices) {
+struct OptionSpec {
+  std::string name;   ///< with its dashes
+  std::string value;  ///< "a|b" is a choice; empty for a flag
+  std::string help;
+  std::function<void(Options&, const std::string&)> apply;
+};
+
+struct Argument {
+  std::string name;
+  std::string help;
+};
+
+struct CommandSpec {
+  Command command;
+  std::string name;
+  std::string help;
+  std::vector<Argument> arguments;
+  std::vector<OptionSpec> options;
+  std::string exitHelp;
+};
+
+std::vector<std::string> SplitAt(char separator, const std::string& text) {
+  std::vector<std::string> parts;
+  for (std::size_t from = 0; from <= text.size();) {
+    const std::size_t to = std::min(text.find(separator, from), text.size());
+    parts.push_back(text.substr(from, to - from));
+    from = to + 1;
+  }
+  return parts;
+}
+
+const Rule& RuleNamed(const std::string& option, const std::string& name) {
+  const Rule* const rule = FindRule(name);
+  if (rule == nullptr) {
+    throw Mistake(option + ": " + Quoted(name) + " is not a code; almcfg check --help lists them");
+  }
+  return *rule;
+}
+
+OptionSpec FormatOption(const std::string& names, const std::string& help) {
+  return {"--format", names, help, [](Options& options, const std::string& name) {
+            static const std::map<std::string, Format> kFormats{{"html", Format::kHtml},
+                                                                {"json", Format::kJson},
+                                                                {"sarif", Format::kSarif},
+                                                                {"text", Format::kText},
+                                                                {"tsv", Format::kTsv}};
+            options.format = kFormats.at(name);
+          }};
+}
+
+OptionSpec ColorOption() {
+  return {"--color", "always|auto|never", "Colors in text; auto: on a terminal (default)",
+          [](Options& options, const std::string& name) {
+            options.color = name == "always" ? Color::kAlways : name == "auto" ? Color::kAuto : Color::kNever;
+          }};
+}
+
+OptionSpec Flag(const std::string& name, const std::string& help, bool Options::*member) {
+  return {name, "", help, [member](Options& options, const std::string&) { options.*member = true; }};
+}
+
+OptionSpec StdinNameOption() {
+  return {"--stdin-name", "NAME", "What messages call standard input",
+          [](Options& options, const std::string& name) { options.stdinName = name; }};
+}
+
+OptionSpec SelectOption(const std::string& help) {
+  return {"--select", "CODE,...", help, [](Options& options, const std::string& names) {
+            options.codes.fill(false);
+            for (const std::string& name : SplitAt(',', names)) {
+              options.codes[static_cast<std::size_t>(RuleNamed("--select", name).code)] = true;
+            }
+          }};
+}
+
+OptionSpec IgnoreOption(const std::string& help) {
+  return {"--ignore", "CODE,...", help, [](Options& options, const std::string& names) {
+            for (const std::string& name : SplitAt(',', names)) {
+              options.codes[static_cast<std::size_t>(RuleNamed("--ignore", name).code)] = false;
+            }
+          }};
+}
+
+/// The number when the whole text is an integer that fits; none otherwise.
+template <class Number>
+std::optional<Number> ParseNumber(const std::string& text) {
+  Number number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && stop == end ? std::optional<Number>(number) : std::nullopt;
+}
+
+std::vector<OptionSpec> CheckOptions() {
+  return {
+      Flag("--strict", "Warnings count as findings too", &Options::strict),
+      SelectOption("Report only these codes"),
+      IgnoreOption("Do not report these codes"),
+      {"--max-findings", "N", "Print N findings and count the rest",
+       [](Options& options, const std::string& text) {
+         const auto number = ParseNumber<std::size_t>(text);
+         if (!number) {
+           throw Mistake("--max-findings: " + Quoted(text) + " is not a count");
+         }
+         options.maxFindings = *number;
+       }},
+      Flag("--quiet", "Print findings only, no totals", &Options::quiet),
+      {"--explain", "CODE", "Describe a finding, with an example, and exit",
+       [](Options& options, const std::string& name) { options.explain = &RuleNamed("--explain", name); }},
+      StdinNameOption(),
+      FormatOption("json|sarif|text", "How to report (default: text)"),
+      ColorOption()};
+}
+
+std::vector<OptionSpec> FixOptions() {
+  return {Flag("--unsafe", "Also what changes the keys and answers of loaded lines", &Options::unsafe),
+          Flag("--in-place", "Replace each file, at once or not at all", &Options::inPlace),
+          Flag("--backup", "With --in-place: keep the old file as FILE.bak", &Options::backup),
+          Flag("--diff", "Write a unified diff instead of the repaired file", &Options::unifiedDiff),
+          SelectOption("Repair only these codes"),
+          IgnoreOption("Do not repair these codes"),
+          Flag("--quiet", "Do not report what was repaired", &Options::quiet),
+          StdinNameOption(),
+          ColorOption()};
+}
+
+const std::vector<CommandSpec>& Commands() {
+  static const std::vector<CommandSpec> kCommands{
+      {Command::kCheck,
+       "check",
+       "Report everything that is wrong or odd about each file",
+       {{"FILE...", kFileHelp}},
+       CheckOptions(),
+       "0 no errors (with --strict: nor warnings), 1 findings, 2 could not run"},
+      {Command::kFix,
+       "fix",
+       "Repair what can be repaired and write the file to standard output",
+       {{"FILE...", kFileHelp}},
+       FixOptions(),
+       "0 no errors left, 1 errors left, or with --diff something to repair, 2 could not run"},
+      {Command::kShow,
+       "show",
+       "Show the table in force after loading the files in this order",
+       {{"FILE...", kFileHelp}},
+       {Flag("--sort", "In the table's order, not in the files'", &Options::sorted), StdinNameOption(),
+        FormatOption("html|json|tsv", "How to show it (default: tsv)"), ColorOption()},
+       "0 shown, 1 shown, but the load never ends at a line, 2 could not run"},
+      {Command::kLookup,
+       "lookup",
+       "Say what GetAlmCfgValue answers for a key, and which line serves it",
+       {{"FILE...", kFileHelp},
+        {"KEY1", "Column 1, or one of its alternatives"},
+        {"KEY2", "Column 2, or one of its alternatives"},
+        {"KEY3", "Column 3"},
+        {"NUMBER", "Column 4"}},
+       {StdinNameOption(), FormatOption("json|text", "How to answer (default: text)"), ColorOption()},
+       "0 a line serves the key with an integer, 1 it does not, 2 could not run"},
+      {Command::kDiff,
+       "diff",
+       "Say what a reload changes in a running process, and what a restart",
+       {{"RUNNING", "What the process has loaded; - is standard input"},
+        {"NEW", "What it will load; - is standard input"}},
+       {StdinNameOption(), FormatOption("json|text", "How to report (default: text)"), ColorOption()},
+       "0 no answer changes, 1 differences, 2 could not run"},
+      {Command::kCoverage,
+       "coverage",
+       "Compare what callers asked for with the table in force",
+       {{"FILE...", kFileHelp}},
+       {{"--calls", "RECORDING", "Recorded calls, or lines of KEY1, KEY2, KEY3, NUMBER, COUNT between TABs",
+         [](Options& options, const std::string& path) { options.calls = path; }},
+        Flag("--strict", "Queries that no line serves count as findings", &Options::strict),
+        StdinNameOption(),
+        FormatOption("json|text", "How to report (default: text)"),
+        ColorOption()},
+       "0 reported, 1 with --strict and a query that no line serves, 2 could not run"}};
+  return kCommands;
+}
+
+std::string CommandNames() {
   std::string names;
-  for (const auto& [name, value] : choices) {
-    names += (names.empty() ? "" : "|") + name;
+  for (const CommandSpec& spec : Commands()) {
+    names += (names.empty() ? "" : "|") + spec.name;
   }
   return names;
 }
 
-/// An option with a fixed set of names.
-template <class Value>
-void AddChoice(CLI::App& app, const std::string& name, Value& value,
-               const std::map<std::string, Value>& choices, const std::string& help) {
-  app.add_option_function<std::string>(
-         name,
-         [&value, &choices, name](const std::string& text) {
-           const auto found = choices.find(text);
-           if (found == choices.end()) {
-             throw CLI::ValidationError(name, Quoted(text) + " is none of " + NamesOf(choices));
-           }
-           value = found->second;
-         },
-         help)
-      ->type_name(NamesOf(choices));
+void WriteHelpLine(const std::string& name, const std::string& help) {
+  const std::size_t gap = name.size() + 2 < kHelpColumn ? kHelpColumn - name.size() - 2 : 2;
+  std::cout << "  " << name << std::string(gap, ' ') << help << '\n';
 }
 
-void AddCommon(CLI::App& app, Options& options, const Formats& formats, const std::string& formatHelp) {
-  AddChoice(app, "--format", options.format, formats, formatHelp);
-  AddChoice(app, "--color", options.color, kColors, "Colors in text; auto: on a terminal (default)");
+void WriteHelp() {
+  std::cout
+      << "Checks AlarmConfig.csv files, repairs them, and says what they do before a process loads them.\n\n"
+         "Usage: almcfg [OPTIONS] COMMAND\n\nOptions:\n";
+  WriteHelpLine("-h, --help", "Describe the program, or the command that it follows");
+  WriteHelpLine("--version", "Print the version");
+  std::cout << "\nCommands:\n";
+  for (const CommandSpec& spec : Commands()) {
+    WriteHelpLine(spec.name, spec.help);
+  }
+  std::cout << "\nalmcfg COMMAND --help describes a command.\n";
 }
 
-/// For the help alone: files and keys are taken before CLI11 sees them.
-void AddArgument(CLI::App& app, const std::string& name, const std::string& help) {
-  app.add_option(name, help)->type_name("");
+void WriteHelp(const CommandSpec& spec) {
+  std::cout << spec.help << "\n\nUsage: almcfg " << spec.name << " [OPTIONS]";
+  for (const Argument& argument : spec.arguments) {
+    std::cout << ' ' << argument.name;
+  }
+  std::cout << "\n\nArguments:\n";
+  for (const Argument& argument : spec.arguments) {
+    WriteHelpLine(argument.name, argument.help);
+  }
+  std::cout << "\nOptions:\n";
+  WriteHelpLine("-h, --help", "Describe the command");
+  for (const OptionSpec& option : spec.options) {
+    WriteHelpLine(option.name + (option.value.empty() ? "" : ' ' + option.value), option.help);
+  }
+  if (spec.command == Command::kCheck) {
+    std::cout << "\nCodes:\n";
+    for (const Rule& rule : Rules()) {
+      WriteHelpLine(rule.name, rule.summary);
+    }
+  }
+  std::cout
+      << "\nWhat starts with \"-\" and no digit, but is not an option, goes after \"--\".\nExit status: "
+      << spec.exitHelp << ".\n";
 }
 
-/// Whether the argument is meant as an option; "-" is standard input, "--" ends the options, and a "-" before
-/// a digit starts a number.
+/// "-" is standard input, "--" ends the options, and "-" before a digit starts a number.
 bool IsOption(const std::string& argument) {
   const bool isNumber = argument.size() > 1 && argument[1] >= '0' && argument[1] <= '9';
   return argument.size() > 1 && argument[0] == '-' && argument != "--" && !isNumber;
 }
 
-/// The option that the argument names; it may have its value behind a "=". None when there is no such option.
-const CLI::Option* OptionOf(const CLI::App& app, const std::string& argument) {
-  return app.get_option_no_throw(argument.substr(0, argument.find('=')));
+const OptionSpec& OptionNamed(const CommandSpec& spec, const std::string& argument) {
+  const std::string name = argument.substr(0, argument.find('='));
+  const auto option = std::find_if(spec.options.begin(), spec.options.end(),
+                                   [&name](const OptionSpec& each) { return each.name == name; });
+  if (option == spec.options.end()) {
+    throw Mistake(spec.name + ": no option " + Quoted(argument) +
+                  "; a file or key that starts with \"-\" goes after \"--\"");
+  }
+  return *option;
 }
 
-/// Says what is wrong about arguments that start with an option which is none of the program's own.
-[[noreturn]] void RefuseOptionBeforeCommand(const CLI::App& app, const std::string& option,
-                                            const std::string& commands) {
-  for (const CLI::App* const command : app.get_subcommands({})) {
-    if (OptionOf(*command, option) != nullptr) {
-      throw CLI::ValidationError(
-          "COMMAND", Quoted(option) + " belongs behind it; one of " + commands + " is needed first");
+void ApplyOption(const OptionSpec& option, const std::optional<std::string>& value, Options& options) {
+  if (option.value.empty() && value) {
+    throw Mistake(option.name + ": it takes no value, but was given " + Quoted(*value));
+  }
+  const bool isChoice = option.value.find('|') != std::string::npos;
+  if (!option.value.empty() && (!value || value->empty())) {
+    throw Mistake(option.name + ": " + (isChoice ? "one of " + option.value : option.value) + " is needed");
+  }
+  if (isChoice) {
+    const std::vector<std::string> choices = SplitAt('|', option.value);
+    if (std::count(choices.begin(), choices.end(), *value) == 0) {
+      throw Mistake(option.name + ": " + Quoted(*value) + " is none of " + option.value);
     }
   }
-  throw CLI::ValidationError("COMMAND",
-                             "one of " + commands + " is needed; there is no option " + Quoted(option));
+  option.apply(options, value.value_or(""));
 }
 
-/// The command that the arguments start with, or none when they start with an option of the program's own, as
-/// for help. Throws when they do neither.
-const CLI::App* CommandOf(const CLI::App& app, const std::vector<std::string>& arguments) {
-  std::string names;
-  for (const CLI::App* const command : app.get_subcommands({})) {
-    names += (names.empty() ? "" : "|") + command->get_name();
-    if (!arguments.empty() && arguments.front() == command->get_name()) {
-      return command;
-    }
-  }
-  if (arguments.empty()) {
-    throw CLI::ValidationError("COMMAND", "one of " + names + " is needed");
-  }
-  const std::string& first = arguments.front();
-  if (!IsOption(first)) {
-    throw CLI::ValidationError("COMMAND", Quoted(first) + " is none of " + names);
-  }
-  if (OptionOf(app, first) == nullptr) {
-    RefuseOptionBeforeCommand(app, first, names);
-  }
-  return nullptr;
-}
-
-/// Whether the value of the option is the next argument. Throws when there is no such option, or no value.
-bool TakesNext(const CLI::App& command, const std::string& argument, bool isLast) {
-  const CLI::Option* const option = OptionOf(command, argument);
-  if (option == nullptr) {
-    throw CLI::ValidationError(
-        command.get_name(),
-        "it has no option " + Quoted(argument) + "; a file or key that starts with \"-\" goes behind \"--\"");
-  }
-  if (option->get_items_expected_min() == 0) {
-    return false;
-  }
-  const std::size_t equals = argument.find('=');
-  if (equals == std::string::npos ? isLast : equals + 1 == argument.size()) {
-    throw CLI::ValidationError(option->get_name(), "one of " + option->get_type_name() + " is needed");
-  }
-  return equals == std::string::npos;
-}
-
-/// Takes off the files and keys and returns them as they stand: what is no option, and everything behind a
-/// "--". CLI11 never sees them, since it gives some of them a meaning of its own: "++", or a text in
-/// brackets, which it takes for a list.
-std::vector<std::string> TakePlainArguments(const CLI::App& command, std::vector<std::string>& arguments) {
-  const auto end = arguments.end();
-  std::vector<std::string> plain;
-  std::vector<std::string> rest{arguments.front()};
-  for (auto argument = arguments.begin() + 1; argument != end; ++argument) {
+/// Separates options from files and keys, which are taken literally.
+void ApplyArguments(const CommandSpec& spec, const std::vector<std::string>& arguments, Options& options) {
+  for (auto argument = arguments.begin() + 1; argument != arguments.end(); ++argument) {
     if (*argument == "--") {
-      plain.insert(plain.end(), argument + 1, end);
-      break;
+      options.files.insert(options.files.end(), argument + 1, arguments.end());
+      return;
     }
     if (!IsOption(*argument)) {
-      plain.push_back(*argument);
+      options.files.push_back(*argument);
       continue;
     }
-    rest.push_back(*argument);
-    if (TakesNext(command, *argument, argument + 1 == end)) {
-      rest.push_back(*++argument);
+    const OptionSpec& option = OptionNamed(spec, *argument);
+    const std::size_t equals = argument->find('=');
+    std::optional<std::string> value;
+    if (equals != std::string::npos) {
+      value = argument->substr(equals + 1);
+    } else if (!option.value.empty() && argument + 1 != arguments.end()) {
+      value = *++argument;
     }
+    ApplyOption(option, value, options);
   }
-  arguments = std::move(rest);
-  return plain;
 }
 
-/// The last four of what was given to `lookup` are the key.
+/// The last four arguments of `lookup` are the key.
 void TakeKey(Options& options) {
   if (options.files.size() <= kKeyParts) {
-    throw CLI::ValidationError("lookup", "it needs FILE... KEY1 KEY2 KEY3 NUMBER");
+    throw Mistake("lookup: FILE... KEY1 KEY2 KEY3 NUMBER are needed");
   }
   const std::string number = options.files.back();
-  const char* const end = number.data() + number.size();
-  const auto [stop, error] = std::from_chars(number.data(), end, options.number);
-  if (error != std::errc() || stop != end) {
-    throw CLI::ValidationError(
-        "NUMBER", Quoted(number) + " is not a 32-bit decimal integer, which is what callers ask with");
+  const auto parsed = ParseNumber<int>(number);
+  if (!parsed) {
+    throw Mistake("NUMBER: " + Quoted(number) + " is not a 32-bit decimal integer, which callers ask with");
   }
+  options.number = *parsed;
   const auto keys = options.files.end() - kKeyParts;
   options.key1 = keys[0];
   options.key2 = keys[1];
@@ -185,102 +326,98 @@ void TakeKey(Options& options) {
   options.files.erase(keys, options.files.end());
 }
 
-/// What can only be said once all arguments are known.
+void RequireFiles(const Options& options) {
+  if (options.files.empty()) {
+    throw Mistake("FILE: at least one is needed; - is standard input");
+  }
+  if (std::count(options.files.begin(), options.files.end(), "") > 0) {
+    throw Mistake("FILE: a name is empty");
+  }
+  if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
+    throw Mistake("FILE: standard input (-) can be read only once");
+  }
+}
+
+void RequireFixOptions(const Options& options) {
+  if (options.inPlace && options.unifiedDiff) {
+    throw Mistake("fix: --in-place and --diff exclude each other");
+  }
+  if (options.backup && !options.inPlace) {
+    throw Mistake("fix: --backup needs --in-place");
+  }
+  if (options.inPlace && std::count(options.files.begin(), options.files.end(), "-") > 0) {
+    throw Mistake("fix: standard input (-) cannot be replaced; leave --in-place out");
+  }
+  if (options.files.size() > 1 && !options.inPlace && !options.unifiedDiff) {
+    throw Mistake("fix: several files need --in-place or --diff");
+  }
+}
+
+/// Checks that need all arguments.
 void Complete(Options& options) {
+  if (options.explain != nullptr) {
+    return;
+  }
   if (options.command == Command::kLookup) {
     TakeKey(options);
   }
   if (options.command == Command::kDiff && options.files.size() != 2) {
-    throw CLI::ValidationError("diff", "it needs two files, RUNNING and NEW");
+    throw Mistake("diff: two files are needed, RUNNING and NEW");
   }
-  if (options.files.empty()) {
-    throw CLI::ValidationError("FILE", "at least one is needed");
+  RequireFiles(options);
+  if (options.command == Command::kCoverage && options.calls.empty()) {
+    throw Mistake("coverage: --calls RECORDING is needed, what callers asked for");
   }
-  if (std::count(options.files.begin(), options.files.end(), "") > 0) {
-    throw CLI::ValidationError("FILE", "a name is empty");
-  }
-  if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
-    throw CLI::ValidationError("FILE", "standard input (-) can be read only once");
+  if (options.command == Command::kFix) {
+    RequireFixOptions(options);
   }
 }
 
-CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& help) {
-  return app.add_subcommand(name, help)->group("Commands");
+const CommandSpec& CommandNamed(const std::vector<std::string>& arguments) {
+  if (arguments.empty()) {
+    throw Mistake("one of " + CommandNames() + " is needed");
+  }
+  const std::string& name = arguments.front();
+  for (const CommandSpec& spec : Commands()) {
+    if (spec.name == name) {
+      return spec;
+    }
+  }
+  if (IsOption(name)) {
+    throw Mistake("no option " + Quoted(name) + " before the command, one of " + CommandNames());
+  }
+  throw Mistake(Quoted(name) + " is none of " + CommandNames());
 }
 
-void AddCheck(CLI::App& app, Options& options) {
-  CLI::App* const check = AddCommand(app, "check", "Report everything that is wrong or odd about each file");
-  check->add_flag("--strict", options.strict, "Warnings count as findings too");
-  AddCommon(*check, options, kCheckFormats, "How to report (default: text)");
-  AddArgument(*check, "FILE...", kFileHelp);
-  check->footer(kExitHelp);
-  check->callback([&options] { options.command = Command::kCheck; });
-}
-
-void AddShow(CLI::App& app, Options& options) {
-  CLI::App* const show =
-      AddCommand(app, "show", "Show the table in force after loading the files in this order");
-  show->add_flag("--sort", options.sorted, "In the table's order, not in the files'");
-  AddCommon(*show, options, kShowFormats, "How to show it (default: tsv)");
-  AddArgument(*show, "FILE...", kFileHelp);
-  show->footer("Exit status: 0 shown, 1 shown, but a line never lets a load end, 2 could not run.");
-  show->callback([&options] { options.command = Command::kShow; });
-}
-
-void AddLookup(CLI::App& app, Options& options) {
-  CLI::App* const lookup =
-      AddCommand(app, "lookup", "Say what GetAlmCfgValue answers for a key, and which line serves it");
-  AddCommon(*lookup, options, kAnswerFormats, "How to answer (default: text)");
-  AddArgument(*lookup, "FILE...", kFileHelp);
-  AddArgument(*lookup, "KEY1", "Column 1, or one of its alternatives");
-  AddArgument(*lookup, "KEY2", "Column 2, or one of its alternatives");
-  AddArgument(*lookup, "KEY3", "Column 3");
-  AddArgument(*lookup, "NUMBER", "Column 4");
-  lookup->footer(
-      "A key that starts with \"-\" goes behind \"--\": almcfg lookup FILE -- KEY1 KEY2 KEY3 NUMBER\n"
-      "Exit status: 0 a line serves the key with an integer, 1 it does not, 2 could not run.");
-  lookup->callback([&options] { options.command = Command::kLookup; });
-}
-
-void AddDiff(CLI::App& app, Options& options) {
-  CLI::App* const diff =
-      AddCommand(app, "diff", "Say what a reload changes in a running process, and what a restart");
-  AddCommon(*diff, options, kAnswerFormats, "How to report (default: text)");
-  AddArgument(*diff, "RUNNING", "What the process has loaded; - is standard input");
-  AddArgument(*diff, "NEW", "What it will load; - is standard input");
-  diff->footer("Exit status: 0 no difference, 1 differences, 2 could not run.");
-  diff->callback([&options] { options.command = Command::kDiff; });
-}
+bool IsHelp(const std::string& argument) { return argument == "-h" || argument == "--help"; }
 
 }  // namespace
 
-Parsed ParseArguments(std::vector<std::string> arguments) {
-  Options options;
-  CLI::App app{"Checks AlarmConfig.csv files and answers what they do before a process loads them.",
-               "almcfg"};
-  app.formatter(std::make_shared<HelpFormatter>());
-  app.require_subcommand(1);
-  app.set_version_flag("--version", "almcfg " ALMCFG_VERSION);
-  app.footer(std::string("almcfg COMMAND --help describes a command. ") + kExitHelp);
-  AddCheck(app, options);
-  AddShow(app, options);
-  AddLookup(app, options);
-  AddDiff(app, options);
+Parsed ParseArguments(const std::vector<std::string>& arguments) {
   try {
-    if (const CLI::App* const command = CommandOf(app, arguments)) {
-      options.files = TakePlainArguments(*command, arguments);
+    if (!arguments.empty() && IsHelp(arguments.front())) {
+      WriteHelp();
+      return {};
     }
-    std::reverse(arguments.begin(), arguments.end());  // CLI11 takes them from the end.
-    app.parse(std::move(arguments));
+    if (!arguments.empty() && arguments.front() == "--version") {
+      std::cout << "almcfg " ALMCFG_VERSION "\n";
+      return {};
+    }
+    const CommandSpec& spec = CommandNamed(arguments);
+    const auto optionsEnd = std::find(arguments.begin(), arguments.end(), "--");
+    if (std::any_of(arguments.begin(), optionsEnd, IsHelp)) {
+      WriteHelp(spec);
+      return {};
+    }
+    Options options;
+    options.command = spec.command;
+    ApplyArguments(spec, arguments, options);
     Complete(options);
-  } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) {
-      return {std::nullopt, app.exit(error)};
-    }
-    std::cerr << "almcfg: " << Printable(error.what()) << "\nalmcfg --help describes the commands\n";
+    return {options, kClean};
+  } catch (const Mistake& mistake) {
+    std::cerr << "almcfg: " << mistake.what() << "\nalmcfg --help describes the commands\n";
     return {std::nullopt, kCouldNotRun};
   }
-  return {options, kClean};
 }
 
 }  // namespace almcfg

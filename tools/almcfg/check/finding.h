@@ -1,17 +1,20 @@
-#ifndef TOOLS_ALMCFG_FINDING_H_
-#define TOOLS_ALMCFG_FINDING_H_
+#ifndef TOOLS_ALMCFG_CHECK_FINDING_H_
+#define TOOLS_ALMCFG_CHECK_FINDING_H_
 
 #include <array>
 #include <cstddef>
 #include <string>
+#include <string_view>
 
-#include "tools/almcfg/source_text.h"
+#include "tools/almcfg/read/source_text.h"
 
+/// The rules of `almcfg check`, with their names, severities and repairs, and the findings that refer to
+/// them. A new rule is added to `Code` here and to `Rules` in finding.cpp.
 namespace almcfg {
 
 enum class Severity { kError, kWarning, kNote };
 
-/// What can be found. The order is that of the catalogue.
+/// The codes of the findings, in the order of the catalogue.
 enum class Code {
   kOverlongLine,
   kUnreadableFile,
@@ -26,62 +29,79 @@ enum class Code {
   kNulByte,
   kValueReplaced,
   kDuplicateKey,
+  kHeaderLine,
+  kQuotedCell,
   kNumberNeverMatches,
   kValueNotInteger,
   kValueWraps,
   kEdgeBlank,
+  kControlCharacter,
   kIndentedComment,
   kByteOrderMark,
   kNotAscii,
   kManyRecords,
+  kNoRecord,
   kTrailingSlash,
+  kSlashInColumn3,
+  kOuterBlank,
   kCrLineEnds,
   kNoFinalLineFeed,
   kRepeatedLine,
 };
 
-/// What is fixed for a code. Names are stable: people and scripts select by them.
-struct Trap {
+/// When `fix` repairs what a rule finds.
+enum class Repair { kNever, kSafe, kUnsafe };
+
+/// The constant properties of a code. Names never change: people and scripts select by them.
+struct Rule {
   Code code;
   const char* name;
   Severity severity;
+  Repair repair;
   const char* summary;  ///< one sentence: what happens to such a line
 };
 
-inline constexpr std::size_t kTrapCount = static_cast<std::size_t>(Code::kRepeatedLine) + 1;
+inline constexpr std::size_t kRuleCount = static_cast<std::size_t>(Code::kRepeatedLine) + 1;
 
 /// The catalogue, in the order of `Code`.
-const std::array<Trap, kTrapCount>& Traps();
-const Trap& TrapOf(Code code);
+const std::array<Rule, kRuleCount>& Rules();
+const Rule& RuleOf(Code code);
+
+/// The rule of that name; null when there is none.
+const Rule* FindRule(std::string_view name);
+
 const char* NameOf(Severity severity);
+
+/// A set of codes.
+using CodeSet = std::array<bool, kRuleCount>;
 
 /// One finding. Texts are UTF-8, safe to print.
 struct Finding {
   Code code;
   LineNumber line = 1;
   std::size_t column = 1;  ///< in bytes, from 1
-  std::size_t length = 1;  ///< bytes that are meant
+  std::size_t length = 1;  ///< bytes to mark, from `column`
   std::string message;
-  std::string hint;          ///< what to write instead
-  LineNumber otherLine = 0;  ///< an earlier line that belongs to it; 0 when there is none
+  std::string hint;          ///< what to do
+  LineNumber otherLine = 0;  ///< an earlier line that the finding refers to; 0 when there is none
 };
 
-/// Takes findings as they are made, file by file and line by line.
+/// Receives findings one by one, in the order of files and lines.
 class FindingSink {
  public:
   virtual ~FindingSink() = default;
   virtual void Take(const SourceText& text, const Finding& finding) = 0;
 };
 
-/// How many findings of each severity there were.
+/// Counts findings by severity and code.
 struct Tally {
-  std::size_t errors = 0;
-  std::size_t warnings = 0;
-  std::size_t notes = 0;
+  std::array<std::size_t, kRuleCount> byCode{};
 
-  void Add(Severity severity);
+  void Add(Code code) { ++byCode[static_cast<std::size_t>(code)]; }
+  [[nodiscard]] std::size_t Count(Severity severity) const;
+  [[nodiscard]] std::size_t Total() const;
 };
 
 }  // namespace almcfg
 
-#endif  // TOOLS_ALMCFG_FINDING_H_
+#endif  // TOOLS_ALMCFG_CHECK_FINDING_H_

@@ -1,34 +1,35 @@
+// almcfg lookup: reports what `GetAlmCfgValue` returns for a key, the line that serves it and the lines that
+// it replaced, or the nearest keys.
+
 #include <cstdint>
 #include <optional>
 #include <ostream>
 #include <vector>
 
 #include "framework/platform_util.h"
-#include "src/asciiutilifimpl.h"
+#include "src/alarmconfig/almconfig.h"
+#include "src/interface/asciiutilifimpl.h"
+#include "tools/almcfg/check/answer.h"
 #include "tools/almcfg/commands.h"
-#include "tools/almcfg/desk_load.h"
-#include "tools/almcfg/json_text.h"
-#include "tools/almcfg/nearest.h"
-#include "tools/almcfg/progress.h"
-#include "tools/almcfg/visible.h"
+#include "tools/almcfg/query/load_files.h"
+#include "tools/almcfg/query/nearest.h"
+#include "tools/almcfg/write/json_text.h"
+#include "tools/almcfg/write/place_json.h"
+#include "tools/almcfg/write/printable.h"
+#include "tools/almcfg/write/progress.h"
 
 namespace almcfg {
 namespace {
 
 constexpr std::size_t kNeighbours = 5;
 
-struct Setting {
-  Place place;
-  std::string_view value;
-};
-
-/// Everything there is to say about one key.
-struct Answer {
+/// The report about one key.
+struct Found {
   NS_ASCII::AlarmConfigRecord wanted;
-  std::int64_t result = 0;
-  std::int64_t value = 0;
-  std::vector<Setting> settings;  ///< the lines that set the key, the one that serves it last
+  Answer answer;
+  std::vector<Entry> settings;  ///< the lines that set the key, the one that serves it last
   std::vector<Neighbour> nearest;
+  Place endlessLine;
 
   [[nodiscard]] NS_ASCII::AlarmKey Key() const {
     return {wanted.key1, wanted.key2, wanted.key3, wanted.numKey};
@@ -36,54 +37,61 @@ struct Answer {
   [[nodiscard]] bool IsServed() const { return !settings.empty(); }
 };
 
-Answer Ask(const Options& options, const DeskLoad& load) {
+/// Calls the bundle's operation, which reads the table of this process; `record`, if given, is inserted
+/// first.
+Answer Ask(const Options& options, const NS_ASCII::AlarmConfigRecord* record) {
+  if (record != nullptr) {
+    NS_ASCII::Alarm_Config_Param::Instance()->InsertRecord(*record);
+  }
   Answer answer;
-  answer.wanted = {
-      options.key1, options.key2, NSTE_util::Trim(NSTE_util::Num2Str(options.number)), options.key3, {}};
   answer.result = NS_ASCII::AsciiUtilInterfaceImpl().GetAlmCfgValue(answer.value, options.key1, options.key2,
                                                                     options.key3, options.number);
-  const NS_ASCII::AlarmKey key = answer.Key();
-  load.files().ForEachLine([&](Place place, const Records& records) {
-    for (const auto& record : records) {
-      if (IsSameKey(record, key)) {
-        answer.settings.push_back({place, record.value});
-        return;
-      }
-    }
-  });
-  if (!answer.IsServed()) {
-    answer.nearest = FindNearest(load, key, kNeighbours);
-  }
   return answer;
+}
+
+Found Find(const Options& options, const LoadedTable& table) {
+  Found found;
+  found.wanted = {
+      options.key1, options.key2, NSTE_util::Trim(NSTE_util::Num2Str(options.number)), options.key3, {}};
+  found.settings = table.FindAll(found.Key());
+  found.endlessLine = table.endlessLine();
+  if (found.IsServed()) {
+    found.wanted.value = found.settings.back().value;
+    found.answer = Ask(options, &found.wanted);
+  } else {
+    found.answer = Ask(options, nullptr);
+    found.nearest = FindNearest(table, found.Key(), kNeighbours);
+  }
+  return found;
 }
 
 std::string_view LineAt(Place place) { return place.text->line(place.line).text; }
 
-void WriteServed(std::ostream& out, const Answer& answer) {
-  const Setting& serving = answer.settings.back();
-  if (answer.result == 0) {
-    out << "answer:    result 0, value " << answer.value << '\n';
+void WriteServed(std::ostream& out, const Found& found) {
+  const Entry& serving = found.settings.back();
+  if (found.answer.result == 0) {
+    out << "answer:    result 0, value " << found.answer.value << '\n';
   } else {
-    out << "answer:    result " << answer.result
-        << ", and the caller's value is left as it was: " << Quoted(serving.value)
+    out << "answer:    result " << found.answer.result
+        << ", and the caller's value is unchanged: " << Quoted(serving.value)
         << " is not a decimal integer\n";
   }
   out << "served by: " << Shown(serving.place) << ": " << LineExcerpt(LineAt(serving.place)) << '\n';
-  for (auto setting = answer.settings.rbegin() + 1; setting != answer.settings.rend(); ++setting) {
+  for (auto setting = found.settings.rbegin() + 1; setting != found.settings.rend(); ++setting) {
     out << "replaced:  " << Shown(setting->place) << ": value " << Quoted(setting->value) << '\n';
   }
 }
 
-void WriteMissing(std::ostream& out, const Answer& answer) {
-  out << "answer:    result " << answer.result << ", value " << answer.value
+void WriteMissing(std::ostream& out, const Found& found) {
+  out << "answer:    result " << found.answer.result << ", value " << found.answer.value
       << ": NO LINE serves this key; the caller gets a successful 0\n";
-  for (const Neighbour& neighbour : answer.nearest) {
+  for (const Neighbour& neighbour : found.nearest) {
     out << "near:      " << Shown(neighbour.place) << ": " << neighbour.difference << "\n             "
         << LineExcerpt(LineAt(neighbour.place)) << '\n';
   }
 }
 
-Json ToJson(const Setting& setting) {
+Json ToJson(const Entry& setting) {
   Json json;
   SetText(json, "file", setting.place.text->name());
   json["line"] = setting.place.line;
@@ -101,45 +109,49 @@ Json ToJson(const Neighbour& neighbour) {
   return json;
 }
 
-void WriteJson(std::ostream& out, const Answer& answer) {
+void WriteJson(std::ostream& out, const Found& found) {
   Json json;
-  SetText(json, "key1", answer.wanted.key1);
-  SetText(json, "key2", answer.wanted.key2);
-  SetText(json, "key3", answer.wanted.key3);
-  SetText(json, "number", answer.wanted.numKey);
-  json["result"] = answer.result;
-  json["value"] = answer.result == 0 ? Json(answer.value) : Json(nullptr);
-  json["servedBy"] = answer.IsServed() ? ToJson(answer.settings.back()) : Json(nullptr);
+  SetText(json, "key1", found.wanted.key1);
+  SetText(json, "key2", found.wanted.key2);
+  SetText(json, "key3", found.wanted.key3);
+  SetText(json, "number", found.wanted.numKey);
+  json["result"] = found.answer.result;
+  json["value"] = found.answer.result == 0 ? Json(found.answer.value) : Json(nullptr);
+  json["servedBy"] = found.IsServed() ? ToJson(found.settings.back()) : Json(nullptr);
   json["replaced"] = Json::array();
-  for (auto setting = answer.settings.rbegin(); setting != answer.settings.rend(); ++setting) {
-    if (setting != answer.settings.rbegin()) {
+  for (auto setting = found.settings.rbegin(); setting != found.settings.rend(); ++setting) {
+    if (setting != found.settings.rbegin()) {
       json["replaced"].push_back(ToJson(*setting));
     }
   }
   json["nearest"] = Json::array();
-  for (const Neighbour& neighbour : answer.nearest) {
+  for (const Neighbour& neighbour : found.nearest) {
     json["nearest"].push_back(ToJson(neighbour));
   }
+  json["endlessLine"] = ToJson(found.endlessLine);
   out << Dump(json) << '\n';
 }
 
-void WriteText(std::ostream& out, const Answer& answer) {
-  out << "key:       " << Shown(answer.Key()) << '\n';
-  (answer.IsServed() ? WriteServed : WriteMissing)(out, answer);
+void WriteText(std::ostream& out, const Found& found) {
+  out << "key:       " << Shown(found.Key()) << '\n';
+  (found.IsServed() ? WriteServed : WriteMissing)(out, found);
+  if (found.endlessLine) {
+    out << "load:      NEVER ENDS at " << Shown(found.endlessLine)
+        << ": the answer is that of a process that hangs in it\n";
+  }
 }
 
 }  // namespace
 
 int RunLookup(const Options& options, const Outputs& outputs) {
-  // The operation looks at the table of the process.
-  DeskLoad load(*NS_ASCII::Alarm_Config_Param::Instance(), outputs);
-  if (!load.Load(options.files)) {
+  const std::optional<LoadedTable> table = LoadFiles(options.files, options, outputs);
+  if (!table) {
     return kCouldNotRun;
   }
-  const Answer answer = Ask(options, load);
+  const Found found = Find(options, *table);
   outputs.progress.Hide();
-  (options.format == Format::kJson ? WriteJson : WriteText)(outputs.out, answer);
-  return answer.IsServed() && answer.result == 0 ? kClean : kFindings;
+  (options.format == Format::kJson ? WriteJson : WriteText)(outputs.out, found);
+  return found.IsServed() && found.answer.result == 0 && !found.endlessLine ? kClean : kFindings;
 }
 
 }  // namespace almcfg

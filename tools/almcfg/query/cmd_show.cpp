@@ -1,11 +1,14 @@
+// almcfg show: writes the table in force after loading the files in order.
+
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "tools/almcfg/commands.h"
-#include "tools/almcfg/desk_load.h"
-#include "tools/almcfg/progress.h"
-#include "tools/almcfg/table_writer.h"
+#include "tools/almcfg/query/load_files.h"
+#include "tools/almcfg/write/progress.h"
+#include "tools/almcfg/write/table_writer.h"
 
 namespace almcfg {
 namespace {
@@ -21,12 +24,12 @@ class Collector : public FindingSink {
 };
 
 std::unique_ptr<TableWriter> MakeWriter(const Options& options, const Outputs& outputs,
-                                        const LoadedFiles& files, Collector& collector) {
+                                        const LoadedTable& table, Collector& collector) {
   switch (options.format) {
     case Format::kJson:
       return MakeJsonWriter(outputs.out);
     case Format::kHtml:
-      return MakeHtmlWriter(outputs.out, files, std::move(collector.findings), !options.sorted);
+      return MakeHtmlWriter(outputs.out, table, std::move(collector.findings), !options.sorted);
     default:
       return MakeTsvWriter(outputs.out, outputs.isTerminal);
   }
@@ -36,21 +39,20 @@ std::unique_ptr<TableWriter> MakeWriter(const Options& options, const Outputs& o
 
 int RunShow(const Options& options, const Outputs& outputs) {
   Collector collector;
-  NS_ASCII::Alarm_Config_Param table;
-  DeskLoad load(table, outputs, options.format == Format::kHtml ? &collector : nullptr);
-  if (!load.Load(options.files)) {
+  const std::optional<LoadedTable> table =
+      LoadFiles(options.files, options, outputs, options.format == Format::kHtml ? &collector : nullptr);
+  if (!table) {
     return kCouldNotRun;
   }
-  outputs.progress.Hide();
-  const std::unique_ptr<TableWriter> writer = MakeWriter(options, outputs, load.files(), collector);
+  const std::unique_ptr<TableWriter> writer = MakeWriter(options, outputs, *table, collector);
   const auto write = [&writer](const Entry& entry) { writer->Write(entry); };
   if (options.sorted) {
-    load.ForEachInTableOrder(write);
+    table->ForEachInTableOrder(write);
   } else {
-    load.ForEachInFileOrder(write);
+    table->ForEach(write);
   }
-  writer->End(load.files());
-  return load.files().endlessLine() ? kFindings : kClean;
+  writer->End(*table);
+  return table->endlessLine() ? kFindings : kClean;
 }
 
 }  // namespace almcfg

@@ -1,11 +1,12 @@
-#include "tools/almcfg/nearest.h"
+#include "tools/almcfg/query/nearest.h"
 
 #include <algorithm>
-#include <charconv>
+#include <optional>
 #include <string_view>
 
-#include "src/strfunctions.h"
-#include "tools/almcfg/visible.h"
+#include "src/text/strfunctions.h"
+#include "tools/almcfg/check/cell_text.h"
+#include "tools/almcfg/write/printable.h"
 
 namespace almcfg {
 namespace {
@@ -24,15 +25,27 @@ bool IsSameButCase(std::string_view a, std::string_view b) {
 }
 
 bool IsSameNumber(std::string_view wanted, std::string_view present) {
-  std::string_view digits = NS_ASCII::TrimView(present);
-  if (!digits.empty() && digits.front() == '+') {
-    digits.remove_prefix(1);
+  const std::string meant = MeantNumber(present);
+  return !meant.empty() && meant == wanted;
+}
+
+/// Why a slightly different text is not found; empty when the texts differ altogether.
+std::string DescribeSlip(int column, std::string_view wanted, std::string_view present) {
+  if (const std::optional<std::string> inner = Unquoted(present)) {
+    return *inner == wanted ? "in quotation marks" : "";
   }
-  int a = 0;
-  int b = 0;
-  const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), b).ptr;
-  std::from_chars(wanted.data(), wanted.data() + wanted.size(), a);
-  return !digits.empty() && end == digits.data() + digits.size() && a == b;
+  const std::string_view a = NS_ASCII::TrimView(wanted);
+  const std::string_view b = NS_ASCII::TrimView(present);
+  if (column == 4 && IsSameNumber(wanted, present)) {
+    return "the same number, written in a way that is never found";
+  }
+  if (IsSameButCase(wanted, present)) {
+    return "another case";
+  }
+  if (a == b) {
+    return "a blank at the edge";
+  }
+  return IsSameButCase(a, b) ? "another case and a blank at the edge" : "";
 }
 
 /// How one column differs, and by how much.
@@ -41,22 +54,11 @@ std::size_t CompareColumn(int column, std::string_view wanted, std::string_view 
   if (wanted == present) {
     return 0;
   }
-  const std::string_view a = NS_ASCII::TrimView(wanted);
-  const std::string_view b = NS_ASCII::TrimView(present);
-  std::string how;
-  if (column == 4 && IsSameNumber(wanted, present)) {
-    how = "the same number, written in a way that is never found";
-  } else if (IsSameButCase(wanted, present)) {
-    how = "another case";
-  } else if (a == b) {
-    how = "a blank at the edge";
-  } else if (IsSameButCase(a, b)) {
-    how = "another case and a blank at the edge";
-  }
+  const std::string slip = DescribeSlip(column, wanted, present);
   difference += difference.empty() ? "" : "; ";
   difference += "column " + std::to_string(column) + " is " + Quoted(present) + ", not " + Quoted(wanted);
-  difference += how.empty() ? "" : " (" + how + ")";
-  return how.empty() ? kWholly : kSlightly;
+  difference += slip.empty() ? "" : " (" + slip + ")";
+  return slip.empty() ? kWholly : kSlightly;
 }
 
 }  // namespace
@@ -80,10 +82,10 @@ Neighbour Compare(const AlarmKey& wanted, const AlarmKey& present) {
   return neighbour;
 }
 
-std::vector<Neighbour> FindNearest(const DeskLoad& load, const AlarmKey& wanted, std::size_t count) {
+std::vector<Neighbour> FindNearest(const LoadedTable& table, const AlarmKey& wanted, std::size_t count) {
   std::vector<Neighbour> nearest;
   const auto isNearer = [](const Neighbour& a, const Neighbour& b) { return a.distance < b.distance; };
-  load.ForEachInFileOrder([&](const Entry& entry) {
+  table.ForEach([&](const Entry& entry) {
     Neighbour neighbour = Compare(wanted, entry.key);
     if (neighbour.difference.empty() || (nearest.size() == count && !isNearer(neighbour, nearest.back()))) {
       return;
@@ -93,7 +95,7 @@ std::vector<Neighbour> FindNearest(const DeskLoad& load, const AlarmKey& wanted,
                    std::move(neighbour));
     nearest.resize(std::min(nearest.size(), count));
   });
-  // Beside a slip of the pen, a key that just has another name is noise.
+  // Keys that differ by a typing mistake hide those with an altogether different column.
   const auto other = std::find_if(nearest.begin(), nearest.end(),
                                   [](const Neighbour& neighbour) { return neighbour.distance >= kWholly; });
   if (other != nearest.begin()) {

@@ -1,4 +1,5 @@
-#include "tools/almcfg/desk_platform.h"
+// The platform for the bundle's objects in this program: no bundles, no configuration, no log. It defines every
+// symbol that framework/ declares, so that answers come from the bundle's own operations.
 
 #include <cstdarg>
 #include <cstdio>
@@ -7,44 +8,10 @@
 #include "framework/bundle_mgr.h"
 #include "framework/config_items.h"
 #include "framework/interface_registry.h"
-#include "framework/log_service.h"
 #include "framework/platform_util.h"
 #include "framework/service_object_base.h"
 
-namespace almcfg {
 namespace {
-
-class DeskLogger : public NS_LOG_SERVICE1::Logger {
- public:
-  int Log(const std::string& /*file*/, const std::string& /*func*/, int line, int /*level*/,
-          const std::string& message) override {
-    BundleLog().push_back({line, message});
-    return 0;
-  }
-
-  /// The bundle's formatted messages all have one text as their value, and a format that must not be used.
-  int LogF(const std::string& /*file*/, const std::string& /*func*/, int line, int /*level*/,
-           const char* format, ...) override {
-    va_list values;
-    va_start(values, format);
-    BundleLog().push_back({line, va_arg(values, const char*)});
-    va_end(values);
-    return 0;
-  }
-};
-
-class DeskLogService : public NS_LOG_SERVICE1::LogSvcInterface {
- public:
-  std::string GetSvcName() override { return "DeskLogService"; }
-  std::int64_t IsValid() override { return 1; }
-  NS_LOG_SERVICE1::Logger* GetLogger(const std::string& /*bundle*/, const std::string& /*service*/,
-                                     const std::string& /*channel*/) override {
-    return &logger_;
-  }
-
- private:
-  DeskLogger logger_;
-};
 
 class NoBundles : public NS_BUNDLEMGR1::BundleMgr {
  public:
@@ -54,27 +21,16 @@ class NoBundles : public NS_BUNDLEMGR1::BundleMgr {
 
 }  // namespace
 
-std::vector<LoggedMessage>& BundleLog() {
-  static std::vector<LoggedMessage> log;
-  return log;
-}
-
-}  // namespace almcfg
-
 namespace NS_BUNDLEMGR1 {
 
 ACE_Thread_Mutex _g_actualmutex;
 
 int SetIFBuf(const std::string& /*name*/, ServiceInterface* /*interface*/) { return 0; }
 
-std::vector<ServiceInterface*>* CheckIFBuf(const std::string& name) {
-  static almcfg::DeskLogService logService;
-  static std::vector<ServiceInterface*> logServices{&logService};
-  return name == "LogSvcInterface" ? &logServices : nullptr;
-}
+std::vector<ServiceInterface*>* CheckIFBuf(const std::string& /*name*/) { return nullptr; }
 
 BundleMgr* BundleMgr::Instance() {
-  static almcfg::NoBundles bundles;
+  static NoBundles bundles;
   return &bundles;
 }
 
@@ -116,7 +72,6 @@ std::string Num2Str(int number) { return std::to_string(number); }
 
 namespace KelpGlobalUtils {
 
-// No code set is known here.
 int KelpCodeSetConvert(const std::string& /*fromCode*/, const std::string& /*toCode*/,
                        const std::string& /*input*/, std::string& /*output*/) {
   return -1;

@@ -1,20 +1,22 @@
+// The JSON output of `almcfg check`: one object, written finding by finding.
+
 #include <ostream>
 
-#include "tools/almcfg/json_text.h"
-#include "tools/almcfg/report.h"
+#include "tools/almcfg/write/json_text.h"
+#include "tools/almcfg/write/report.h"
 
 namespace almcfg {
 namespace {
 
 Json ToJson(const SourceText& text, const Finding& finding) {
-  const Trap& trap = TrapOf(finding.code);
+  const Rule& rule = RuleOf(finding.code);
   Json json;
   SetText(json, "file", text.name());
   json["line"] = finding.line;
   json["column"] = finding.column;
   json["length"] = finding.length;
-  json["severity"] = NameOf(trap.severity);
-  json["code"] = trap.name;
+  json["severity"] = NameOf(rule.severity);
+  json["code"] = rule.name;
   json["message"] = finding.message;
   json["hint"] = finding.hint;
   if (finding.line <= text.lineCount()) {
@@ -46,11 +48,19 @@ class JsonReport : public Report {
   }
 
   void End(const Totals& totals, int exitCode) override {
+    Json byCode = Json::object();
+    for (const Rule& rule : Rules()) {
+      if (const std::size_t count = totals.findings.byCode[static_cast<std::size_t>(rule.code)]) {
+        byCode[rule.name] = count;
+      }
+    }
     const Json sums{{"files", totals.files},
                     {"records", totals.records},
-                    {"errors", totals.findings.errors},
-                    {"warnings", totals.findings.warnings},
-                    {"notes", totals.findings.notes}};
+                    {"errors", totals.findings.Count(Severity::kError)},
+                    {"warnings", totals.findings.Count(Severity::kWarning)},
+                    {"notes", totals.findings.Count(Severity::kNote)},
+                    {"omitted", totals.omitted},
+                    {"byCode", std::move(byCode)}};
     out_ << "\n],\n\"files\":" << Dump(files_) << ",\n\"totals\":" << Dump(sums)
          << ",\n\"exitCode\":" << exitCode << "}\n";
   }

@@ -1,6 +1,6 @@
-#include "tools/almcfg/json_text.h"
+#include "tools/almcfg/write/json_text.h"
 
-#include "tools/almcfg/visible.h"
+#include "tools/almcfg/write/printable.h"
 
 namespace almcfg {
 namespace {

@@ -1,5 +1,5 @@
-#ifndef TOOLS_ALMCFG_JSON_TEXT_H_
-#define TOOLS_ALMCFG_JSON_TEXT_H_
+#ifndef TOOLS_ALMCFG_WRITE_JSON_TEXT_H_
+#define TOOLS_ALMCFG_WRITE_JSON_TEXT_H_
 
 #include <nlohmann/json.hpp>
 #include <string>
@@ -23,4 +23,4 @@ std::string Dump(const Json& value);
 
 }  // namespace almcfg
 
-#endif  // TOOLS_ALMCFG_JSON_TEXT_H_
+#endif  // TOOLS_ALMCFG_WRITE_JSON_TEXT_H_

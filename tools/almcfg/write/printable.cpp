@@ -1,4 +1,4 @@
-#include "tools/almcfg/visible.h"
+#include "tools/almcfg/write/printable.h"
 
 #include <algorithm>
 #include <array>
@@ -25,12 +25,30 @@ bool IsBetween(std::uint32_t code, std::uint32_t first, std::uint32_t last) {
   return first <= code && code <= last;
 }
 
-/// Control characters, and what takes no room or turns the writing around.
+/// Control characters, characters of no width, and characters that change the direction of writing.
 bool IsUnprintable(std::uint32_t code) {
   return code < 0x20 || IsBetween(code, 0x7F, 0xA0) || code == 0xAD || code == 0x061C || code == 0x180E ||
          IsBetween(code, 0x200B, 0x200F) || IsBetween(code, 0x2028, 0x202F) ||
          IsBetween(code, 0x2060, 0x206F) || code == 0xFEFF || IsBetween(code, 0xFFF0, 0xFFFB) ||
          IsBetween(code, 0xE0000, 0xE0FFF);
+}
+
+/// Columns of a printable character on a terminal: combining marks take none, East Asian wide characters and
+/// pictographs two.
+std::size_t WidthOf(std::uint32_t code) {
+  if (code < 0x300) {
+    return 1;
+  }
+  if (IsBetween(code, 0x300, 0x36F) || IsBetween(code, 0x1AB0, 0x1AFF) || IsBetween(code, 0x1DC0, 0x1DFF) ||
+      IsBetween(code, 0x20D0, 0x20FF) || IsBetween(code, 0xFE00, 0xFE0F) || IsBetween(code, 0xFE20, 0xFE2F)) {
+    return 0;
+  }
+  const bool isWide = IsBetween(code, 0x1100, 0x115F) || IsBetween(code, 0x2E80, 0xA4CF) ||
+                      IsBetween(code, 0xAC00, 0xD7A3) || IsBetween(code, 0xF900, 0xFAFF) ||
+                      IsBetween(code, 0xFE30, 0xFE6F) || IsBetween(code, 0xFF00, 0xFF60) ||
+                      IsBetween(code, 0xFFE0, 0xFFE6) || IsBetween(code, 0x1F300, 0x1F64F) ||
+                      IsBetween(code, 0x1F900, 0x1F9FF) || IsBetween(code, 0x20000, 0x3FFFD);
+  return isWide ? 2 : 1;
 }
 
 bool IsEdge(std::string_view text, std::size_t at) {
@@ -47,7 +65,7 @@ bool IsMarkedBlank(std::string_view text, std::size_t at) {
   return first == 0 || IsEdge(text, first - 1) || IsEdge(text, behind) || behind - first > 1;
 }
 
-/// The mark that stands for the byte; empty when it has none.
+/// The mark that is shown for the byte; empty when the byte has none.
 std::string_view MarkFor(std::string_view text, std::size_t at, Blanks blanks) {
   switch (text[at]) {
     case '\t':
@@ -74,8 +92,10 @@ Glyph OneGlyph(std::string_view text, std::size_t at, Blanks blanks) {
   }
   const std::size_t length = Utf8Length(rest);
   const std::string_view bytes = rest.substr(0, std::max<std::size_t>(length, 1));
-  if (length != 0 && !IsUnprintable(CodePoint(bytes, length))) {
-    return {at, 1, bytes, {}, false};
+  if (length != 0) {
+    if (const std::uint32_t code = CodePoint(bytes, length); !IsUnprintable(code)) {
+      return {at, WidthOf(code), bytes, {}, false};
+    }
   }
   return {at, 4 * bytes.size(), bytes, {}, true};
 }

@@ -1,5 +1,5 @@
-#ifndef TOOLS_ALMCFG_VISIBLE_H_
-#define TOOLS_ALMCFG_VISIBLE_H_
+#ifndef TOOLS_ALMCFG_WRITE_PRINTABLE_H_
+#define TOOLS_ALMCFG_WRITE_PRINTABLE_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -7,15 +7,15 @@
 #include <string_view>
 #include <vector>
 
-/// How bytes of unknown origin are shown to people. Nothing that a file or a file name holds may move the
-/// cursor, change the direction of writing, or disappear. Pure functions.
+/// Makes bytes of unknown origin printable. No character of a file or a file name may move the cursor, change
+/// the direction of writing, or be invisible. Pure functions.
 namespace almcfg {
 
-/// One character of a text as it is shown. It looks into the text.
+/// One character of a text as it is shown. Views into the text.
 struct Glyph {
   std::size_t offset = 0;  ///< its first byte in the text
-  std::size_t width = 0;   ///< columns that it takes, one for each code point shown
-  std::string_view bytes;  ///< what it stands for
+  std::size_t width = 0;   ///< columns that it takes on a terminal
+  std::string_view bytes;  ///< its bytes in the text
   std::string_view mark;   ///< shown instead; empty for a character that shows as itself
   bool isEscaped = false;  ///< the bytes are shown as escapes
 };
@@ -38,10 +38,10 @@ bool IsUtf8(std::string_view text);
 /// Characters of `text`, a byte that is not UTF-8 counting as one.
 std::size_t CharacterCount(std::string_view text);
 
-/// The text with everything that does not print escaped; blanks stay.
+/// The text with every unprintable character escaped; blanks are unchanged.
 std::string Printable(std::string_view text);
 
-/// The text with everything that is easily overlooked marked, TAB, CR and edge blanks among it.
+/// The text with unprintable and easily overlooked characters marked: TAB, CR, edge blanks and others.
 std::string Marked(std::string_view text);
 
 /// The same in double quotes, cut to a length that fits into a message.
@@ -58,4 +58,4 @@ std::string Counted(std::uint64_t number, std::string_view noun);
 
 }  // namespace almcfg
 
-#endif  // TOOLS_ALMCFG_VISIBLE_H_
+#endif  // TOOLS_ALMCFG_WRITE_PRINTABLE_H_

@@ -1,8 +1,8 @@
-#include "tools/almcfg/progress.h"
+#include "tools/almcfg/write/progress.h"
 
 #include <iostream>
 
-#include "tools/almcfg/visible.h"
+#include "tools/almcfg/write/printable.h"
 
 namespace almcfg {
 

@@ -1,14 +1,15 @@
-#ifndef TOOLS_ALMCFG_PROGRESS_H_
-#define TOOLS_ALMCFG_PROGRESS_H_
+#ifndef TOOLS_ALMCFG_WRITE_PROGRESS_H_
+#define TOOLS_ALMCFG_WRITE_PROGRESS_H_
 
 #include <chrono>
 #include <cstdint>
 #include <string>
 
+/// Shows the progress of long jobs on a terminal.
 namespace almcfg {
 
-/// One line on the terminal, written to standard error, that says how far a long job has come. It appears
-/// after a second and leaves nothing behind. Call `Hide` before anything else is written to the terminal.
+/// One line on the terminal, written to standard error, that shows the progress of a long job. It appears
+/// after a second and is erased at the end. Call `Hide` before anything else is written to the terminal.
 class Progress {
  public:
   using Clock = std::chrono::steady_clock;
@@ -22,10 +23,10 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  /// "NAME: COUNT lines DONE". Cheap, but not for every line.
+  /// Shows "NAME: COUNT lines DONE". Reads the clock, so call it for every few thousand lines only.
   void Show(const std::string& name, const char* done, std::uint64_t count);
 
-  /// Takes the line away, if there is one.
+  /// Erases the line, if it is shown.
   void Hide();
 
  private:
@@ -37,4 +38,4 @@ class Progress {
 
 }  // namespace almcfg
 
-#endif  // TOOLS_ALMCFG_PROGRESS_H_
+#endif  // TOOLS_ALMCFG_WRITE_PROGRESS_H_

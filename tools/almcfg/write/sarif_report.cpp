@@ -1,9 +1,11 @@
+// The SARIF 2.1.0 output of `almcfg check`, written finding by finding.
+
 #include <algorithm>
 #include <ostream>
 
-#include "tools/almcfg/json_text.h"
-#include "tools/almcfg/report.h"
-#include "tools/almcfg/visible.h"
+#include "tools/almcfg/write/json_text.h"
+#include "tools/almcfg/write/printable.h"
+#include "tools/almcfg/write/report.h"
 
 namespace almcfg {
 namespace {
@@ -48,10 +50,10 @@ Json Region(const SourceText& text, const Finding& finding) {
 }
 
 Json ToResult(const SourceText& text, const Finding& finding) {
-  const Trap& trap = TrapOf(finding.code);
-  Json result{{"ruleId", trap.name},
-              {"ruleIndex", static_cast<std::size_t>(trap.code)},
-              {"level", NameOf(trap.severity)},
+  const Rule& rule = RuleOf(finding.code);
+  Json result{{"ruleId", rule.name},
+              {"ruleIndex", static_cast<std::size_t>(rule.code)},
+              {"level", NameOf(rule.severity)},
               {"message", {{"text", finding.message + ". Hint: " + finding.hint + "."}}}};
   result["locations"] = Json::array({Location(text, finding.line, Region(text, finding))});
   if (finding.otherLine != 0) {
@@ -64,10 +66,10 @@ Json ToResult(const SourceText& text, const Finding& finding) {
 
 Json Driver() {
   Json rules = Json::array();
-  for (const Trap& trap : Traps()) {
-    rules.push_back({{"id", trap.name},
-                     {"shortDescription", {{"text", trap.summary}}},
-                     {"defaultConfiguration", {{"level", NameOf(trap.severity)}}}});
+  for (const Rule& rule : Rules()) {
+    rules.push_back({{"id", rule.name},
+                     {"shortDescription", {{"text", rule.summary}}},
+                     {"defaultConfiguration", {{"level", NameOf(rule.severity)}}}});
   }
   return {{"name", "almcfg"}, {"version", ALMCFG_VERSION}, {"rules", std::move(rules)}};
 }

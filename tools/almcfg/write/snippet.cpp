@@ -1,4 +1,4 @@
-#include "tools/almcfg/snippet.h"
+#include "tools/almcfg/write/snippet.h"
 
 #include <algorithm>
 #include <vector>
@@ -6,13 +6,15 @@
 namespace almcfg {
 namespace {
 
-constexpr std::size_t kWidth = 100;
-constexpr std::size_t kContext = 60;  // columns shown before a caret, when the line is cut there
+constexpr std::size_t kNarrowest = 20;
 constexpr std::string_view kEllipsis = "…";
 
 }  // namespace
 
-Snippet MakeSnippet(std::string_view line, std::size_t column, std::size_t length, Blanks blanks) {
+Snippet MakeSnippet(std::string_view line, std::size_t column, std::size_t length, Blanks blanks,
+                    std::size_t width) {
+  width = std::max(width, kNarrowest) - 2;    // An ellipsis at each end.
+  const std::size_t context = width * 3 / 5;  // columns shown before a caret, when the line is cut there
   const std::vector<Glyph> glyphs = Glyphs(line, blanks);
   const std::size_t begin = column - 1;
   const std::size_t end = begin + std::max<std::size_t>(length, 1);
@@ -25,16 +27,16 @@ Snippet MakeSnippet(std::string_view line, std::size_t column, std::size_t lengt
     whole += glyph.width;
   }
   marked = std::max<std::size_t>(marked, 1);
-  // Keep the start of the line in sight while the caret is near it.
-  const bool isFar = indent > kContext && whole > kWidth && indent + std::min(marked, kContext) > kWidth;
-  const std::size_t skip = isFar ? indent - kContext : 0;
+  // While the caret is near the start of the line, the line is shown from its start.
+  const bool isFar = indent > context && whole > width && indent + std::min(marked, context) > width;
+  const std::size_t skip = isFar ? indent - context : 0;
   Snippet snippet;
   std::size_t at = 0;
   std::size_t dropped = 0;
   for (const Glyph& glyph : glyphs) {
     if (at < skip) {
       dropped = at + glyph.width;
-    } else if (at + glyph.width <= skip + kWidth) {
+    } else if (at + glyph.width <= skip + width) {
       Append(snippet.text, glyph);
     } else {
       snippet.text += kEllipsis;
@@ -47,7 +49,7 @@ Snippet MakeSnippet(std::string_view line, std::size_t column, std::size_t lengt
     snippet.text.insert(0, kEllipsis);
     ++snippet.indent;
   }
-  snippet.width = std::min(marked, kWidth + 1 - std::min(snippet.indent, kWidth));
+  snippet.width = std::min(marked, width + 1 - std::min(snippet.indent, width));
   return snippet;
 }
 

@@ -1,9 +1,10 @@
-#include "tools/almcfg/table_writer.h"
+#include "tools/almcfg/write/table_writer.h"
 
 #include <ostream>
 
-#include "tools/almcfg/json_text.h"
-#include "tools/almcfg/visible.h"
+#include "tools/almcfg/write/json_text.h"
+#include "tools/almcfg/write/place_json.h"
+#include "tools/almcfg/write/printable.h"
 
 namespace almcfg {
 namespace {
@@ -26,7 +27,7 @@ class TsvWriter : public TableWriter {
     out_ << Shown(entry.place) << '\n';
   }
 
-  void End(const LoadedFiles& /*files*/) override {}
+  void End(const LoadedTable& /*table*/) override {}
 
  private:
   std::ostream& out_;
@@ -50,13 +51,8 @@ class JsonWriter : public TableWriter {
     first_ = false;
   }
 
-  void End(const LoadedFiles& files) override {
-    Json endless = nullptr;
-    if (const Place place = files.endlessLine()) {
-      SetText(endless, "file", place.text->name());
-      endless["line"] = place.line;
-    }
-    out_ << "\n],\n\"endlessLine\":" << Dump(endless) << "}\n";
+  void End(const LoadedTable& table) override {
+    out_ << "\n],\n\"endlessLine\":" << Dump(ToJson(table.endlessLine())) << "}\n";
   }
 
  private:

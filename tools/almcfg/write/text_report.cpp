@@ -1,13 +1,17 @@
+// The text output of `almcfg check`: each finding with its line, a caret and a hint, then the totals.
+
+#include <algorithm>
 #include <ostream>
 
-#include "tools/almcfg/progress.h"
-#include "tools/almcfg/report.h"
-#include "tools/almcfg/snippet.h"
-#include "tools/almcfg/visible.h"
+#include "tools/almcfg/write/printable.h"
+#include "tools/almcfg/write/progress.h"
+#include "tools/almcfg/write/report.h"
+#include "tools/almcfg/write/snippet.h"
 
 namespace almcfg {
 namespace {
 
+constexpr std::size_t kMargin = 2;  // columns before a line of a file
 constexpr const char* kReset = "\x1b[0m";
 constexpr const char* kBold = "\x1b[1m";
 constexpr const char* kGreen = "\x1b[1;32m";
@@ -27,16 +31,17 @@ std::string Painted(bool color, const char* paint, const std::string& text) {
   return color ? paint + text + kReset : text;
 }
 
-void AppendSource(std::string& out, const SourceText& text, const Finding& finding, bool color) {
+void AppendSource(std::string& out, const SourceText& text, const Finding& finding, TextStyle style) {
   if (finding.line > text.lineCount()) {
     return;
   }
   const Blanks blanks = finding.code == Code::kWrongSeparator ? Blanks::kAll : Blanks::kAtEdges;
   const Line line = text.line(finding.line);
-  const Snippet snippet = MakeSnippet(line.text, finding.column, finding.length, blanks);
-  out += "  " + snippet.text + (finding.column > kLongestLine ? "…" : "") + "\n  " +
+  const Snippet snippet = MakeSnippet(line.text, finding.column, finding.length, blanks,
+                                      style.width - std::min(style.width, kMargin));
+  out += "  " + snippet.text + (finding.column > kLongestLine && line.IsOverlong() ? "…" : "") + "\n  " +
          std::string(snippet.indent, ' ');
-  out += Painted(color, kGreen, '^' + std::string(snippet.width - 1, '~')) + '\n';
+  out += Painted(style.color, kGreen, '^' + std::string(snippet.width - 1, '~')) + '\n';
   if (finding.otherLine != 0) {
     out += "  line " + std::to_string(finding.otherLine) + ": " +
            LineExcerpt(text.line(finding.otherLine).text) + '\n';
@@ -45,18 +50,29 @@ void AppendSource(std::string& out, const SourceText& text, const Finding& findi
 
 class TextReport : public Report {
  public:
-  TextReport(std::ostream& out, Progress& progress, bool color)
-      : out_(out), progress_(progress), color_(color) {}
+  TextReport(std::ostream& out, Progress& progress, TextStyle style, bool quiet)
+      : out_(out), progress_(progress), style_(style), quiet_(quiet) {}
 
   void Take(const SourceText& text, const Finding& finding) override {
     progress_.Hide();
-    WriteFinding(out_, text, finding, color_);
+    WriteFinding(out_, text, finding, style_);
   }
 
   void EndFile(const SourceText& /*text*/, std::size_t /*records*/, bool /*wasRead*/) override {}
 
   void End(const Totals& totals, int /*exitCode*/) override {
     progress_.Hide();
+    if (quiet_) {
+      return;
+    }
+    if (totals.omitted != 0) {
+      out_ << Counted(totals.omitted, "more finding") << '\n';
+    }
+    for (const Rule& rule : Rules()) {
+      if (const std::size_t count = totals.findings.byCode[static_cast<std::size_t>(rule.code)]) {
+        out_ << "  " << rule.name << ": " << Grouped(count) << '\n';
+      }
+    }
     out_ << Counted(totals.files, "file") << ", " << Counted(totals.records, "record") << ", "
          << Summary(totals.findings) << '\n';
   }
@@ -64,19 +80,20 @@ class TextReport : public Report {
  private:
   std::ostream& out_;
   Progress& progress_;
-  bool color_;
+  TextStyle style_;
+  bool quiet_;
 };
 
 }  // namespace
 
-void WriteFinding(std::ostream& out, const SourceText& text, const Finding& finding, bool color) {
-  const Trap& trap = TrapOf(finding.code);
+void WriteFinding(std::ostream& out, const SourceText& text, const Finding& finding, TextStyle style) {
+  const Rule& rule = RuleOf(finding.code);
   const std::string where = Printable(text.name()) + ':' + std::to_string(finding.line) + ':' +
                             std::to_string(finding.column) + ':';
-  std::string lines = Painted(color, kBold, where) + ' ' +
-                      Painted(color, ColorOf(trap.severity), NameOf(trap.severity) + std::string(":")) + ' ' +
-                      finding.message + " [" + trap.name + "]\n";
-  AppendSource(lines, text, finding, color);
+  std::string lines = Painted(style.color, kBold, where) + ' ' +
+                      Painted(style.color, ColorOf(rule.severity), NameOf(rule.severity) + std::string(":")) +
+                      ' ' + finding.message + " [" + rule.name + "]\n";
+  AppendSource(lines, text, finding, style);
   out << lines << "  hint: " << finding.hint << '\n';
 }
 
@@ -87,14 +104,14 @@ std::string Summary(const Tally& tally) {
       summary += (summary.empty() ? "" : ", ") + Counted(count, noun);
     }
   };
-  add(tally.errors, "error");
-  add(tally.warnings, "warning");
-  add(tally.notes, "note");
+  add(tally.Count(Severity::kError), "error");
+  add(tally.Count(Severity::kWarning), "warning");
+  add(tally.Count(Severity::kNote), "note");
   return summary.empty() ? "no findings" : summary;
 }
 
-std::unique_ptr<Report> MakeTextReport(std::ostream& out, Progress& progress, bool color) {
-  return std::make_unique<TextReport>(out, progress, color);
+std::unique_ptr<Report> MakeTextReport(std::ostream& out, Progress& progress, TextStyle style, bool quiet) {
+  return std::make_unique<TextReport>(out, progress, style, quiet);
 }
 
 }  // namespace almcfg

@@ -1,0 +1,169 @@
+// almcfg coverage: queries against a table, in text and JSON, and what is refused.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "tests/almcfg/run_program.h"
+
+namespace {
+
+using almcfg_test::Outcome;
+using almcfg_test::RunAlmcfg;
+using almcfg_test::TempFile;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+const std::string kConfig =
+    "COM/EQU\tBTS\tLOS\t7\t1\n"
+    "QOS\tSGSN\tJITTER\t60\thigh\n"
+    "COM\tOLT \tLOS\t7\t2\n"
+    "ENV\tHUB\tDOOR\t15\t4\n";
+
+Outcome Coverage(const std::string& calls, const std::vector<std::string>& options = {}) {
+  const TempFile config(kConfig);
+  const TempFile file(calls);
+  std::vector<std::string> arguments{"coverage", config.path(), "--calls", file.path()};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  Outcome outcome = RunAlmcfg(arguments);
+  // The names of temporary files differ from run to run.
+  for (std::string* const text : {&outcome.out, &outcome.err}) {
+    for (const auto& [path, name] : {std::pair{config.path(), "CONFIG"}, std::pair{file.path(), "CALLS"}}) {
+      for (std::size_t at = 0; (at = text->find(path, at)) != std::string::npos;) {
+        text->replace(at, path.size(), name);
+      }
+    }
+  }
+  return outcome;
+}
+
+nlohmann::json CoverageJson(const std::string& calls) {
+  return nlohmann::json::parse(Coverage(calls, {"--format", "json"}).out);
+}
+
+std::string Recorded(const std::string& key1, const std::string& key2, const std::string& key3, int number) {
+  return R"({"op":"GetAlmCfgValue","in":[")" + key1 + "\",\"" + key2 + "\",\"" + key3 + "\"," +
+         std::to_string(number) + R"(],"result":0,"out":[0],"thread":1,"start":2,"ns":3})" + "\n";
+}
+
+TEST(Coverage, SaysWhatIsServedWhatIsNotAndWhatNobodyAskedFor) {
+  const Outcome outcome = Coverage("COM\tBTS\tLOS\t7\t1234\nCOM\tOLT\tLOS\t7\nQOS\tSGSN\tJITTER\t60\t2\n");
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(outcome.out,
+            "calls:       1,237 of GetAlmCfgValue, 3 different queries\n"
+            "served:      1,234\n"
+            "not served:  1; the caller gets a successful 0\n"
+            "no integer:  2; the caller's value is left alone\n"
+            "lines:       4, of which 3 have keys that were never asked for\n"
+            "\n"
+            "Queries that no line serves\n"
+            "  1  \"COM\", \"OLT\", \"LOS\", \"7\"\n"
+            "      near: CONFIG:3: column 2 is \"OLT\xC2\xB7\", not \"OLT\" (a blank at the edge)\n"
+            "\n"
+            "Queries whose value is not an integer\n"
+            "  2  \"QOS\", \"SGSN\", \"JITTER\", \"60\": \"high\" in CONFIG:2\n"
+            "\n"
+            "Lines and alternatives that were never asked for\n"
+            "  CONFIG:1: COM/EQU\xE2\x86\x92"
+            "BTS\xE2\x86\x92LOS\xE2\x86\x92"
+            "7\xE2\x86\x92"
+            "1\n"
+            "      only: \"EQU\", \"BTS\"\n"
+            "  CONFIG:3: COM\xE2\x86\x92OLT\xC2\xB7\xE2\x86\x92LOS\xE2\x86\x92"
+            "7\xE2\x86\x92"
+            "2\n"
+            "  CONFIG:4: ENV\xE2\x86\x92HUB\xE2\x86\x92"
+            "DOOR\xE2\x86\x92"
+            "15\xE2\x86\x92"
+            "4\n"
+            "\n"
+            "Most frequent queries\n"
+            "  1,234  \"COM\", \"BTS\", \"LOS\", \"7\": \"1\" in CONFIG:1\n");
+}
+
+TEST(Coverage, CountsTheCallsOfARecordingAndAddsUpToIt) {
+  const std::string calls =
+      R"({"recording":1,"time":"t","operations":[],"every":10,"library":"l","build_id":"b",)"
+      R"("config_dir":"c","alarm_config":"a"})"
+      "\n" +
+      Recorded("COM", "BTS", "LOS", 7) + Recorded("COM", "BTS", "LOS", 7) +
+      Recorded("no", "such", "alarm", 1) +
+      R"({"op":"IsValid","in":[],"result":1,"thread":1,"start":2,"ns":3})"
+      "\n" +
+      R"({"end":"t","records":4,"dropped":5})"
+      "\n";
+  const nlohmann::json report = CoverageJson(calls);
+  EXPECT_EQ(report["calls"], 3);
+  EXPECT_EQ(report["queries"], 2);
+  EXPECT_EQ(report["every"], 10);
+  EXPECT_EQ(report["dropped"], 5);
+  EXPECT_EQ(report["served"][0]["count"], 2);
+  EXPECT_EQ(report["served"][0]["line"], 1);
+  EXPECT_EQ(report["served"][0]["value"], "1");
+  EXPECT_EQ(report["notServed"][0]["key1"], "no");
+  EXPECT_EQ(report["notServed"][0]["number"], "1");
+  const std::string text = Coverage(calls).out;
+  EXPECT_THAT(text, HasSubstr("sample:      one call of 10 was recorded\n"));
+  EXPECT_THAT(text, HasSubstr("dropped:     5 calls of all operations are not in the recording\n"));
+}
+
+TEST(Coverage, ListsTheMostFrequentQueriesFirst) {
+  const nlohmann::json report = CoverageJson("a\tb\tc\t1\t2\na\tb\tc\t2\t9\na\tb\tc\t1\t5\n");
+  EXPECT_EQ(report["notServed"][0]["number"], "2");
+  EXPECT_EQ(report["notServed"][0]["count"], 9);
+  EXPECT_EQ(report["notServed"][1]["count"], 7);
+}
+
+TEST(Coverage, NamesTheLinesAndAlternativesThatNobodyAskedFor) {
+  const nlohmann::json report = CoverageJson("COM\tBTS\tLOS\t7\nENV\tHUB\tDOOR\t15\n");
+  EXPECT_EQ(report["lines"], 4);
+  ASSERT_EQ(report["unasked"].size(), 3U);
+  EXPECT_EQ(report["unasked"][0]["line"], 1);
+  EXPECT_EQ(report["unasked"][0]["alternatives"], nlohmann::json({"\"EQU\", \"BTS\""}));
+  EXPECT_EQ(report["unasked"][1]["line"], 2);
+  EXPECT_TRUE(report["unasked"][1]["alternatives"].empty());
+}
+
+TEST(Coverage, FailsOnAQueryThatIsNotServedOnlyWhenStrict) {
+  EXPECT_EQ(Coverage("no\tsuch\talarm\t1\n").exitCode, 0);
+  EXPECT_EQ(Coverage("no\tsuch\talarm\t1\n", {"--strict"}).exitCode, 1);
+  EXPECT_EQ(Coverage("COM\tBTS\tLOS\t7\nQOS\tSGSN\tJITTER\t60\n", {"--strict"}).exitCode, 0);
+}
+
+TEST(Coverage, SkipsLinesThatAreNoQueryAndSaysWhichOnes) {
+  const Outcome outcome = Coverage("# comment\n\na\tb\tc\na\tb\tc\tx\na\tb\tc\t1\t-1\nCOM\tBTS\tLOS\t7\n");
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.err, HasSubstr("almcfg: CALLS:3:1: neither a record nor KEY1, KEY2, KEY3, NUMBER"));
+  EXPECT_THAT(outcome.err,
+              HasSubstr("almcfg: CALLS:4:7: the fourth column is no 32-bit decimal integer; the line is"));
+  EXPECT_THAT(outcome.err,
+              HasSubstr("almcfg: CALLS:5:9: the count is no decimal integer; the line is skipped\n"));
+  EXPECT_THAT(outcome.out, StartsWith("calls:       1 of"));
+}
+
+TEST(Coverage, UsesACutRecording) {
+  const Outcome outcome = Coverage(Recorded("COM", "BTS", "LOS", 7) + R"({"op":"GetAlm)");
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.err, HasSubstr("almcfg: CALLS:2:14: the line is cut; the line is skipped\n"));
+  EXPECT_THAT(outcome.out, StartsWith("calls:       1 of"));
+}
+
+TEST(Coverage, CountsTheLinesThatItDoesNotListOneByOne) {
+  const Outcome outcome = Coverage(Recorded("COM", "BTS", "LOS", 7) + std::string(15, '\n'));
+  EXPECT_THAT(outcome.err, HasSubstr("CALLS:11:1: "));
+  EXPECT_THAT(outcome.err, Not(HasSubstr("CALLS:12:")));
+  EXPECT_THAT(outcome.err, HasSubstr("almcfg: CALLS: 5 more such lines\n"));
+}
+
+TEST(Coverage, NeedsAFileWithQueries) {
+  EXPECT_EQ(Coverage("").exitCode, 2);
+  EXPECT_THAT(Coverage("junk\n").err, HasSubstr("CALLS: cannot be read or holds no call of GetAlmCfgValue"));
+  const Outcome outcome = RunAlmcfg({"coverage", "examples/broken/value-replaced.csv"});
+  EXPECT_EQ(outcome.exitCode, 2);
+  EXPECT_THAT(outcome.err, HasSubstr("coverage: --calls RECORDING is needed"));
+}
+
+}  // namespace

@@ -1,0 +1,316 @@
+// The repairs of almcfg, and that safe repairs change no answer.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/almcfg/check_text.h"
+#include "tools/almcfg/check/answer.h"
+#include "tools/almcfg/options.h"
+#include "tools/almcfg/repair/repair_text.h"
+#include "tools/almcfg/write/unified_diff.h"
+
+namespace {
+
+using namespace almcfg;
+using almcfg_test::CheckWhole;
+using almcfg_test::TableOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const RepairRules kSafe{Options::AllCodes(), false};
+const RepairRules kUnsafe{Options::AllCodes(), true};
+
+std::string Safe(const std::string& content) { return RepairText(content, kSafe).Text(); }
+std::string Unsafe(const std::string& content) { return RepairText(content, kUnsafe).Text(); }
+
+/// "LINE:COLUMN code" of every repair.
+std::vector<std::string> Repairs(const std::string& content, const RepairRules& rules = kSafe) {
+  std::vector<std::string> repairs;
+  for (const Finding& repair : RepairText(content, rules).repairs) {
+    repairs.push_back(std::to_string(repair.line) + ':' + std::to_string(repair.column) + ' ' +
+                      RuleOf(repair.code).name);
+  }
+  return repairs;
+}
+
+TEST(SafeRepair, LeavesAGoodFileUnchanged) {
+  const std::string good = "# x\n\nA/B\tC\tD e\t7\t1\nB\tC\tD\t8\t1\n";
+  EXPECT_EQ(Safe(good), good);
+  EXPECT_THAT(Repairs(good), IsEmpty());
+  EXPECT_EQ(Safe(""), "");
+}
+
+TEST(SafeRepair, RemovesTheMarkTheCrsAndAddsTheFinalLineFeed) {
+  const std::string content = "\xEF\xBB\xBF# x\r\nA\tB\tC\t7\t1\r\nlost\r";
+  EXPECT_EQ(Safe(content), "# x\nA\tB\tC\t7\t1\nlost\n");
+  EXPECT_THAT(Repairs(content),
+              ElementsAre("1:1 byte-order-mark", "1:4 cr-line-ends", "3:6 no-final-line-feed"));
+}
+
+TEST(SafeRepair, KeepsAMarkThatKeepsALoadedLineFromBeingAComment) {
+  const std::string marked = "\xEF\xBB\xBF#A/B\tC\tD\t7\t1\n";
+  EXPECT_EQ(Safe(marked), marked);
+  EXPECT_EQ(Unsafe(marked), "#A/B\tC\tD\t7\t1\n");
+}
+
+TEST(SafeRepair, RemovesBlanksAtTheEndsOfLinesButNotBesideAnEmptyColumn) {
+  EXPECT_EQ(Safe(" A\tB\tC\t7\t1 \t\n \t\n# x \n"), "A\tB\tC\t7\t1\n\n# x\n");
+  EXPECT_EQ(Safe("A\tB\tC\t7\t\n\tB\tC\t7\t1\n"), "A\tB\tC\t7\t\n\tB\tC\t7\t1\n");
+}
+
+TEST(SafeRepair, MakesCommentsOfIndentedOnesUnlessTheyAreLoaded) {
+  EXPECT_EQ(Safe(" # x\n #A\tB\tC\t7\t1\tx\n"), "# x\n#A\tB\tC\t7\t1\tx\n");
+  EXPECT_EQ(Safe(" #A\tB\tC\t7\t1\n"), " #A\tB\tC\t7\t1\n");
+  EXPECT_EQ(Unsafe(" #A\tB\tC\t7\t1\n"), "#A\tB\tC\t7\t1\n");
+}
+
+TEST(SafeRepair, MakesHeadingsComments) {
+  EXPECT_EQ(Safe("K1\tK2\tK3\tNumber\tValue\nK1,K2,K3,Number,Value\n"),
+            "#K1\tK2\tK3\tNumber\tValue\n#K1,K2,K3,Number,Value\n");
+}
+
+TEST(SafeRepair, SeparatesExactlyFiveCellsByTabs) {
+  EXPECT_EQ(Safe("A,B,C,7,1\n"), "A\tB\tC\t7\t1\n");
+  EXPECT_EQ(Safe("A;B;C;7;1\n"), "A\tB\tC\t7\t1\n");
+  EXPECT_EQ(Safe("\"A\",\"B, \"\"b\"\"\",C,7,\"1\"\n"), "A\tB, \"b\"\tC\t7\t1\n");
+  EXPECT_EQ(Safe("A,B;C,D,7,1\n"), "A\tB;C\tD\t7\t1\n");
+  for (const std::string content : {"A,B,C,7\n", "A,B,C,7,1,2\n", "A,,C,7,1\n", "\"A,B,C,7,1\n",
+                                    "A\"b,B,C,7,1\n", "\"A\"x,B,C,7,1\n", "A,B,C,7,\"\"\n", "A B C 7 1\n"}) {
+    EXPECT_EQ(Safe(content), content);
+  }
+}
+
+TEST(SafeRepair, RemovesQuotesAroundWholeCellsAndAlternatives) {
+  EXPECT_EQ(Safe("\"A/B\"\tC\t\"D\"\t\"7\"\t\"1\"\n"), "A/B\tC\tD\t7\t1\n");
+  EXPECT_EQ(Safe("\"A\"/\"B\"\tC\tD\t7\t1\n"), "A/B\tC\tD\t7\t1\n");
+  EXPECT_EQ(Safe("\"A\"\"b\"\tC\tD\t7\t1\n"), "A\"b\tC\tD\t7\t1\n");
+  EXPECT_EQ(Safe("\"A\tC\tD\"\t7\t1\nA\"b\"\tC\tD\t7\t1\n"), "\"A\tC\tD\"\t7\t1\nA\"b\"\tC\tD\t7\t1\n");
+}
+
+TEST(SafeRepair, RemovesATrailingSlash) {
+  EXPECT_EQ(Safe("A/\tB/\tC/\t7\t1\n"), "A\tB\tC/\t7\t1\n");
+  EXPECT_THAT(Repairs("A/\tB/\tC\t7\t1\n"), ElementsAre("1:2 trailing-slash", "1:4 trailing-slash"));
+}
+
+TEST(SafeRepair, RemovesARepeatOnlyWhenNoAnswerDependsOnIt) {
+  EXPECT_EQ(Safe("A\tB\tC\t7\t1\n# x\nA\tB\tC\t7\t1\n"), "A\tB\tC\t7\t1\n# x\n");
+  const std::string needed = "A\tB\tC\t7\t1\nA\tB\tC\t7\t2\nA\tB\tC\t7\t1\n";
+  EXPECT_EQ(Safe(needed), needed);
+}
+
+TEST(SafeRepair, DoesNotReplaceAnAnswer) {
+  const std::string conflict = "A\tB\tC\t7\t1\nA,B,C,7,2\n\"A\"\tB\tC\t7\t3\n";
+  EXPECT_EQ(Safe(conflict), conflict);
+  EXPECT_EQ(Unsafe(conflict), "A\tB\tC\t7\t3\n");
+  EXPECT_EQ(Safe("A,B,C,7,2\nA\tB\tC\t7\t1\n"), "A\tB\tC\t7\t2\nA\tB\tC\t7\t1\n");
+  EXPECT_EQ(Safe("A\tB\tC\t7\t01\nA,B,C,7,1\n"), "A\tB\tC\t7\t01\nA\tB\tC\t7\t1\n");
+}
+
+TEST(SafeRepair, LeavesUnsafeRepairsAlone) {
+  const std::string content = "A \tB\tC\t07\t1\nB\tB\tC\t7\t1\nB\tB\tC\t7\t2\n";
+  EXPECT_EQ(Safe(content), content);
+}
+
+TEST(UnsafeRepair, RemovesBlanksAndWritesNumbersPlainly) {
+  EXPECT_EQ(Unsafe("A / B\tC \t D\t +07\t1\n"), "A/B\tC\tD\t7\t1\n");
+  EXPECT_EQ(Unsafe("A\tB\tC\t-0\t1\nA\tB\tC\tseven\t1\n"), "A\tB\tC\t0\t1\nA\tB\tC\tseven\t1\n");
+}
+
+TEST(UnsafeRepair, KeepsTheLaterOfTwoLines) {
+  EXPECT_EQ(Unsafe("A\tB\tC\t7\t1\n# x\nA\tB\tC\t7\t2\n"), "# x\nA\tB\tC\t7\t2\n");
+  EXPECT_EQ(Unsafe("A/B\tX/Y\tC\t7\t1\nA\tX\tC\t7\t2\n"), "A\tY\tC\t7\t1\nB\tX/Y\tC\t7\t1\nA\tX\tC\t7\t2\n");
+  EXPECT_EQ(Unsafe("A/B/D\tX/Y\tC\t7\t1\nA/B\tX\tC\t7\t2\n"),
+            "A/B\tY\tC\t7\t1\nD\tX/Y\tC\t7\t1\nA/B\tX\tC\t7\t2\n");
+  EXPECT_THAT(Repairs("A\tB\tC\t7\t1\nA\tB\tC\t7\t2\n", kUnsafe), ElementsAre("1:1 value-replaced"));
+}
+
+TEST(UnsafeRepair, SplitsLinesWithTooManyAlternativesAndOverlongOnes) {
+  EXPECT_EQ(Unsafe("A/B/C/D/E/F\tX\tC\t7\t1\n"), "A/B/C/D/E\tX\tC\t7\t1\nF\tX\tC\t7\t1\n");
+  EXPECT_EQ(Unsafe("A\tB/C/D/E/F/G/\tC\t7\t1\n"), "A\tB/C/D/E/F\tC\t7\t1\nA\tG\tC\t7\t1\n");
+  const std::string first(600, 'a');
+  const std::string second(600, 'b');
+  EXPECT_EQ(Unsafe(first + '/' + second + "\tX\tC\t7\t1\n"),
+            first + "\tX\tC\t7\t1\n" + second + "\tX\tC\t7\t1\n");
+  const std::string hopeless = std::string(1100, 'a') + "\tX\tC\t7\t1\n";
+  EXPECT_EQ(Unsafe(hopeless), hopeless);
+}
+
+TEST(Repair, IsLimitedToTheSelectedCodes) {
+  RepairRules rules{{}, true};
+  rules.codes[static_cast<std::size_t>(Code::kTrailingSlash)] = true;
+  EXPECT_EQ(RepairText(" A/\tB \tC\t07\t1\r", rules).Text(), " A\tB \tC\t07\t1\r");
+}
+
+/// Short files of everything that a repair looks at.
+class RandomFile {
+ public:
+  explicit RandomFile(unsigned seed) : random_(seed) {}
+
+  std::string Make() {
+    std::string text = Below(8) == 0 ? "\xEF\xBB\xBF" : "";
+    for (std::size_t lines = 1 + Below(6); lines > 0; --lines) {
+      text += Line() + (Below(4) == 0 ? "\r\n" : "\n");
+    }
+    if (Below(4) == 0) {
+      text.pop_back();
+    }
+    return text;
+  }
+
+ private:
+  std::size_t Below(std::size_t end) { return random_() % end; }
+
+  std::string Line() {
+    static const std::vector<std::string> kSeparators{"\t", "\t", "\t", ",", ";"};
+    const std::string separator = kSeparators[Below(kSeparators.size())];
+    std::string line = Below(6) == 0 ? " " : "";
+    line += Below(10) == 0 ? "#" : "";
+    const std::size_t cells = Below(8) == 0 ? Below(8) : 5;
+    for (std::size_t i = 0; i < cells; ++i) {
+      line += (i == 0 ? "" : separator) + Cell(i);
+    }
+    return line + (Below(6) == 0 ? " " : "");
+  }
+
+  std::string Cell(std::size_t column) {
+    static const std::vector<std::string> kTexts{
+        "A", "B",           "A/B", "B/A/",    "A//B", "\"A\"",      " A", "\"A\"/B",
+        "",  "A/B/A/B/A/B", "A,B", "\"A,B\"", "\"\"", "\"a\"\"b\"", " ",  "x\"y"};
+    static const std::vector<std::string> kNumbers{"7", "7", "7", "07", "+7", "\"7\"", "Number", " 7", "8"};
+    const std::vector<std::string>& from = column < 3 ? kTexts : kNumbers;
+    return from[Below(Below(3) == 0 ? from.size() : 3)];
+  }
+
+  std::mt19937 random_;
+};
+
+/// The answer for a key in force that has neither quotation marks nor a byte order mark; none for other keys.
+std::optional<Answer> PlainAnswer(const Entry& entry) {
+  const Answer answer = AnswerFor(entry.value);
+  for (const std::string_view text : {entry.key.key1, entry.key.key2, entry.key.key3, entry.key.numKey}) {
+    if (text.find_first_of("\"\xEF") != std::string_view::npos) {
+      return std::nullopt;
+    }
+  }
+  const bool isNumber = entry.key.numKey == "7" || entry.key.numKey == "8";
+  return answer.result == 0 && isNumber ? std::optional<Answer>(answer) : std::nullopt;
+}
+
+class RandomRepair : public testing::TestWithParam<unsigned> {
+ protected:
+  static constexpr int kFiles = 400;
+};
+
+TEST_P(RandomRepair, WhenSafeNeverChangesTheAnswerOfAPlainKey) {
+  RandomFile random(GetParam());
+  for (int i = 0; i < kFiles; ++i) {
+    const std::string content = random.Make();
+    const LoadedTable before = TableOf(content);
+    const LoadedTable after = TableOf(Safe(content));
+    before.ForEach([&](const Entry& entry) {
+      if (const std::optional<Answer> answer = PlainAnswer(entry)) {
+        const std::optional<Entry> now = after.Find(entry.key);
+        EXPECT_TRUE(now && AnswerFor(now->value) == *answer) << Shown(entry.key) << " of\n" << content;
+      }
+    });
+  }
+}
+
+TEST_P(RandomRepair, DoneAgainChangesNothing) {
+  RandomFile random(GetParam() + 100);
+  for (int i = 0; i < kFiles; ++i) {
+    const std::string content = random.Make();
+    for (const RepairRules& rules : {kSafe, kUnsafe}) {
+      const std::string once = RepairText(content, rules).Text();
+      const RepairedText twice = RepairText(once, rules);
+      EXPECT_EQ(twice.Text(), once) << content;
+      EXPECT_THAT(twice.repairs, IsEmpty()) << content;
+    }
+  }
+}
+
+std::set<std::string> CodesIn(const std::string& content) {
+  std::set<std::string> codes;
+  for (const Finding& finding : CheckWhole(content)) {
+    codes.insert(RuleOf(finding.code).name);
+  }
+  return codes;
+}
+
+TEST_P(RandomRepair, LeavesNoFindingOfARepairedKind) {
+  RandomFile random(GetParam() + 200);
+  for (int i = 0; i < kFiles; ++i) {
+    const std::string content = random.Make();
+    std::set<std::string> safe = CodesIn(Safe(content));
+    if (content.compare(0, 4, "\xEF\xBB\xBF#") == 0) {
+      safe.erase("byte-order-mark");  // Without the mark, a loaded line would become a comment.
+    }
+    for (const std::string code : {"byte-order-mark", "cr-line-ends", "no-final-line-feed", "outer-blank",
+                                   "trailing-slash", "repeated-line", "header-line"}) {
+      EXPECT_EQ(safe.count(code), 0U) << code << " in\n" << Safe(content) << "from\n" << content;
+    }
+    const std::set<std::string> all = CodesIn(Unsafe(content));
+    for (const std::string code : {"value-replaced", "duplicate-key", "indented-comment", "repeated-line",
+                                   "outer-blank", "trailing-slash", "header-line"}) {
+      EXPECT_EQ(all.count(code), 0U) << code << " in\n" << Unsafe(content) << "from\n" << content;
+    }
+  }
+}
+
+TEST_P(RandomRepair, KeepsCommentsAndTheOrderOfLines) {
+  RandomFile random(GetParam() + 300);
+  for (int i = 0; i < kFiles; ++i) {
+    const RepairedText repaired = RepairText(random.Make(), kUnsafe);
+    ASSERT_EQ(repaired.original.size(), repaired.repaired.size());
+    for (std::size_t line = 0; line < repaired.original.size(); ++line) {
+      if (repaired.original[line][0] == '#') {
+        const std::string& comment = repaired.original[line];
+        ASSERT_EQ(repaired.repaired[line].size(), 1U);
+        EXPECT_EQ(repaired.repaired[line][0],
+                  comment.substr(0, comment.find_last_not_of(" \r\n") + 1) + '\n');
+      }
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomRepair, testing::Range(1U, 6U));
+
+std::string Diff(const std::vector<std::string>& original,
+                 const std::vector<std::vector<std::string>>& replacements) {
+  std::ostringstream out;
+  WriteUnifiedDiff(out, "x.csv", original, replacements, false);
+  return out.str();
+}
+
+TEST(UnifiedDiff, IsEmptyWhenNothingChanges) { EXPECT_EQ(Diff({"a\n"}, {{"a\n"}}), ""); }
+
+TEST(UnifiedDiff, ShowsThreeLinesAroundAChange) {
+  EXPECT_EQ(Diff({"1\n", "2\n", "3\n", "4\n", "5\n", "6\n", "7\n", "8\n", "9\n"},
+                 {{"1\n"}, {"2\n"}, {"3\n"}, {"4\n"}, {"x\n", "y\n"}, {"6\n"}, {"7\n"}, {"8\n"}, {"9\n"}}),
+            "--- x.csv\n+++ x.csv\n@@ -2,7 +2,8 @@\n 2\n 3\n 4\n-5\n+x\n+y\n 6\n 7\n 8\n");
+}
+
+TEST(UnifiedDiff, SeparatesDistantChangesAndNumbersTheNewLines) {
+  std::vector<std::string> original(12, "a\n");
+  std::vector<std::vector<std::string>> replacements(12, {"a\n"});
+  replacements[0] = {};
+  replacements[11] = {"b\n"};
+  EXPECT_EQ(Diff(original, replacements),
+            "--- x.csv\n+++ x.csv\n@@ -1,4 +1,3 @@\n-a\n a\n a\n a\n@@ -9,4 +8,4 @@\n a\n a\n a\n-a\n+b\n");
+}
+
+TEST(UnifiedDiff, MarksAMissingLineFeed) {
+  EXPECT_EQ(Diff({"a"}, {{"a\n"}}),
+            "--- x.csv\n+++ x.csv\n@@ -1,1 +1,1 @@\n-a\n\\ No newline at end of file\n+a\n");
+  EXPECT_EQ(Diff({"a\n"}, {{}}), "--- x.csv\n+++ x.csv\n@@ -1,1 +0,0 @@\n-a\n");
+}
+
+}  // namespace

@@ -1,0 +1,134 @@
+#include "tools/almcfg/query/calls.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fstream>
+#include <ostream>
+#include <string_view>
+#include <vector>
+
+#include "tools/almcfg/write/printable.h"
+#include "tools/almcfg/write/progress.h"
+#include "tools/recorder/format/reader.h"
+
+namespace almcfg {
+namespace {
+
+constexpr std::size_t kMaxReported = 10;
+
+/// Reports bad lines: the first ones one by one, then their number.
+class LineProblems {
+ public:
+  LineProblems(const std::string& path, const Outputs& outputs) : path_(path), outputs_(outputs) {}
+
+  void Add(std::size_t line, std::size_t column, const std::string& text) {
+    if (++count_ <= kMaxReported) {
+      outputs_.progress.Hide();
+      outputs_.err << "almcfg: " << Printable(path_) << ':' << line << ':' << column << ": " << text
+                   << "; the line is skipped\n";
+    }
+  }
+
+  void End() const {
+    if (count_ > kMaxReported) {
+      outputs_.err << "almcfg: " << Printable(path_) << ": " << count_ - kMaxReported << " more such lines\n";
+    }
+  }
+
+ private:
+  const std::string& path_;
+  const Outputs& outputs_;
+  std::size_t count_ = 0;
+};
+
+void TakeRecord(const recording_format::Record& record, Calls& calls) {
+  if (record.operation == recording_format::Operation::kGetAlmCfgValue) {
+    ++calls.counts[{std::get<std::string>(record.in[0]), std::get<std::string>(record.in[1]),
+                    std::get<std::string>(record.in[2]),
+                    static_cast<int>(std::get<std::int64_t>(record.in[3]))}];
+  }
+}
+
+void ReadRecording(std::istream& file, LineProblems& problems, Calls& calls) {
+  recording_format::Reader reader(file);
+  while (const auto line = reader.Next()) {
+    if (const auto* const record = std::get_if<recording_format::Record>(&*line)) {
+      TakeRecord(*record, calls);
+    } else if (const auto* const head = std::get_if<recording_format::Head>(&*line)) {
+      calls.every = head->every;
+    } else if (const auto* const tail = std::get_if<recording_format::Tail>(&*line)) {
+      calls.dropped += static_cast<std::uint64_t>(tail->dropped);
+    } else {
+      const auto& problem = std::get<recording_format::Problem>(*line);
+      problems.Add(reader.LineNumber(), problem.column, problem.text);
+    }
+  }
+}
+
+/// A column and where it starts in the line, from 0.
+struct Column {
+  std::size_t at = 0;
+  std::string_view text;
+};
+
+std::vector<Column> ColumnsOf(std::string_view line) {
+  std::vector<Column> columns;
+  for (std::size_t from = 0; from <= line.size();) {
+    const std::size_t to = std::min(line.find('\t', from), line.size());
+    columns.push_back({from, line.substr(from, to - from)});
+    from = to + 1;
+  }
+  return columns;
+}
+
+template <class Number>
+bool ParseNumber(std::string_view text, Number& number) {
+  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && stop == text.data() + text.size();
+}
+
+void ReadTable(std::istream& file, LineProblems& problems, Calls& calls) {
+  std::string text;
+  for (std::size_t number = 1; std::getline(file, text); ++number) {
+    if (text.empty() || text[0] == '#') {
+      continue;
+    }
+    const std::vector<Column> columns = ColumnsOf(text);
+    int wanted = 0;
+    std::uint64_t count = 1;
+    if (columns.size() != 4 && columns.size() != 5) {
+      problems.Add(number, 1,
+                   "neither a record nor KEY1, KEY2, KEY3, NUMBER and perhaps a count between TABs");
+    } else if (!ParseNumber(columns[3].text, wanted)) {
+      problems.Add(number, columns[3].at + 1, "the fourth column is no 32-bit decimal integer");
+    } else if (columns.size() == 5 && !ParseNumber(columns[4].text, count)) {
+      problems.Add(number, columns[4].at + 1, "the count is no decimal integer");
+    } else {
+      calls.counts[{std::string(columns[0].text), std::string(columns[1].text), std::string(columns[2].text),
+                    wanted}] += count;
+    }
+  }
+}
+
+}  // namespace
+
+bool ReadCalls(const std::string& path, const Outputs& outputs, Calls& calls) {
+  std::ifstream file(path, std::ios::binary);
+  const int first = file.peek();
+  LineProblems problems(path, outputs);
+  if (file) {
+    (first == '{' ? ReadRecording : ReadTable)(file, problems, calls);
+    problems.End();
+  }
+  if (calls.counts.empty()) {
+    outputs.progress.Hide();
+    outputs.err
+        << "almcfg: " << Printable(path)
+        << ": cannot be read or holds no call of GetAlmCfgValue; give a recording, or lines of KEY1, KEY2, "
+           "KEY3, NUMBER and perhaps a count between TABs\n";
+    return false;
+  }
+  return true;
+}
+
+}  // namespace almcfg

@@ -1,0 +1,276 @@
+#include "tools/almcfg/repair/repair_line.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "src/alarmconfig/almgrammar.h"
+#include "src/text/strfunctions.h"
+#include "tools/almcfg/check/cell_text.h"
+#include "tools/almcfg/write/printable.h"
+
+namespace almcfg {
+namespace {
+
+using NS_ASCII::LineOutcome;
+using NS_ASCII::ParsedLine;
+
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+using Texts = std::vector<std::string>;
+
+Texts SplitAll(std::string_view text, char separator) {
+  Texts parts;
+  for (std::size_t from = 0; from <= text.size();) {
+    const std::size_t to = std::min(text.find(separator, from), text.size());
+    parts.emplace_back(text.substr(from, to - from));
+    from = to + 1;
+  }
+  return parts;
+}
+
+bool IsAccepted(std::string_view line) { return NS_ASCII::ParseLine(line).outcome == LineOutcome::kAccepted; }
+
+/// The lines for all combinations of the alternatives, each short enough and with at most five of them;
+/// `columns` gives columns 3 to 5. None when a single combination is too long.
+std::optional<Texts> SplitAlternatives(const Texts& key1s, const Texts& key2s, Texts columns) {
+  columns[0] = Join(key1s, '/');
+  columns[1] = Join(key2s, '/');
+  const std::string line = Join(columns, '\t');
+  const bool isTooLong = line.size() > kLongestLine;
+  const std::size_t limit = NS_ASCII::kMaxParts;
+  if (key1s.size() <= limit && key2s.size() <= limit && !isTooLong) {
+    return Texts{line};
+  }
+  const bool splitsFirst = key1s.size() > limit || (key2s.size() <= limit && key1s.size() > 1);
+  const Texts& whole = splitsFirst ? key1s : key2s;
+  if (whole.size() < 2) {
+    return std::nullopt;
+  }
+  const auto middle =
+      whole.begin() + static_cast<std::ptrdiff_t>(whole.size() > limit ? limit : whole.size() / 2);
+  Texts lines;
+  for (const Texts& part : {Texts(whole.begin(), middle), Texts(middle, whole.end())}) {
+    const auto some =
+        splitsFirst ? SplitAlternatives(part, key2s, columns) : SplitAlternatives(key1s, part, columns);
+    if (!some) {
+      return std::nullopt;
+    }
+    lines.insert(lines.end(), some->begin(), some->end());
+  }
+  return lines;
+}
+
+/// Repairs one line step by step.
+class LineRepairer {
+ public:
+  LineRepairer(std::string_view line, const RepairRules& rules, const KeepsAnswers& keepsAnswers,
+               std::vector<Finding>& repairs)
+      : text_(line), rules_(rules), keepsAnswers_(keepsAnswers), repairs_(repairs) {}
+
+  Texts Repair(bool isFirst) {
+    if (text_.find('\0') != std::string::npos) {
+      return {text_};
+    }
+    RemoveMark(isFirst);
+    RemoveCr();
+    TrimUnlessColumnsAreEmpty();
+    UncommentOrSeparate();
+    if (IsAccepted(text_)) {
+      RepairColumns();
+    }
+    return Split();
+  }
+
+ private:
+  /// Records a repair and makes it. `column` is counted from 0.
+  void Set(Code code, std::size_t column, std::string message, std::string text) {
+    repairs_.push_back({code, 1, column + 1, 1, std::move(message), "", 0});
+    text_ = std::move(text);
+  }
+
+  [[nodiscard]] std::string Trimmed() const { return std::string(NS_ASCII::TrimView(text_)); }
+
+  void RemoveMark(bool isFirst) {
+    const auto hidesNoComment = [this] {
+      return text_[kUtf8Mark.size()] != '#' || !IsAccepted(text_) || rules_.unsafe;
+    };
+    const auto isMarked = [this] { return text_.compare(0, kUtf8Mark.size(), kUtf8Mark) == 0; };
+    while (isFirst && rules_.Allows(Code::kByteOrderMark) && isMarked() && hidesNoComment()) {
+      Set(Code::kByteOrderMark, 0, "removed the byte order mark", text_.substr(kUtf8Mark.size()));
+    }
+  }
+
+  void RemoveCr() {
+    if (rules_.Allows(Code::kCrLineEnds) && !text_.empty() && text_.back() == '\r') {
+      const std::size_t size = text_.find_last_not_of('\r') + 1;
+      Set(Code::kCrLineEnds, size, "removed the CR at the end of the line", text_.substr(0, size));
+    }
+  }
+
+  /// Keeps the TAB next to an empty first or last column: it shows where a text is missing.
+  void TrimUnlessColumnsAreEmpty() {
+    const std::string trimmed = Trimmed();
+    const bool isComment = !text_.empty() && text_.front() == '#';
+    const bool isTrimmable = isComment || trimmed.empty() || IsAccepted(text_);
+    // Without the blanks before it, a "#" would make a comment.
+    const bool keepsStart = !trimmed.empty() && trimmed.front() == '#';
+    const std::string wanted = keepsStart ? text_.substr(0, text_.find_last_not_of(" \t\r") + 1) : trimmed;
+    if (isTrimmable && wanted != text_ && rules_.Allows(Code::kOuterBlank)) {
+      const bool isLeading = wanted.empty() || text_.front() != wanted.front();
+      Set(Code::kOuterBlank, isLeading ? 0 : wanted.size(), "removed the blanks at the ends of the line",
+          wanted);
+    }
+  }
+
+  void UncommentOrSeparate() {
+    const std::string trimmed = Trimmed();
+    if (text_.empty() || text_.front() == '#' || trimmed.empty()) {
+      return;
+    }
+    const bool isAccepted = IsAccepted(text_);
+    if (trimmed.front() == '#') {
+      if (rules_.Allows(Code::kIndentedComment) && (!isAccepted || rules_.unsafe)) {
+        Set(Code::kIndentedComment, 0, "removed the blanks before \"#\"", trimmed);
+      }
+      return;
+    }
+    const Texts cells = isAccepted ? SplitAll(trimmed, '\t') : SplitDelimited(trimmed);
+    if (IsHeading(cells)) {
+      if (rules_.Allows(Code::kHeaderLine)) {
+        Set(Code::kHeaderLine, 0, "made the heading a comment", "#" + trimmed);
+      }
+    } else if (!isAccepted && !cells.empty() && rules_.Allows(Code::kWrongSeparator)) {
+      const std::string separated = Join(cells, '\t');
+      if (IsAccepted(separated) && KeepsAnswers(separated)) {
+        Set(Code::kWrongSeparator, 0, "separated the columns by TABs", separated);
+      }
+    }
+  }
+
+  [[nodiscard]] bool KeepsAnswers(std::string_view line) const {
+    return rules_.unsafe || keepsAnswers_(line);
+  }
+
+  /// Blanks at the ends of the line that must stay do not belong to a column. Repeats the steps, because one
+  /// repair may make another one possible.
+  void RepairColumns() {
+    const std::string trimmed = Trimmed();
+    const std::size_t leading = OffsetIn(text_, NS_ASCII::TrimView(text_));
+    const std::string before = text_.substr(0, leading);
+    const std::string after = text_.substr(leading + trimmed.size());
+    text_ = trimmed;
+    for (std::string last; last != text_;) {
+      last = text_;
+      RepairCells(Code::kQuotedCell, "removed the quotation marks of ",
+                  [](std::string_view cell, std::size_t /*index*/) {
+                    return Unquoted(cell).value_or(std::string(cell));
+                  });
+      RemoveTrailingSlashes();
+      RepairCells(Code::kEdgeBlank, "removed the blanks at the edge of ",
+                  [](std::string_view cell, std::size_t /*index*/) { return std::string(TrimEdges(cell)); });
+      RepairCells(Code::kNumberNeverMatches, "wrote as callers ask for it ",
+                  [](std::string_view cell, std::size_t index) {
+                    const std::string meant = index == 3 ? MeantNumber(cell) : std::string();
+                    return meant.empty() ? std::string(cell) : meant;
+                  });
+    }
+    text_ = before + text_ + after;
+  }
+
+  /// Changes each column, and each alternative of columns 1 and 2, with `change`, as far as the line stays
+  /// accepted.
+  template <class Change>
+  void RepairCells(Code code, const std::string& what, const Change& change) {
+    for (std::size_t index = 0; rules_.Allows(code) && index < NS_ASCII::kAlarmColumns; ++index) {
+      Texts columns = SplitAll(text_, '\t');
+      std::string cell = change(columns[index], index);
+      if (cell == columns[index] && index < 2) {
+        Texts alternatives = SplitAll(cell, '/');
+        for (std::string& alternative : alternatives) {
+          alternative = change(alternative, index);
+        }
+        cell = Join(alternatives, '/');
+      }
+      if (cell == columns[index] || cell.empty()) {
+        continue;
+      }
+      std::size_t at = 0;
+      for (std::size_t i = 0; i < index; ++i) {
+        at += columns[i].size() + 1;
+      }
+      columns[index] = cell;
+      const std::string changed = Join(columns, '\t');
+      if (IsAccepted(changed) && KeepsAnswers(changed)) {
+        Set(code, at, what + "column " + std::to_string(index + 1), changed);
+      }
+    }
+  }
+
+  void RemoveTrailingSlashes() {
+    for (std::size_t index = 0; rules_.Allows(Code::kTrailingSlash) && index < 2; ++index) {
+      Texts columns = SplitAll(text_, '\t');
+      if (columns[index].back() == '/') {
+        columns[index].pop_back();
+        Set(Code::kTrailingSlash, columns[0].size() + (index == 0 ? 0 : columns[1].size() + 1),
+            "removed the \"/\" at the end of column " + std::to_string(index + 1), Join(columns, '\t'));
+      }
+    }
+  }
+
+  /// Splits a line that is too long or has too many alternatives.
+  Texts Split() {
+    const ParsedLine parsed = NS_ASCII::ParseLine(text_);
+    const bool isOverlong = text_.size() > kLongestLine;
+    const bool hasTooMany = parsed.outcome == LineOutcome::kRejected &&
+                            parsed.rejection.reason == NS_ASCII::RejectReason::kSixthPart &&
+                            parsed.rejection.split != NS_ASCII::SplitText::kLine;
+    const Code code = isOverlong ? Code::kOverlongLine : Code::kTooManyAlternatives;
+    if (!(isOverlong || hasTooMany) || text_.front() == '#' || !rules_.Allows(code)) {
+      return {text_};
+    }
+    const Texts columns = SplitAll(NS_ASCII::TrimView(text_), '\t');
+    if (columns.size() != NS_ASCII::kAlarmColumns) {
+      return {text_};
+    }
+    const auto lines = SplitAlternatives(AlternativesOf(columns[0]), AlternativesOf(columns[1]), columns);
+    if (!lines ||
+        !std::all_of(lines->begin(), lines->end(), [](const auto& line) { return IsAccepted(line); })) {
+      return {text_};
+    }
+    repairs_.push_back({code, 1, 1, 1, "split the line into " + Counted(lines->size(), "line"), "", 0});
+    Texts repaired;
+    for (const std::string& line : *lines) {
+      const Texts some = LineRepairer(line, rules_, keepsAnswers_, repairs_).Repair(false);
+      repaired.insert(repaired.end(), some.begin(), some.end());
+    }
+    return repaired;
+  }
+
+  static Texts AlternativesOf(const std::string& column) {
+    const bool hasSlash = !column.empty() && column.back() == '/';
+    return SplitAll(std::string_view(column).substr(0, column.size() - (hasSlash ? 1 : 0)), '/');
+  }
+
+  std::string text_;
+  const RepairRules& rules_;
+  const almcfg::KeepsAnswers& keepsAnswers_;
+  std::vector<Finding>& repairs_;
+};
+
+}  // namespace
+
+std::vector<std::string> RepairLine(std::string_view line, bool isFirst, const RepairRules& rules,
+                                    const KeepsAnswers& keepsAnswers, std::vector<Finding>& repairs) {
+  return LineRepairer(line, rules, keepsAnswers, repairs).Repair(isFirst);
+}
+
+std::string Join(const std::vector<std::string>& parts, char separator) {
+  std::string text;
+  for (const std::string& part : parts) {
+    text += (&part == parts.data() ? "" : std::string(1, separator)) + part;
+  }
+  return text;
+}
+
+}  // namespace almcfg

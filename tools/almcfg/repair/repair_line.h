@@ -1,0 +1,42 @@
+#ifndef TOOLS_ALMCFG_REPAIR_REPAIR_LINE_H_
+#define TOOLS_ALMCFG_REPAIR_REPAIR_LINE_H_
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/almcfg/check/finding.h"
+
+/// Repairs that need one line only, such as separators, quotation marks and blanks. The caller decides, by
+/// `KeepsAnswers`, whether a repaired line may replace the original one.
+namespace almcfg {
+
+/// Which findings may be repaired.
+struct RepairRules {
+  CodeSet codes;
+  bool unsafe = false;  ///< also repairs that change the keys and answers of lines that are loaded
+
+  [[nodiscard]] bool Allows(Code code) const {
+    const Repair repair = RuleOf(code).repair;
+    return codes[static_cast<std::size_t>(code)] &&
+           (repair == Repair::kSafe || (repair == Repair::kUnsafe && unsafe));
+  }
+};
+
+/// Returns whether loading the line in place of the original one keeps the answer of every key that had one.
+/// Called for repairs that add keys.
+using KeepsAnswers = std::function<bool(std::string_view line)>;
+
+/// Repairs one line (without its LF) on its own. Returns the lines that replace it, usually one, and appends
+/// what was repaired to `repairs`, of which the caller sets the line number. Repairing the result again
+/// changes nothing.
+std::vector<std::string> RepairLine(std::string_view line, bool isFirst, const RepairRules& rules,
+                                    const KeepsAnswers& keepsAnswers, std::vector<Finding>& repairs);
+
+/// The parts with `separator` between two of them.
+std::string Join(const std::vector<std::string>& parts, char separator);
+
+}  // namespace almcfg
+
+#endif  // TOOLS_ALMCFG_REPAIR_REPAIR_LINE_H_

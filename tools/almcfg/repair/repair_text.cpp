@@ -1,0 +1,245 @@
+#include "tools/almcfg/repair/repair_text.h"
+
+#include <algorithm>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "tools/almcfg/check/answer.h"
+#include "tools/almcfg/check/checker.h"
+#include "tools/almcfg/read/loaded_table.h"
+#include "tools/almcfg/write/printable.h"
+#include "tools/almcfg/write/progress.h"
+
+namespace almcfg {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+/// A line of the repaired file, without its LF, and the original line that it comes from.
+struct OutputLine {
+  std::string text;
+  LineNumber origin;
+};
+
+std::vector<std::string_view> CutLines(std::string_view content) {
+  std::vector<std::string_view> lines;
+  while (!content.empty()) {
+    const std::size_t feed = content.find('\n');
+    const std::size_t size = feed == std::string_view::npos ? content.size() : feed + 1;
+    lines.push_back(content.substr(0, size));
+    content.remove_prefix(size);
+  }
+  return lines;
+}
+
+LoadedTable LoadBytes(std::string_view content) {
+  Progress silent(false);
+  std::vector<SourceText> texts;
+  texts.push_back(SourceText::FromBytes("", content));
+  return {std::move(texts), silent};
+}
+
+/// Whether every later query for a key of `line`, as line `number` of the file, gets the answer it had.
+bool KeepsEveryAnswer(const LoadedTable& before, std::string_view line, LineNumber number) {
+  Records records;
+  NS_ASCII::ListRecords(NS_ASCII::ParseLine(line), records);
+  return std::all_of(records.begin(), records.end(), [&](const Record& record) {
+    const std::optional<Entry> entry = before.Find(record);
+    if (!entry || entry->place.line >= number) {
+      return true;  // The key is new, or its line still comes later and wins.
+    }
+    const Answer answer = AnswerFor(entry->value);
+    return answer.result != 0 || answer == AnswerFor(record.value);
+  });
+}
+
+class TextRepairer {
+ public:
+  TextRepairer(std::string_view content, const RepairRules& rules) : content_(content), rules_(rules) {}
+
+  RepairedText Repair() {
+    const std::vector<std::string_view> lines = CutLines(content_);
+    RepairEachLine(lines);
+    RemoveExactRepeats();
+    if (rules_.unsafe) {
+      RemoveReplacedRecords();
+    }
+    RepairedText result;
+    result.original.assign(lines.begin(), lines.end());
+    result.repaired.resize(lines.size());
+    const bool endsLastLine = EndsLastLine(lines);
+    for (std::size_t i = 0; i < output_.size(); ++i) {
+      const bool isLast = i + 1 == output_.size();
+      result.repaired[output_[i].origin - 1].push_back(output_[i].text +
+                                                       (isLast && !endsLastLine ? "" : "\n"));
+    }
+    std::stable_sort(repairs_.begin(), repairs_.end(),
+                     [](const Finding& a, const Finding& b) { return a.line < b.line; });
+    result.repairs = std::move(repairs_);
+    return result;
+  }
+
+ private:
+  void RepairEachLine(const std::vector<std::string_view>& lines) {
+    const LoadedTable before = LoadBytes(content_);
+    std::size_t crLines = 0;
+    for (LineNumber number = 1; number <= lines.size(); ++number) {
+      std::string_view line = lines[number - 1];
+      line.remove_suffix(line.back() == '\n' ? 1 : 0);
+      std::vector<Finding> repairs;
+      const auto keeps = [&](std::string_view repaired) {
+        return KeepsEveryAnswer(before, repaired, number);
+      };
+      for (std::string& text : RepairLine(line, number == 1, rules_, keeps, repairs)) {
+        output_.push_back({std::move(text), number});
+      }
+      for (Finding& repair : repairs) {
+        repair.line = number;
+        // Line ends are reported once for the whole file.
+        if (repair.code != Code::kCrLineEnds || crLines++ == 0) {
+          repairs_.push_back(std::move(repair));
+        }
+      }
+    }
+    for (Finding& repair : repairs_) {
+      if (repair.code == Code::kCrLineEnds) {
+        repair.message = "removed the CR at the end of " + Counted(crLines, "line");
+      }
+    }
+  }
+
+  [[nodiscard]] LoadedTable LoadOutput() const {
+    std::string text;
+    for (const OutputLine& line : output_) {
+      text += line.text + '\n';
+    }
+    return LoadBytes(text);
+  }
+
+  void Note(Code code, const OutputLine& line, std::string message) {
+    repairs_.push_back({code, line.origin, 1, 1, std::move(message), "", 0});
+  }
+
+  void RemoveExactRepeats() {
+    if (!rules_.Allows(Code::kRepeatedLine)) {
+      return;
+    }
+    const LoadedTable table = LoadOutput();
+    std::vector<OutputLine> kept;
+    for (LineNumber number = 1; number <= output_.size(); ++number) {
+      OutputLine& line = output_[number - 1];
+      const Place place{&table.text(0), number};
+      if (table.IsReached(place) && IsExactRepeat(table, place)) {
+        const LineNumber earlier = output_[table.RepeatsOf(place).front().earlier.line - 1].origin;
+        Note(Code::kRepeatedLine, line, "removed the repeat of line " + Grouped(earlier));
+      } else {
+        kept.push_back(std::move(line));
+      }
+    }
+    output_ = std::move(kept);
+  }
+
+  /// Takes the keys that a later line sets again out of the earlier lines.
+  void RemoveReplacedRecords() {
+    const LoadedTable table = LoadOutput();
+    std::vector<std::set<std::size_t>> replaced(output_.size());
+    for (LineNumber number = 1; number <= output_.size(); ++number) {
+      for (const Repeat& repeat : table.RepeatsOf({&table.text(0), number})) {
+        if (rules_.Allows(CodeFor(repeat, table.text(0)))) {
+          replaced[repeat.earlier.line - 1].insert(repeat.earlierRecord);
+          Note(CodeFor(repeat, table.text(0)), output_[repeat.earlier.line - 1],
+               "removed a key that line " + Grouped(output_[number - 1].origin) + " sets again");
+        }
+      }
+    }
+    std::vector<OutputLine> kept;
+    for (std::size_t i = 0; i < output_.size(); ++i) {
+      if (replaced[i].empty()) {
+        kept.push_back(std::move(output_[i]));
+        continue;
+      }
+      for (std::string& text : LinesWithout(replaced[i], output_[i].text)) {
+        kept.push_back({std::move(text), output_[i].origin});
+      }
+    }
+    output_ = std::move(kept);
+  }
+
+  static Code CodeFor(const Repeat& repeat, const SourceText& text) {
+    const auto valueAt = [&text](LineNumber number) {
+      return NS_ASCII::ParseLine(text.line(number).Loaded()).columns[4];
+    };
+    return valueAt(repeat.place.line) == valueAt(repeat.earlier.line) ? Code::kDuplicateKey
+                                                                      : Code::kValueReplaced;
+  }
+
+  /// Lines for the records that are not `removed`: alternatives of column 1 that keep the same alternatives
+  /// of column 2 share a line.
+  static Texts LinesWithout(const std::set<std::size_t>& removed, const std::string& line) {
+    const NS_ASCII::ParsedLine parsed = NS_ASCII::ParseLine(line);
+    std::vector<std::pair<std::string, std::string>> sides;
+    std::size_t record = 0;
+    for (const std::string_view key1 : parsed.key1s) {
+      std::string key2s;
+      for (const std::string_view key2 : parsed.key2s) {
+        if (removed.count(record++) == 0) {
+          key2s += (key2s.empty() ? "" : "/") + std::string(key2);
+        }
+      }
+      const auto same = std::find_if(sides.begin(), sides.end(),
+                                     [&key2s](const auto& side) { return side.second == key2s; });
+      if (same != sides.end()) {
+        same->first += '/' + std::string(key1);
+      } else if (!key2s.empty()) {
+        sides.emplace_back(key1, key2s);
+      }
+    }
+    Texts lines;
+    for (const auto& [key1s, key2s] : sides) {
+      std::string& half = lines.emplace_back(key1s);
+      for (const std::string_view column :
+           {std::string_view(key2s), parsed.columns[2], parsed.columns[3], parsed.columns[4]}) {
+        half.append(1, '\t').append(column);
+      }
+    }
+    return lines;
+  }
+
+  /// Whether the repaired file ends with a line feed.
+  bool EndsLastLine(const std::vector<std::string_view>& lines) {
+    if (lines.empty() || lines.back().back() == '\n') {
+      return true;
+    }
+    if (!rules_.Allows(Code::kNoFinalLineFeed)) {
+      return false;
+    }
+    const auto number = static_cast<LineNumber>(lines.size());
+    repairs_.push_back({Code::kNoFinalLineFeed, number, lines.back().size() + 1, 1,
+                        "ended the last line with a line feed", "", 0});
+    return true;
+  }
+
+  std::string_view content_;
+  const RepairRules& rules_;
+  std::vector<OutputLine> output_;
+  std::vector<Finding> repairs_;
+};
+
+}  // namespace
+
+std::string RepairedText::Text() const {
+  std::string text;
+  for (const Texts& lines : repaired) {
+    for (const std::string& line : lines) {
+      text += line;
+    }
+  }
+  return text;
+}
+
+RepairedText RepairText(std::string_view content, const RepairRules& rules) {
+  return TextRepairer(content, rules).Repair();
+}
+
+}  // namespace almcfg

@@ -1,0 +1,19 @@
+#ifndef TOOLS_ALMCFG_WRITE_UNIFIED_DIFF_H_
+#define TOOLS_ALMCFG_WRITE_UNIFIED_DIFF_H_
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+/// The output of `almcfg fix --diff`.
+namespace almcfg {
+
+/// Writes a unified diff that patch(1) applies, with three lines around each change; nothing when nothing
+/// changes. `replacements[i]` are the lines in place of `original[i]`; lines have their LF. With `isTerminal`
+/// the lines are made printable, for people.
+void WriteUnifiedDiff(std::ostream& out, const std::string& name, const std::vector<std::string>& original,
+                      const std::vector<std::vector<std::string>>& replacements, bool isTerminal);
+
+}  // namespace almcfg
+
+#endif  // TOOLS_ALMCFG_WRITE_UNIFIED_DIFF_H_
