@@ -1,0 +1,55 @@
+#ifndef TOOLS_RECORDER_FORMAT_READER_H_
+#define TOOLS_RECORDER_FORMAT_READER_H_
+
+#include <cstddef>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "tools/recorder/format/values.h"
+#include "tools/recorder/format/writer.h"
+
+namespace recording_format {
+
+/// Why a line does not belong to a recording. The line is skipped.
+struct Problem {
+  std::size_t column = 1;  ///< byte in the line, from 1
+  std::string text;        ///< one line, without the place
+};
+
+using Line = std::variant<Head, Record, Tail, Problem>;
+
+/// Reads the lines of a recording one at a time.
+///
+/// A record is returned only when its values have the number and the kinds of its operation's signature:
+/// `in`, `before` and `out` are complete, and `result` or `thrown` is present. Unknown members are
+/// ignored. A line that is cut, foreign or too long is a `Problem`, and reading continues.
+/// Several files one after the other are read like one, so a second head may follow a tail.
+///
+/// Borrows the stream. Threads: one at a time.
+class Reader {
+ public:
+  /// A line of more than `maxLine` bytes is a problem.
+  explicit Reader(std::istream& file, std::size_t maxLine = kMaxLine) : file_(file), maxLine_(maxLine) {}
+
+  /// The next line; empty at the end of the file. A failed read also ends the file; the stream's state shows
+  /// it.
+  std::optional<Line> Next();
+
+  /// The number of the line that `Next` returned, from 1.
+  [[nodiscard]] std::size_t LineNumber() const { return number_; }
+
+ private:
+  std::istream& file_;
+  const std::size_t maxLine_;
+  std::string text_;
+  std::size_t number_ = 0;
+};
+
+/// One line without its line end.
+Line ParseLine(const std::string& text);
+
+}  // namespace recording_format
+
+#endif  // TOOLS_RECORDER_FORMAT_READER_H_
