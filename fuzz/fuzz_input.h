@@ -8,10 +8,10 @@
 #include <string>
 #include <string_view>
 
-/// What every fuzz target shares: taking an input apart and saying what did not hold.
+/// Shared by all fuzz targets: splitting an input into parts and reporting a property that does not hold.
 namespace fuzz {
 
-/// An input, taken apart from its front. Every text is a copy of exactly its size, so that a sanitizer sees a
+/// An input, read from its start. Every text is a copy of exactly its size, so that a sanitizer reports a
 /// read one byte beyond it.
 class Input {
  public:
@@ -27,7 +27,7 @@ class Input {
     return byte;
   }
 
-  /// The text before the next '\xFF', which separates the parts of an input; everything when there is none.
+  /// The text before the next '\xFF', which separates the parts of an input; the rest when there is none.
   std::string Part() {
     const std::size_t end = rest_.find('\xFF');
     std::string part(rest_.substr(0, end));
@@ -36,7 +36,7 @@ class Input {
     return part;
   }
 
-  /// Everything that is left.
+  /// The rest of the input.
   std::string Rest() {
     std::string rest(rest_);
     rest.shrink_to_fit();
@@ -48,7 +48,7 @@ class Input {
   std::string_view rest_;
 };
 
-/// Ends the run with the name of the property that `holds` is about, unless it does.
+/// Ends the run with the property's name unless `holds` is true.
 inline void Expect(bool holds, const char* property) {
   if (!holds) {
     std::fprintf(stderr, "fuzz: does not hold: %s\n", property);
@@ -58,7 +58,7 @@ inline void Expect(bool holds, const char* property) {
 
 }  // namespace fuzz
 
-/// The target: called with one input after the other; 0 always.
+/// The target: called once for each input; always returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 #endif  // FUZZ_FUZZ_INPUT_H_

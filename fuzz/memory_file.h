@@ -6,7 +6,7 @@
 
 namespace fuzz {
 
-/// A file in memory that can be opened by its path, for what only reads files.
+/// A file in memory that can be opened by its path, for functions that read only files.
 class MemoryFile {
  public:
   explicit MemoryFile(std::string_view content);

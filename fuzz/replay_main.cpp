@@ -1,5 +1,6 @@
-// Stands in for libFuzzer where there is none: runs the target over the files of the folders it is given, and
-// over every prefix of each, so that fuzz targets build and their corpora are replayed in every build.
+// The main program of a fuzz target in builds without libFuzzer: runs the target over each file of the given
+// folders and over every prefix of each, so that fuzz targets build and their corpora are replayed in every
+// build.
 //
 //   TARGET FOLDER...
 

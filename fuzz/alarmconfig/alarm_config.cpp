@@ -1,9 +1,8 @@
 // The alarm configuration file.
 //
-// Holds for every file whose lines keep to the limit (a longer one never ends its load, which is kept on
-// purpose):
+// Holds for every file whose lines are within the limit (required: a longer line never ends its load):
 //   1. the same entries with the same values as the literal rules, in the same order; the same third columns
-//   2. the same complaints about the same texts, in the same order
+//   2. the same messages about the same texts, in the same order
 //   3. loading once more changes no entry
 // Input: the file.
 
@@ -13,7 +12,7 @@
 
 #include "fuzz/fuzz_input.h"
 #include "fuzz/memory_file.h"
-#include "src/almconfig.h"
+#include "src/alarmconfig/almconfig.h"
 #include "tests/literal_rules.h"
 #include "tests/recording_framework.h"
 
@@ -21,7 +20,7 @@ namespace {
 
 constexpr std::size_t kLongestLine = 1022;
 
-/// The file as far as its lines keep to the limit.
+/// The file up to its first line beyond the limit.
 std::string WithinLineLimit(std::string file) {
   std::size_t start = 0;
   while (start < file.size()) {

@@ -9,14 +9,29 @@
 
 #include "fuzz/fuzz_input.h"
 #include "fuzz/memory_file.h"
-#include "host/config_items.h"
+#include "host/base/problem.h"
+#include "host/platform/config_items.h"
+
+namespace {
+
+/// What is wrong with the file; empty when it was read.
+std::string Load(const std::string& file) {
+  try {
+    host::LoadItems(file);
+    return {};
+  } catch (const host::Failure& problem) {
+    return problem.what();
+  }
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   for (const auto& [name, text] : host::ListItems()) {
     host::UnsetItem(name);
   }
   const fuzz::MemoryFile file(fuzz::Input(data, size).Rest());
-  const std::string problem = host::LoadItems(file.path());
+  const std::string problem = Load(file.path());
   const std::map<std::string, std::string> items = host::ListItems();
   if (!problem.empty()) {
     fuzz::Expect(problem.find('\n') == std::string::npos, "a refusal is one line of text");
@@ -34,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::Expect(readable == parsed.has_value() && (!readable || value == *parsed),
                  "an item is readable as what its text says");
   }
-  host::LoadItems(file.path());
+  Load(file.path());
   fuzz::Expect(host::ListItems() == items, "reading again changes nothing");
   return 0;
 }

@@ -7,10 +7,10 @@
 #include <string>
 
 #include "fuzz/fuzz_input.h"
-#include "host/command.h"
-#include "host/problem.h"
-#include "host/text_escape.h"
-#include "host/words.h"
+#include "host/base/problem.h"
+#include "host/base/text_escape.h"
+#include "host/base/words.h"
+#include "host/commands/command.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ void CheckLine(const std::string& line) {
   }
   fuzz::Expect(host::SplitWords(again) == words, "quoted words are split into themselves");
   if (!words.empty()) {
-    host::CheckCommand(words);
+    host::ParseCommand(words);
   }
 }
 

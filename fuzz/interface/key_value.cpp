@@ -1,10 +1,10 @@
 // Texts of key=value pairs.
 //
-// Holds for every key and text: both operations answer as the literal rules do, and a value is a piece of the
-// text. Input: key, 0xFF, text.
+// Holds for every key and text: both operations answer as the literal rules do, and a value is a substring of
+// the text. Input: key, 0xFF, text.
 
 #include "fuzz/fuzz_input.h"
-#include "src/asciiutilifimpl.h"
+#include "src/interface/asciiutilifimpl.h"
 #include "tests/literal_rules.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

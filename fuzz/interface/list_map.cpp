@@ -1,13 +1,13 @@
 // Texts of name=item|item entries.
 //
 // Holds for every text: the map is that of the literal rules; no list in it is empty; the map's former
-// content does not matter; each list comes out of GetMapList as it is in the map. For any name: the same
-// answer as the literal rules. Input: a name to look up, 0xFF, text.
+// content has no effect; GetMapList returns each list unchanged. For any name: the same answer as the literal
+// rules. Input: a name to look up, 0xFF, text.
 
 #include <vector>
 
 #include "fuzz/fuzz_input.h"
-#include "src/asciiutilifimpl.h"
+#include "src/interface/asciiutilifimpl.h"
 #include "tests/literal_rules.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,13 +1,13 @@
 // Splitting at a separator.
 //
-// Holds for every text and separator that is not empty (with an empty one the operation never ends, which is
-// kept on purpose): the pieces are those of the literal rules; they are appended; none is longer than the
+// Holds for every text and every separator that is not empty (required: with an empty one the operation never
+// ends): the pieces are those of the literal rules; they are appended; none is longer than the
 // text. Input: separator, 0xFF, text.
 
 #include <vector>
 
 #include "fuzz/fuzz_input.h"
-#include "src/asciiutilifimpl.h"
+#include "src/interface/asciiutilifimpl.h"
 #include "tests/literal_rules.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

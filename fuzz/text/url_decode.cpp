@@ -1,7 +1,7 @@
 // Percent decoding.
 //
 // Holds for every text: the result is that of the literal rules, which read escapes with the standard
-// streams; it is not longer than the text; a text without '%' and '+' is itself. Input: the text.
+// streams; it is not longer than the text; a text without '%' and '+' is unchanged. Input: the text.
 
 #include "ascii_util/text_functions.h"
 #include "fuzz/fuzz_input.h"

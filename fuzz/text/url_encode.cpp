@@ -2,10 +2,9 @@
 //
 // Holds for every text, with a converter that changes nothing:
 //   1. the encoding is that of the literal rules
-//   2. it consists of letters, digits and -._*+% alone, and is at most three times as long as the text, but
-//   for line
-//      ends: a line feed may take three bytes more, a carriage return one more
-//   3. a text escaped by SetURLDecoding and decoded is itself again, unless it holds a '+'
+//   2. it consists of letters, digits and -._*+%, and is at most three times as long as the text; each line
+//      feed may take three bytes more, each carriage return one more
+//   3. SetURLDecoding, then GetURLDecoding give the text again, unless it contains a '+'
 // Input: the text.
 
 #include <algorithm>
