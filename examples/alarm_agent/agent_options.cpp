@@ -50,7 +50,7 @@ AgentOptions ParseOptions(int argc, const char* const argv[]) {
     }
     Apply(option, value, options);
     if (value.empty()) {
-      throw SetupError(std::string(option) + " needs a value behind it");
+      throw SetupError(std::string(option) + " needs a value");
     }
   }
   return options;

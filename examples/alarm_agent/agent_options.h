@@ -5,20 +5,20 @@
 
 namespace alarm_agent {
 
-/// More threads than this never help, and a slip of the keyboard shall not start thousands.
+/// A mistyped number must not start thousands of threads.
 inline constexpr int kMaxWorkers = 64;
 
-/// What the agent is told in the arguments of its service configurator directive.
+/// The arguments of the agent's service configurator directive.
 struct AgentOptions {
   std::string feed;                                ///< --feed FILE; empty: standard input
   std::string out;                                 ///< --out FILE, appended to; empty: standard output
   int workers = 1;                                 ///< --workers N, 1 to kMaxWorkers
-  std::string link = "https://noc.example/alarm";  ///< --link BASE, what the links in the messages start with
+  std::string link = "https://noc.example/alarm";  ///< --link BASE, the start of every link
 };
 
-/// Reads the arguments, of which the first is already an option: the service configurator passes no program
-/// name. Throws `SetupError` for an unknown option, a missing or empty value, an option given twice, a worker
-/// count that is out of range.
+/// Parses the arguments. The first is already an option: the service configurator passes no program name.
+/// Throws `SetupError` for an unknown option, a missing or empty value, an option given twice, a worker count
+/// out of range.
 AgentOptions ParseOptions(int argc, const char* const argv[]);
 
 }  // namespace alarm_agent

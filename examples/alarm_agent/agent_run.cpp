@@ -50,13 +50,13 @@ std::string AgentRun::MessageFor(const FeedLine& line) const {
   try {
     return composer_.Compose(line);
   } catch (const std::exception& error) {
-    // Exhausted memory, or a logger that throws: the line is answered all the same.
+    // Exhausted memory, or a logger that throws. Every line yields a message.
     return "line " + std::to_string(line.number) + " of the feed got no message: " + error.what();
   }
 }
 
 void AgentRun::Deliver(const std::string& message) {
-  // Once is enough: what is lost is counted, and told at the end.
+  // The first loss is reported; the total is reported at the end.
   if (!writer_.Write(message) && writer_.Lost() == 1) {
     Report(writer_.Problem());
   }

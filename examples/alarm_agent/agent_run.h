@@ -16,13 +16,14 @@ namespace alarm_agent {
 /// Reports one line in ACE's log, under the agent's name. Any thread.
 void Report(const std::string& text);
 
-/// A feed on its way to becoming messages: reader, composer and writer, and the threads that drive them.
+/// Turns one feed into messages: reader, composer and writer, and the threads that drive them.
 ///
-/// Ownership: its files and threads; borrows the interface, which must outlive it.
+/// Ownership: owns its files and threads; borrows the interface, which must outlive it.
 /// Threads: one owner. The destructor returns when all threads have ended.
 class AgentRun {
  public:
-  /// Opens the files and starts the threads. Throws `SetupError`, or `std::system_error` without threads.
+  /// Opens the files and starts the threads. Throws `SetupError`, or `std::system_error` when the system
+  /// refuses a thread.
   AgentRun(const AgentOptions& options, NS_ASCII::AsciiUtilInterface& util);
   ~AgentRun();
   AgentRun(const AgentRun&) = delete;

@@ -11,17 +11,17 @@ namespace {
 using NS_ASCII::AsciiUtilInterface;
 using NS_ASCII::ListMap;
 
-// A longer number would be cut to 32 bits by the conversion, which does not tell.
+// Str2Num cuts longer numbers to 32 bits without an error.
 constexpr std::size_t kLongestNumber = 9;
 
-/// Found while reading, told by ReadAlarm; goes no further.
+/// Thrown while parsing, caught by ReadAlarm.
 class Malformed : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
 std::string OptionalField(AsciiUtilInterface& util, const std::string& key, const std::string& text) {
   const std::string value = util.GetKeyValue(key, text);
-  // An empty value comes back as the rest of the text, commas and all; no other value has a comma.
+  // The result for an empty value is the rest of the text with its commas; no other value has a comma.
   return value.find(',') == std::string::npos ? NS_ASCII::Trim(value) : "";
 }
 
@@ -37,12 +37,12 @@ int NumberField(AsciiUtilInterface& util, const std::string& text) {
   const std::string value = Field(util, "NUMBER", text);
   int number = 0;
   if (value.size() > kLongestNumber || !util.Str2Num(value, number, 10)) {
-    throw Malformed("NUMBER is \"" + value + "\", which is no integer of at most nine characters");
+    throw Malformed("NUMBER is \"" + value + "\", not an integer of at most nine characters");
   }
   return number;
 }
 
-/// How often the alarm came. Whatever number COUNT starts with counts.
+/// The number that COUNT starts with.
 int CountField(AsciiUtilInterface& util, const std::string& text) {
   int count = 1;
   if (util.IsKeyValueAboveOne("COUNT", text)) {
@@ -65,7 +65,7 @@ std::vector<std::string> ListField(AsciiUtilInterface& util, const std::string& 
 ListMap Lists(AsciiUtilInterface& util, const std::string& text) {
   ListMap lists;
   util.ParseListMap(lists, text);
-  // What stands between two commas without a "=" is listed under no name.
+  // A part without "=" is listed under the empty name.
   if (lists.count("") != 0) {
     throw Malformed("not every part is KEY=VALUE");
   }

@@ -9,16 +9,16 @@
 
 namespace alarm_agent {
 
-/// One alarm of the feed, taken apart.
+/// One parsed alarm.
 ///
 /// The feed's text is comma-separated key=value pairs in any order; unknown keys are ignored:
-///   ID         what the element calls the alarm
+///   ID         the element's identifier of the alarm
 ///   KIND       COM, EQU, ENV, PRO or QOS
 ///   EQUIPMENT  type of the element, as in the alarm configuration
 ///   CAUSE      short name of the cause, as in the alarm configuration
 ///   NUMBER     the specific problem, an integer of at most nine characters
 ///   AFFECTED   a list, items separated by "|"
-///   PATH       where the element stands, from the outside in, separated by "-"
+///   PATH       the element's location, outermost first, separated by "-"
 ///   COUNT      how often, optional
 ///   TEXT       free text without a comma, optional
 struct Alarm {
@@ -27,13 +27,14 @@ struct Alarm {
   std::string equipment;
   std::string cause;
   int number = 0;
-  std::vector<std::string> affected;  ///< none of them empty, at least one; so is `path`
+  std::vector<std::string> affected;  ///< at least one, none empty; the same for `path`
   std::vector<std::string> path;
-  int count = 1;     ///< above 1 when the alarm came several times
+  int count = 1;     ///< how often the alarm was raised
   std::string text;  ///< in upper case
 };
 
-/// Takes `text` apart with the interface's help. None when it is no alarm; `problem` (out) then says why.
+/// Parses `text` with the interface. Returns nothing when it is not an alarm; `problem` (out) is then the
+/// reason.
 std::optional<Alarm> ReadAlarm(NS_ASCII::AsciiUtilInterface& util, const std::string& text,
                                std::string& problem);
 

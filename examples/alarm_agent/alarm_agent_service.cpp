@@ -20,7 +20,7 @@ NS_ASCII::AsciiUtilInterface& FetchUtil() {
     if (auto* const util = NS_BUNDLEMGR1::FetchInterface<NS_ASCII::AsciiUtilInterface>(ref)) {
       return *util;
     }
-  } catch (NS_BUNDLEMGR1::InterfaceNotExistException&) {  // Said below.
+  } catch (NS_BUNDLEMGR1::InterfaceNotExistException&) {  // Reported below.
   }
   throw SetupError("there is no \"AsciiUtilInterface\"; load ii_ascii_util before this bundle");
 }

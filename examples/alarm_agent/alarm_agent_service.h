@@ -16,8 +16,8 @@ class AgentRun;
 ///
 /// Life: `init` fetches the interface and starts the worker threads; `fini` lets them read what the feed
 /// still holds, joins them and drops the interface. After that no code of this bundle runs on any thread, so
-/// that it can be unloaded, and `init` may start anew. This bundle goes before the one whose interface it
-/// uses; the service configurator closes services in the reverse order of their loading.
+/// that it can be unloaded, and `init` may be called again. Unload this bundle before the one whose interface
+/// it uses; the service configurator closes services in the reverse order of their loading.
 ///
 /// Threads: the framework makes these calls one at a time.
 class AlarmAgent : public NS_BUNDLEMGR1::ServiceObjectBase {
@@ -27,8 +27,8 @@ class AlarmAgent : public NS_BUNDLEMGR1::ServiceObjectBase {
   /// Ends a run that `fini` has not ended.
   ~AlarmAgent() override;
 
-  /// Ends the run. -1, with a line in ACE's log, when messages of it are lost because they could not be
-  /// written; else 0, also without a run.
+  /// Ends the run. Returns -1, with a line in ACE's log, when messages could not be written; else 0, also
+  /// without a run.
   int fini() override;
 
   /// Starts a run with the arguments of `ParseOptions`. -1, with one line in ACE's log that says why, when an

@@ -25,7 +25,7 @@ struct stat StatOf(int fd) {
 }
 
 int OpenFeed(const std::string& path, const std::string& name) {
-  // Opened without waiting: a named pipe that nobody writes to yet must not hold up the process.
+  // Non-blocking, so that a named pipe without a writer does not block the process.
   const int fd = path.empty() ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
                               : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) {
@@ -72,7 +72,7 @@ bool FeedReader::Next(FeedLine& line) {
 void FeedReader::Finish() {
   finishing_ = true;
   const std::uint64_t one = 1;
-  // Can only fail when the counter is full, and then it is readable, which is all that is wanted.
+  // Fails only when the counter is full, and then it is readable, which is what is needed.
   static_cast<void>(!::write(wake_.get(), &one, sizeof one));
 }
 

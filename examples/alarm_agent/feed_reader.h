@@ -16,42 +16,42 @@ namespace alarm_agent {
 
 /// Reads a feed line by line: a file, a pipe, a terminal.
 ///
-/// A file ends where it ends; at a pipe or a terminal the reader waits for more, until the writer closes it
-/// or `Finish` is called. The last line counts with or without a line feed, and an empty line is a line.
+/// A file is read to its end. On a pipe or a terminal the reader waits for more until the writer closes it or
+/// `Finish` is called. The last line needs no line feed; an empty line is a line.
 ///
-/// Ownership: the descriptor, for standard input a duplicate of it.
+/// Ownership: owns its descriptor, for standard input a duplicate.
 /// Threads: one at a time calls `Next` and `Problem`; any thread calls `Finish`.
 class FeedReader {
  public:
-  /// The longest line that is kept whole. One alarm is far shorter; a feed without line feeds shall not fill
-  /// the memory.
+  /// The longest line that is kept whole. Alarms are far shorter; the limit bounds the memory that a feed
+  /// without line feeds takes.
   static constexpr std::size_t kMaxLine = 65536;
 
   /// Opens the file `path`, standard input when that is empty. Throws `SetupError` when it cannot be read.
   explicit FeedReader(const std::string& path);
 
-  /// Moves the next line into `line`. False at the end of the feed, and from then on.
+  /// Moves the next line into `line`. Returns false at the end of the feed and ever after.
   bool Next(FeedLine& line);
 
-  /// Asks for an end: what the feed holds when this is noticed is still read, but nothing is waited for any
-  /// more. A `Next` that waits returns. Cannot be taken back.
+  /// Ends the reading: what the feed holds now is still read, then `Next` returns false. Wakes a waiting
+  /// `Next`. Cannot be undone.
   void Finish();
 
-  /// Why the feed ended before its end; empty when it did not.
+  /// Why reading failed; empty when it did not.
   [[nodiscard]] const std::string& Problem() const { return problem_; }
 
-  /// Whether both descriptors lead to the same regular file.
+  /// Whether `fd` refers to the same regular file.
   [[nodiscard]] bool IsSameFile(int fd) const;
 
  private:
   /// Reads the next chunk, waiting for it; false when there is none.
   bool Fill();
-  /// Waits until the feed can be read or an end is asked for; whether it can be read. False when a signal
-  /// came, too.
+  /// Waits until the feed can be read or `Finish` is called. Returns whether it can be read; false also after
+  /// a signal.
   bool WaitForInput() const;
-  /// How much the next read may ask for.
+  /// The most bytes that the next read may take.
   [[nodiscard]] std::size_t Allowance() const;
-  /// How many bytes can be read without waiting for somebody to write them.
+  /// How many bytes can be read without waiting.
   [[nodiscard]] std::uint64_t Held() const;
 
   const std::string name_;
@@ -62,8 +62,8 @@ class FeedReader {
   std::atomic<bool> finishing_ = false;
 
   std::array<char, 65536> chunk_;
-  std::string_view rest_;                   ///< what is left of `chunk_`
-  std::optional<std::uint64_t> remaining_;  ///< what may still be read, once finishing has been noticed
+  std::string_view rest_;                   ///< the unread end of `chunk_`
+  std::optional<std::uint64_t> remaining_;  ///< bytes that may still be read after `Finish`
   std::uint64_t number_ = 0;
   bool ended_ = false;
   std::string problem_;

@@ -64,7 +64,7 @@ std::string MessageComposer::ComposeAlarm(const Alarm& alarm) const {
 
 std::string MessageComposer::ComposeMalformed(const FeedLine& line, const std::string& problem) const {
   const std::string complaint =
-      "line " + std::to_string(line.number) + " of the feed is no alarm: " + problem;
+      "line " + std::to_string(line.number) + " of the feed is not an alarm: " + problem;
   util_.WriteDbgLog(complaint);
   return util_.GetTimeStamp() + " MALFORMED " + complaint;
 }
@@ -76,7 +76,7 @@ std::string MessageComposer::Severity(const Alarm& alarm) const {
   if (util_.IsContain("CEASED", alarm.text)) {
     severity = kCleared;
   } else if (!isConfigured) {
-    return "SEVERITY?";  // Something is configured, but no number.
+    return "SEVERITY?";  // The configured value is not a number.
   }
   if (severity < 0 || severity >= static_cast<std::int64_t>(kSeverities.size())) {
     return "SEVERITY=" + std::to_string(severity);

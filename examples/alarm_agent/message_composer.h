@@ -14,18 +14,16 @@ namespace alarm_agent {
 ///   2026-11-15T09:11:44 CRITICAL COM BTS LOS/7 at NORTH/BSC07/BTS0217: ABIS LINK DOWN, 3 times [TRX1, TRX2]
 ///   LINK
 ///
-/// The severity is what the alarm configuration has for kind, equipment, cause and number; 0, and so what is
-/// not configured, reads INDETERMINATE. A text with "CEASED" in it is the end of an alarm, CLEARED whatever
-/// is configured. With the operator-specific translation switched on, the severity is written as the
-/// operator's priority, P0 to P5. A line that is no alarm gives a message that says so, with the line's
-/// number.
+/// The severity is the configured value for kind, equipment, cause and number. 0, and so every alarm that is
+/// not configured, reads INDETERMINATE. An alarm whose text holds "CEASED" reads CLEARED. With the
+/// operator-specific translation switched on, the severity is written as the operator's priority, P0 to P5. A
+/// line that is not an alarm yields a message with its number and the reason.
 ///
 /// Ownership: borrows the interface, which must outlive it.
-/// Threads: keeps nothing between calls; any number of threads may compose at the same time.
-/// The message depends on the line and on what the interface answers, and on nothing else.
+/// Threads: any thread at any time; no state is kept between calls.
 class MessageComposer {
  public:
-  /// `link` is what the links start with.
+  /// `link` is the start of every link.
   MessageComposer(NS_ASCII::AsciiUtilInterface& util, std::string link);
 
   /// One line of text, without a line end; control characters have become '?'.

@@ -8,22 +8,21 @@
 
 namespace alarm_agent {
 
-/// Writes messages, one a line, to a file or to standard output. Each is handed to the system at once, so
-/// whoever watches the file sees it.
+/// Writes messages, one a line, to a file or to standard output, without buffering.
 ///
-/// Ownership: the descriptor, for standard output a duplicate of it.
+/// Ownership: owns its descriptor, for standard output a duplicate.
 /// Threads: one at a time.
 class MessageWriter {
  public:
-  /// Opens the file `path` for appending (messages of an earlier run stay), makes it when it is missing;
-  /// standard output when `path` is empty. Throws `SetupError` when it cannot be written.
+  /// Opens the file `path` for appending and creates it when it is missing; an empty `path` means standard
+  /// output. Throws `SetupError` when it cannot be opened.
   explicit MessageWriter(const std::string& path);
 
   /// Writes one message. False when it cannot be written; it then counts as lost.
   bool Write(const std::string& message);
 
   [[nodiscard]] std::uint64_t Lost() const { return lost_; }
-  /// Why the last one was lost.
+  /// Why the last lost message was lost.
   [[nodiscard]] const std::string& Problem() const { return problem_; }
   [[nodiscard]] int Descriptor() const { return fd_.get(); }
 

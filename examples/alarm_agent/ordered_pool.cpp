@@ -24,27 +24,27 @@ void OrderedPool::Join() {
 
 void OrderedPool::Run() {
   FeedLine line;
-  std::uint64_t turn = 0;
-  while (Take(line, turn)) {
-    PutDown(turn, work_(line));
+  std::uint64_t number = 0;
+  while (Take(line, number)) {
+    Deliver(number, work_(line));
   }
 }
 
-bool OrderedPool::Take(FeedLine& line, std::uint64_t& turn) {
+bool OrderedPool::Take(FeedLine& line, std::uint64_t& number) {
   const std::lock_guard<std::mutex> guard(sourceLock_);
   hasEnded_ = hasEnded_ || !source_(line);
   if (hasEnded_) {
     return false;
   }
-  turn = taken_++;
+  number = taken_++;
   return true;
 }
 
-void OrderedPool::PutDown(std::uint64_t turn, std::string result) {
+void OrderedPool::Deliver(std::uint64_t number, std::string result) {
   std::unique_lock<std::mutex> guard(resultLock_);
-  // Never waits for itself: the thread whose turn is due is within the window.
-  dueMoved_.wait(guard, [&] { return turn - due_ < kWindow; });
-  finished_.emplace(turn, std::move(result));
+  // The thread whose number is due is within the window, so at least one thread can go on.
+  dueMoved_.wait(guard, [&] { return number - due_ < kWindow; });
+  finished_.emplace(number, std::move(result));
   while (!finished_.empty() && finished_.begin()->first == due_) {
     sink_(finished_.begin()->second);
     finished_.erase(finished_.begin());

@@ -14,53 +14,52 @@
 
 namespace alarm_agent {
 
-/// Several threads that take lines from one source, work on them at the same time, and hand the results on in
-/// the order in which the lines were taken: one result for each line, none lost, none twice.
+/// Several threads that take lines from one source, work on them concurrently, and pass the results to a sink
+/// in the order of the lines: exactly one result for each line.
 ///
-/// How the order is kept: taking a line gives it a turn. A finished result is put down under its turn, and
-/// whoever puts down the one that is due hands it on, with all that follow without a gap. A thread that is
-/// more than `kWindow` turns ahead waits, so that one slow line does not make the results of the others pile
-/// up.
+/// Each line gets a number when it is taken. A finished result is stored under that number; the thread that
+/// stores the next one due passes it to the sink, with all that follow without a gap. A thread that is more
+/// than `kWindow` numbers ahead waits, which bounds the number of stored results.
 ///
 /// Threads: one owner calls `Start` and `Join`. The three functions are called on the pool's threads:
 /// `source` and `sink` by one thread at a time each (but at the same time as each other), `work` by all of
 /// them at once. None may throw.
 class OrderedPool {
  public:
-  /// Fills in the next line; false at the end, after which it is not asked again.
+  /// Fills in the next line. Returns false at the end and is not called again.
   using Source = std::function<bool(FeedLine& line)>;
   using Work = std::function<std::string(const FeedLine& line)>;
   using Sink = std::function<void(const std::string& result)>;
 
-  /// How far the first unfinished line may lie behind the results that wait for it.
+  /// How many numbers a thread may be ahead of the first unfinished line.
   static constexpr std::uint64_t kWindow = 256;
 
   OrderedPool(Source source, Work work, Sink sink);
 
-  /// Waits for the source's end, like `Join`. Whoever destroys a started pool sees to it that the source
-  /// ends.
+  /// Waits for the source's end, like `Join`.
   ~OrderedPool();
 
   OrderedPool(const OrderedPool&) = delete;
   OrderedPool& operator=(const OrderedPool&) = delete;
 
-  /// Starts so many threads. Throws `std::system_error` when the system has no more; those that it had are
-  /// running then.
+  /// Starts `threads` threads. Throws `std::system_error` when the system refuses one; those already started
+  /// keep running.
   void Start(int threads);
 
-  /// Waits until the source has ended and every result has been handed on. Does nothing when none is running.
+  /// Waits until the source has ended and every result has been passed to the sink. Does nothing when no
+  /// thread runs.
   void Join();
 
  private:
   void Run();
-  bool Take(FeedLine& line, std::uint64_t& turn);
-  void PutDown(std::uint64_t turn, std::string result);
+  bool Take(FeedLine& line, std::uint64_t& number);
+  void Deliver(std::uint64_t number, std::string result);
 
   const Source source_;
   const Work work_;
   const Sink sink_;
 
-  // The owner's.
+  // Used by the owner only.
   std::vector<std::thread> threads_;
 
   // Under `sourceLock_`.
@@ -72,7 +71,7 @@ class OrderedPool {
   std::mutex resultLock_;
   std::condition_variable dueMoved_;
   std::uint64_t due_ = 0;
-  std::map<std::uint64_t, std::string> finished_;  ///< by turn
+  std::map<std::uint64_t, std::string> finished_;  ///< by number
 };
 
 }  // namespace alarm_agent

@@ -5,7 +5,7 @@
 
 namespace alarm_agent {
 
-/// Owns a file descriptor; closes it at the end. Negative: owns none.
+/// Owns a file descriptor and closes it. A negative number: none.
 class UniqueFd {
  public:
   explicit UniqueFd(int fd) : fd_(fd) {}
