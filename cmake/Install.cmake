@@ -1,10 +1,10 @@
-# What `cmake --install` puts where, in three components: `runtime` (the bundle and what it is linked to), `development`
+# Rules of `cmake --install`, in three components: `runtime` (the bundle and what it is linked to), `development`
 # (headers, CMake package, pkg-config files, pages) and `tools` (programs and their manual pages). Also gives a project that
 # adds this one as a subdirectory the same target names that the installed CMake package has.
 
 include(CMakePackageConfigHelpers)
 
-# Headers for callers that meet the interface only at run time: nothing of the bundle is linked.
+# Headers for callers that fetch the interface at run time and do not link the bundle.
 add_library(ascii_util_caller_headers INTERFACE)
 target_link_libraries(ascii_util_caller_headers INTERFACE ascii_util_headers ACE::ACE)
 target_include_directories(ascii_util_headers INTERFACE $<INSTALL_INTERFACE:${ASCII_UTIL_INSTALL_HEADERDIR}>)
@@ -18,9 +18,13 @@ set(exported ii_ascii_util ascii_util_headers ascii_util_caller_headers)
 if(TARGET bundle_host_lib)
   add_library(ii_ascii_util::platform ALIAS bundle_host_lib)
   set_target_properties(bundle_host_lib PROPERTIES EXPORT_NAME platform)
-  # The bundle finds the platform beside it, wherever the two are put.
+  # The bundle finds the platform in its own directory, so that the two can be moved together.
   set_target_properties(ii_ascii_util PROPERTIES INSTALL_RPATH "$ORIGIN")
   list(APPEND exported bundle_host_lib)
+endif()
+if(TARGET ii_ascii_recorder)
+  # Loaded by name and never linked against, so it is not exported.
+  set_target_properties(ii_ascii_recorder PROPERTIES INSTALL_RPATH "$ORIGIN")
 endif()
 set(programs)
 foreach(program bundle_host almcfg)
@@ -35,7 +39,7 @@ if(NOT ASCII_UTIL_INSTALL)
   return()
 endif()
 
-# ascii_util_absolute(OUT DIR): DIR below the prefix, as an absolute path; an absolute DIR is what it is.
+# ascii_util_absolute(OUT DIR): DIR below the prefix, as an absolute path; an absolute DIR is returned unchanged.
 function(ascii_util_absolute out dir)
   cmake_path(ABSOLUTE_PATH dir BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX} NORMALIZE OUTPUT_VARIABLE path)
   set(${out} ${path} PARENT_SCOPE)
@@ -49,6 +53,9 @@ if(TARGET bundle_host)
 endif()
 
 install(TARGETS ${exported} EXPORT ii_ascii_util LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime)
+if(TARGET ii_ascii_recorder)
+  install(TARGETS ii_ascii_recorder LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime)
+endif()
 if(programs)
   install(TARGETS ${programs} EXPORT ii_ascii_util-tools
           RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
@@ -71,7 +78,8 @@ if(programs)
 endif()
 
 # --- pkg-config ---------------------------------------------------------------------------------------------------------
-# Paths below the prefix are written relative to the file, so that the tree can be moved; absolute ones as they are.
+# Paths below the prefix are written relative to the file, so that the tree can be moved; absolute paths are written
+# unchanged. A tree below /usr is not moved, and compilers and linkers search there without options.
 function(ascii_util_pc_path out dir)
   if(NOT IS_ABSOLUTE ${dir})
     set(dir "\${prefix}/${dir}")
@@ -79,7 +87,11 @@ function(ascii_util_pc_path out dir)
   set(${out} ${dir} PARENT_SCOPE)
 endfunction()
 
-if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
+set(PC_LIBS "-L\${libdir} -Wl,-rpath-link,\${libdir} -lii_ascii_util")
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(PC_PREFIX /usr)
+  set(PC_LIBS -lii_ascii_util)
+elseif(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
   set(PC_PREFIX ${CMAKE_INSTALL_PREFIX})
 else()
   cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${libdir}/pkgconfig OUTPUT_VARIABLE up)
@@ -88,22 +100,22 @@ else()
 endif()
 ascii_util_pc_path(PC_LIBDIR ${CMAKE_INSTALL_LIBDIR})
 ascii_util_pc_path(PC_HEADERDIR ${ASCII_UTIL_INSTALL_HEADERDIR})
-ascii_util_pc_path(PC_DATADIR ${ASCII_UTIL_INSTALL_DATADIR})
+ascii_util_pc_path(PC_ARCHDIR ${ASCII_UTIL_INSTALL_ARCHDIR})
 foreach(package ii_ascii_util ii_ascii_util-headers)
   configure_file(cmake/${package}.pc.in ${PROJECT_BINARY_DIR}/${package}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${package}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endforeach()
 
 # --- sample svc.conf ----------------------------------------------------------------------------------------------------
-# Names the installed file, so it is written when the prefix is known for good: at installation.
+# Names the installed file, so it is written at installation, when the prefix is final.
 install(CODE "
   set(libdir \"${CMAKE_INSTALL_LIBDIR}\")
-  set(datadir \"${ASCII_UTIL_INSTALL_DATADIR}\")
-  foreach(dir libdir datadir)
+  set(archdir \"${ASCII_UTIL_INSTALL_ARCHDIR}\")
+  foreach(dir libdir archdir)
     cmake_path(ABSOLUTE_PATH \${dir} BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\" NORMALIZE)
   endforeach()
   configure_file(\"${PROJECT_SOURCE_DIR}/cmake/svc.conf.in\" \"${PROJECT_BINARY_DIR}/svc.conf\" @ONLY)
-  file(INSTALL \"${PROJECT_BINARY_DIR}/svc.conf\" DESTINATION \"\${datadir}\")
+  file(INSTALL \"${PROJECT_BINARY_DIR}/svc.conf\" DESTINATION \"\${archdir}\")
 " COMPONENT runtime)
 
 # --- pages --------------------------------------------------------------------------------------------------------------

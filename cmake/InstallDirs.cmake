@@ -8,4 +8,5 @@ if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_INSTALL_LIBDIR AND CMAKE_LIBRARY_A
 endif()
 include(GNUInstallDirs)
 set(ASCII_UTIL_INSTALL_HEADERDIR ${CMAKE_INSTALL_INCLUDEDIR}/ii_ascii_util)
-set(ASCII_UTIL_INSTALL_DATADIR ${CMAKE_INSTALL_DATADIR}/ii_ascii_util)
+# Files that differ between architectures, so that several can be installed beside each other.
+set(ASCII_UTIL_INSTALL_ARCHDIR ${CMAKE_INSTALL_LIBDIR}/ii_ascii_util)

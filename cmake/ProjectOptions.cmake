@@ -12,13 +12,13 @@ if(ASCII_UTIL_WERROR)
   target_compile_options(ascii_util_options INTERFACE -Werror)
 endif()
 
-# A unique-binding symbol would pin a library for ever; an unload must really unmap it. Only GCC makes them.
+# A symbol of unique binding keeps a library mapped; an unload must unmap it. Only GCC makes such symbols.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(ascii_util_options INTERFACE -fno-gnu-unique)
 endif()
 
-# What is shipped shall not tell where it was built, so that two builds anywhere give the same file. Builds for a
-# debugger or for coverage keep the full paths.
+# Release files do not contain the path of the build, so that builds in different directories give the same files. Builds
+# for a debugger or for coverage keep the full paths.
 target_compile_options(ascii_util_options INTERFACE
   $<$<CONFIG:Release,MinSizeRel,RelWithDebInfo>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>
   $<$<CONFIG:Release,MinSizeRel,RelWithDebInfo>:-ffile-prefix-map=${PROJECT_BINARY_DIR}=build>)
@@ -30,20 +30,20 @@ if(ASCII_UTIL_SANITIZE)
   target_compile_options(ascii_util_options INTERFACE
     -fsanitize=${ASCII_UTIL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
   target_link_options(ascii_util_options INTERFACE -fsanitize=${ASCII_UTIL_SANITIZE})
-  # GCC loses sight of what is initialised once its sanitizers have been at it, and then blames the standard library.
+  # With its sanitizers, GCC warns of uninitialised variables in the standard library that are initialised.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(ascii_util_options INTERFACE -Wno-maybe-uninitialized)
   endif()
 endif()
 if(ASCII_UTIL_COVERAGE)
-  # Atomic, because tests count on several threads; the counts would otherwise come out torn.
+  # Atomic, because tests count on several threads; other counters would lose counts.
   target_compile_options(ascii_util_options INTERFACE --coverage -fprofile-abs-path -fprofile-update=atomic)
-  # The function by which a process that is about to abort writes its counters.
+  # Links the function with which a process writes its counters before it aborts.
   target_link_options(ascii_util_options INTERFACE --coverage -Wl,--undefined=__gcov_dump)
 endif()
 
 # For shared libraries: every symbol must be found when the library is linked. Clang links a sanitizer's run time into
-# programs only, so an instrumented library of its has open ends.
+# programs only, so a library that Clang instruments has undefined symbols.
 set(ascii_util_no_undefined -Wl,--no-undefined)
 if(ASCII_UTIL_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   set(ascii_util_no_undefined "")

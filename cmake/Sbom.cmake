@@ -1,5 +1,5 @@
 # The bill of materials, built with the rest and installed beside it: which Debian packages, in which versions, the built
-# files are linked to. It needs the package database, so elsewhere there is none.
+# files are linked to. It needs the package database, so other systems than Debian do without it.
 
 find_package(Python3 QUIET COMPONENTS Interpreter)
 find_program(DPKG_QUERY dpkg-query)
@@ -9,14 +9,23 @@ endif()
 
 set(sbom ${PROJECT_BINARY_DIR}/ii_ascii_util.cdx.json)
 set(sbom_targets ii_ascii_util bundle_host_lib ${programs})
+if(TARGET ii_ascii_recorder)
+  list(APPEND sbom_targets ii_ascii_recorder)
+endif()
 list(TRANSFORM sbom_targets REPLACE "(.+)" "$<TARGET_FILE:\\1>" OUTPUT_VARIABLE sbom_files)
-# Libraries of headers leave no trace in a file.
+# Header libraries cannot be found in the built files, so they are named here.
 set(sbom_headers --compiled-in libcli11-dev --compiled-in nlohmann-json3-dev)
+# The target's libraries, which in a cross build are not the build machine's. A cross compiler lists its own copies first.
+set(sbom_directories)
+foreach(dir /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE} /lib/${CMAKE_LIBRARY_ARCHITECTURE}
+            ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES} ${ACE_LIBRARY_DIRS})
+  list(APPEND sbom_directories --directory ${dir})
+endforeach()
 add_custom_command(
   OUTPUT ${sbom}
   COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/cmake/sbom.py --name ${PROJECT_NAME} --version ${PROJECT_VERSION}
-          --output ${sbom} ${sbom_headers} ${sbom_files}
+          --output ${sbom} ${sbom_headers} ${sbom_directories} ${sbom_files}
   DEPENDS cmake/sbom.py ${sbom_targets}
   VERBATIM)
 add_custom_target(sbom ALL DEPENDS ${sbom})
-install(FILES ${sbom} DESTINATION ${ASCII_UTIL_INSTALL_DATADIR} COMPONENT runtime)
+install(FILES ${sbom} DESTINATION ${ASCII_UTIL_INSTALL_ARCHDIR} COMPONENT runtime)

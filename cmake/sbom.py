@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Writes a software bill of materials (CycloneDX 1.5, JSON) for built files, from what they are really linked to.
 
-  sbom.py --name NAME --version VERSION --output FILE [--compiled-in PACKAGE]... BINARY...
+  sbom.py --name NAME --version VERSION --output FILE [--compiled-in PACKAGE]... [--directory DIR]... BINARY...
 
-Each BINARY becomes a component of NAME. What it needs is read from its dynamic section, what that needs from there on, and
-every library is looked up in the package database of the system it is built on, so names and versions are those of the
-Debian packages. --compiled-in names packages of headers only, which leave no trace in a file. The same input gives the same
-output.
+Each BINARY becomes a component of NAME. What it needs is read from its dynamic section, what that needs from there on.
+Libraries are searched for in each DIR in turn: those of the target, which need not be the machine that builds. Their names,
+versions and architectures are those of the Debian packages that own them. --compiled-in names packages of headers only,
+which leave no trace in a file. The same input gives the same output.
 """
 import argparse
 import json
@@ -14,6 +14,7 @@ import pathlib
 import re
 import subprocess
 import sys
+import urllib.parse
 import uuid
 
 
@@ -33,35 +34,28 @@ def needed(path):
     return re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "--dynamic", "--wide", str(path)))
 
 
-def system_libraries():
-    """Path of each library that the dynamic linker knows, by name; the first one counts, as it does for the linker."""
-    paths = {}
-    for name, path in re.findall(r"^\s*(\S+) \(.*\) => (\S+)$", run("/sbin/ldconfig", "-p"), re.MULTILINE):
-        paths.setdefault(name, path)
-    return paths
-
-
 def owner(path):
-    """The package that brought the file. The database may know it by its path before or behind a merged /usr."""
+    """The package that brought the file, with its architecture. The database may know the file by its path before or after
+    a merged /usr."""
     for candidate in [path, f"/usr{path}", path.removeprefix("/usr"), str(pathlib.Path(path).resolve())]:
         done = subprocess.run(["dpkg-query", "--search", candidate], text=True, stdout=subprocess.PIPE,
                               stderr=subprocess.DEVNULL, check=False)
         if done.returncode == 0:
-            return done.stdout.splitlines()[0].split(",")[0].rsplit(": ", 1)[0]
+            return done.stdout.splitlines()[0].rsplit(": ", 1)[0].split(",")[0]
     raise Failure(f"{path} belongs to no package")
 
 
 def package_component(package):
-    name, version, architecture = run("dpkg-query", "--show", "--showformat=${Package}\t${Version}\t${Architecture}",
-                                      package).split("\t")
-    purl = f"pkg:deb/debian/{name}@{version.replace('+', '%2B').replace(':', '%3A')}?arch={architecture}"
+    lines = run("dpkg-query", "--show", "--showformat=${Package}\t${Version}\t${Architecture}\n", package).splitlines()
+    name, version, architecture = lines[0].split("\t")
+    purl = f"pkg:deb/debian/{urllib.parse.quote(name)}@{urllib.parse.quote(version)}?arch={architecture}"
     return {"type": "library", "bom-ref": purl, "name": name, "version": version, "purl": purl, "properties": []}
 
 
 class Bill:
-    def __init__(self, own):
+    def __init__(self, own, directories):
         self.own = own              # our files by the name they are asked for
-        self.libraries = system_libraries()
+        self.directories = directories
         self.components = {}        # package components by reference
         self.reference_of = {}      # package reference by library name
         self.depends = {}           # references by reference
@@ -70,9 +64,7 @@ class Bill:
         """The reference of the package that a library is from. Follows what that library needs in turn."""
         if library in self.reference_of:
             return self.reference_of[library]
-        if library not in self.libraries:
-            raise Failure(f"{library} is needed, but the dynamic linker does not know it")
-        path = self.libraries[library]
+        path = self.find(library)
         reference = self.add_package(owner(path))
         self.reference_of[library] = reference
         self.components[reference]["properties"].append({"name": "linked:soname", "value": library})
@@ -81,6 +73,13 @@ class Bill:
             if below != reference:
                 self.depends[reference].add(below)
         return reference
+
+    def find(self, library):
+        for directory in self.directories:
+            path = pathlib.Path(directory) / library
+            if path.is_file():
+                return str(path)
+        raise Failure(f"{library} is needed, but in none of {' '.join(self.directories)}")
 
     def add_package(self, package):
         component = package_component(package)
@@ -102,7 +101,7 @@ class Bill:
 
 def bill_of_materials(options):
     binaries = [pathlib.Path(path) for path in options.binaries]
-    bill = Bill({path.name for path in binaries})
+    bill = Bill({path.name for path in binaries}, options.directory)
     compiled_in = []
     for package in options.compiled_in:
         reference = bill.add_package(package)
@@ -139,6 +138,7 @@ def main():
     parser.add_argument("--version", required=True)
     parser.add_argument("--output", required=True)
     parser.add_argument("--compiled-in", action="append", default=[], metavar="PACKAGE")
+    parser.add_argument("--directory", action="append", default=[], metavar="DIR")
     parser.add_argument("binaries", nargs="+", metavar="BINARY")
     options = parser.parse_args()
     try:

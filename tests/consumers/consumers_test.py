@@ -59,10 +59,10 @@ class Consumer(unittest.TestCase):
         return run("cmake", "-G", "Ninja", "-S", source, "-B", build, f"-DCMAKE_CXX_COMPILER={os.environ['CXX']}", *options)
 
     def call_through_host(self, bundle_host, caller):
-        """What the caller prints when the host loads it behind the bundle that the sample file names."""
+        """What the caller prints when the host loads it after the bundle that the sample file names."""
         directory = fresh("run")
         svc_conf = directory / "svc.conf"
-        sample = one("share/ii_ascii_util/svc.conf").read_text()
+        sample = one("**/ii_ascii_util/svc.conf").read_text()
         svc_conf.write_text(f'{sample}dynamic caller Service_Object * {caller}:_make_caller() ""\n')
         (directory / "config").mkdir()
         return self.must(bundle_host, "--config-dir", directory / "config", "--svc-conf", svc_conf, "call", "ToUpper", "abc")
@@ -99,6 +99,63 @@ class CMakePackage(Consumer):
                               f"-DCALLER={CALLER}", "-DWITH_TOOLS=ON")
         self.assertNotEqual(done.returncode, 0)
         self.assertIn("install the Debian package ii-ascii-util-tools", " ".join(done.stdout.split()))
+
+
+class Optional(Consumer):
+    def found(self, *options, environment=None):
+        """The output of the project for which the package is optional."""
+        done = run("cmake", "-G", "Ninja", "-S", HERE / "optional", "-B", fresh("optional"), f"-DCMAKE_PREFIX_PATH={STAGE}",
+                   f"-DCMAKE_CXX_COMPILER={os.environ['CXX']}", *options, env={**os.environ, **(environment or {})})
+        self.assertEqual(done.returncode, 0, done.stdout)
+        return re.findall(r"^-- ((?:found|not found|target):.*?)\s*$", done.stdout, re.MULTILINE)
+
+
+class Version(Optional):
+    def found_version(self, wanted):
+        return bool(re.match("found: 1", self.found(f"-DWANTED_VERSION={wanted}")[0]))
+
+    def test_the_same_or_an_older_version_of_the_same_major_one_is_compatible(self):
+        self.assertTrue(self.found_version("1.0.0"))
+        self.assertTrue(self.found_version("1"))
+
+    def test_a_newer_version_than_the_installed_one_is_refused(self):
+        self.assertFalse(self.found_version("1.99"))
+
+    def test_another_major_version_is_refused_whether_older_or_newer(self):
+        self.assertFalse(self.found_version("0.9"))
+        self.assertFalse(self.found_version("2.0"))
+
+
+class Ace(Optional):
+    """The messages for a consumer without a usable ACE. pkg-config searches only a directory of the test."""
+
+    MESSAGE = "ACE 7.0 or newer is missing: install the Debian package libace-dev"
+
+    def ace(self, version):
+        directory = fresh("pkgconfig")
+        if version:
+            (directory / "ACE.pc").write_text(f"Name: ACE\nDescription: ACE\nVersion: {version}\nLibs: -lACE\n")
+        return {"PKG_CONFIG_LIBDIR": str(directory), "PKG_CONFIG_PATH": ""}
+
+    def test_without_ace_the_package_is_not_found_and_defines_nothing(self):
+        self.assertEqual(self.found(environment=self.ace(None)), [f"not found: {self.MESSAGE}"])
+
+    def test_with_an_old_ace_the_package_is_not_found_and_defines_nothing(self):
+        self.assertEqual(self.found(environment=self.ace("6.5.12")), [f"not found: {self.MESSAGE}"])
+
+    def test_with_ace_7_the_package_is_found(self):
+        self.assertEqual(self.found(environment=self.ace("7.0.8"))[-1], "target: defined")
+
+    def test_pkg_config_refuses_the_headers_without_ace_7(self):
+        own = str(one("**/ii_ascii_util.pc").parent)
+        for version in [None, "6.5.12"]:
+            environment = {**os.environ, **self.ace(version), "PKG_CONFIG_PATH": own}
+            done = run("pkg-config", "--cflags", "ii_ascii_util-headers", env=environment)
+            self.assertNotEqual(done.returncode, 0)
+            self.assertIn("ACE", done.stdout)
+
+    def test_pkg_config_adds_what_ace_needs_to_the_flags_of_the_headers(self):
+        self.assertIn("-lACE", pkg_config("--libs", "ii_ascii_util-headers").split())
 
 
 class PkgConfig(Consumer):
@@ -169,12 +226,12 @@ class InstalledTree(Consumer):
         self.must(os.environ["CXX"], "-std=c++17", "-fsyntax-only", "-Wall", "-Wextra", "-Werror", f"-I{include}", source)
 
     def test_sample_svc_conf_names_the_installed_bundle(self):
-        directive = one("share/ii_ascii_util/svc.conf").read_text().splitlines()[-1]
+        directive = one("**/ii_ascii_util/svc.conf").read_text().splitlines()[-1]
         bundle = re.fullmatch(r'dynamic ii_ascii_util Service_Object \* (.*):_make_ii_ascii_util\(\) ""', directive)
         self.assertEqual(pathlib.Path(bundle.group(1)), one("**/libii_ascii_util.so"))
 
     def test_no_installed_file_names_the_build_directory(self):
-        # The sample svc.conf is right to name where it is installed.
+        # The sample svc.conf contains the installation's path on purpose.
         files = [path for path in STAGE.glob("**/*") if path.is_file() and path.name != "svc.conf"]
         self.assertGreater(len(files), 20)
         for path in files:

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs all packages of a directory into an empty root: install_packages.sh PACKAGES ROOT. As root by dpkg itself, with
-# a database of the root's own; otherwise by unpacking them, since dpkg sets owners. What they depend on is the system's.
+# Installs all packages of a directory into an empty root: install_packages.sh PACKAGES ROOT. As root with dpkg and a
+# database in ROOT; otherwise by unpacking them, since dpkg sets owners. Their dependencies are the system's packages.
 set -euo pipefail
 packages=$1 root=$2
 

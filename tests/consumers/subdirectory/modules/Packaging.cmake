@@ -1,1 +1,1 @@
-message(FATAL_ERROR "a module of this project, which nobody else may include")
+message(FATAL_ERROR "a module of this project, which no other project may include")
