@@ -1,67 +1,78 @@
 #!/usr/bin/env bash
-# Builds and runs the benchmarks: every operation beside what one would take instead.
+# Builds and runs the benchmarks, which compare the loaded bundle with what a caller could use instead.
 #
-#   scripts/bench.sh [--help] [FILTER] [--report]
+#   scripts/bench.sh [--help] [--smoke | --report] [--bundle NAME=LIBRARY]... [FILTER]
 #
-# FILTER is a regular expression over the benchmarks' names, "operation/input/contestant". With --report every group is
-# run in repetitions that take turns, and docs/benchmarks.md and its plots are written from the medians; that takes some
-# eight minutes, and the machine should have nothing else to do. With both, the report is only printed.
+# FILTER is a regular expression over the names "operation/input/contestant". --bundle adds another build of the bundle to
+# every comparison. --smoke only checks that each comparison runs and gets equal answers. --report runs all in several
+# processes, in repetitions that take turns, and writes docs/benchmarks.md; with FILTER or --bundle it prints the page
+# instead. That takes some ten minutes on an idle machine.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
 
-filter=.
-report=false
-for argument in "$@"; do
-  case "$argument" in
+filter=
+mode=run
+bundles=()
+while [ $# -gt 0 ]; do
+  case "$1" in
     --help) usage; exit 0 ;;
-    --report) report=true ;;
-    -*) echo "bench.sh: unknown option '$argument'; see --help" >&2; exit 2 ;;
-    *) filter=$argument ;;
+    --smoke | --report) mode=${1#--} ;;
+    --bundle)
+      [[ ${2:-} == *=* ]] || { echo "bench.sh: --bundle needs NAME=LIBRARY; see --help" >&2; exit 2; }
+      bundles+=("--bundle=$2"); shift ;;
+    -*) echo "bench.sh: unknown option '$1'; see --help" >&2; exit 2 ;;
+    *) filter=$1 ;;
   esac
+  shift
 done
 
 scripts/setup.sh build test bench
 cmake --preset release -DASCII_UTIL_BUILD_BENCH=ON >/dev/null
-cmake --build --preset release --target ascii_util_bench ascii_util_host_bench >/dev/null
-programs=build/release/bench
+cmake --build --preset release --target ascii_util_bench >/dev/null
+program=build/release/bench/ascii_util_bench
 
-if ! $report; then
-  "$programs/ascii_util_bench" --benchmark_filter="$filter"
-  "$programs/ascii_util_host_bench" --benchmark_filter="$filter"
-  exit 0
-fi
+case $mode in
+  smoke) exec ctest --test-dir build/release -L bench --output-on-failure ;;
+  run) exec "$program" "${bundles[@]}" ${filter:+"--benchmark_filter=$filter"} ;;
+esac
 
 results=build/release/bench/results
 rm -rf "$results"
 mkdir -p "$results"
 
-# run NAME PROGRAM FILTER REPETITIONS SECONDS: one group in one process, its repetitions in random turns.
+# run NAME FILTER REPETITIONS SECONDS: one group in one process, its repetitions in random order. Without benchmarks that
+# FILTER also matches, no file is written.
 run() {
-  [[ $filter = . || $3 =~ $filter || $1 =~ $filter ]] || return 0
-  echo "$1: $4 repetitions" >&2
-  "$programs/$2" --benchmark_filter="$3" --benchmark_repetitions="$4" --benchmark_min_time="$5" \
+  local both=$2
+  if [ -n "$filter" ]; then
+    both=$("$program" "${bundles[@]}" --benchmark_list_tests --benchmark_filter="$2" | grep -E -- "$filter" |
+      sed 's/[][\.*^$+?(){}|]/\\&/g; s/.*/^&$/' | paste -sd '|') || return 0
+  fi
+  echo "$1" >&2
+  "$program" "${bundles[@]}" --benchmark_filter="$both" --benchmark_repetitions="$3" --benchmark_min_time="$4" \
     --benchmark_enable_random_interleaving=true --benchmark_format=json >"$results/$1.json"
 }
 
-# How fast a program is depends on which memory it was given, a table's speed a lot, so the median is over three processes.
+# Three processes, because speed depends on the addresses that a process gets.
 for process in 1 2 3; do
-  run "text_$process" ascii_util_bench '^(Trim|StrToUpper|StrToLower|ToUpper|Str2Num|Num2Str)/' 7 0.005
-  run "fields_$process" ascii_util_bench '^(GetKeyValue|IsKeyValueAboveOne|IsContain|SplitStr|ParseListMap)/' 7 0.005
-  run "coding_$process" ascii_util_bench '^(GetURLEncoding|GetURLDecoding|SetURLDecoding)/' 5 0.005
-  run "host_$process" ascii_util_host_bench '^(GetTimeStamp|utf8toiso8859)/' 7 0.01
-  run "lookup_$process" ascii_util_bench '^(Lookup|GetAlmCfgValue)/' 3 0.1
+  run "1_alarm_$process" '^Alarm/' 15 0.02
+  run "2_fields_$process" '^(GetKeyValue|IsContain|SplitStr|ParseListMap)/' 11 0.005
+  for lines in 3 4 5 6; do
+    run "3_lookup_${lines}_$process" "^GetAlmCfgValue/10.$lines records, (random|sequential)" 7 0.02
+  done
+  run "4_load_$process" '^LoadConfig/10.[34]' 7 0.02
+  run "5_load_$process" '^LoadConfig/10.[56]' 3 0.02
+  run "6_reload_$process" '(^Reload/|during loads)' 3 0.1
+  run "7_text_$process" '^(Trim|ToUpper|StrToLower|Str2Num|Num2Str|GetTimeStamp)/' 11 0.005
+  run "8_coding_$process" '^(GetURLEncoding|GetURLDecoding|SetURLDecoding|utf8toiso8859)/' 9 0.005
 done
-run readers ascii_util_bench '^Readers/' 9 0.2
-run reload ascii_util_bench '^Reload/' 5 0.1
-run memory ascii_util_bench '^Memory/' 1 0.1
-run load_small ascii_util_bench '^LoadConfig/10\^3' 11 0.02
-run load_middle ascii_util_bench '^LoadConfig/10\^5' 5 0.1
-run load_large ascii_util_bench '^LoadConfig/10\^6' 3 0.1
+run 9_memory '^Memory/' 1 0.1
 
-if [[ $filter = . ]]; then
-  python3 bench/report.py "$results" docs
+if [ -z "$filter" ] && [ ${#bundles[@]} -eq 0 ]; then
+  python3 bench/report.py "$results" bench/remarks.md >"$results/page.md"
+  mv "$results/page.md" docs/benchmarks.md
 else
-  python3 bench/report.py "$results"
+  python3 bench/report.py "$results" bench/remarks.md
 fi

@@ -27,13 +27,13 @@ scripts/setup.sh build test coverage
 build=build/coverage
 log=$build-tests.log
 mkdir -p build
-# Counters of an earlier run would count for this one.
+# Removes the counters of an earlier run, which would be added to those of this one.
 [ ! -d "$build" ] || find "$build" -name '*.gcda' -delete
 {
   cmake --preset coverage -DASCII_UTIL_BUILD_TESTS=ON -DASCII_UTIL_BUILD_TOOLS=OFF -DASCII_UTIL_BUILD_EXAMPLES=OFF \
     -DASCII_UTIL_OTHER_CXX=none &&
     cmake --build --preset coverage --target bundle_tests &&
-    ctest --test-dir "$build" --label-regex '^bundle$' --output-on-failure --parallel "$(nproc)" "$@"
+    ctest --test-dir "$build" --label-regex bundle --output-on-failure --parallel "$(nproc)" "$@"
 } >"$log" 2>&1 || {
   tail -n 40 "$log" >&2
   echo "coverage.sh: the tests failed (above; all of it is in $log), so there is nothing to report" >&2
@@ -59,7 +59,7 @@ for file in json.load(open(sys.argv[1], encoding="utf-8"))["files"]:
     code = [line for line in file["lines"] if not line.get("gcovr/noncode", False)]
     lines = [line["count"] for line in code]
     for line in code:
-        # Here and not by gcovr, which overlooks those of a header that some program includes and does not run.
+        # Checked here, because gcovr misses the lines of a header that a program includes and does not run.
         line["branches"] = [branch for branch in line["branches"] if not branch.get("throw", False)]
     branches = [branch["count"] for line in code for branch in line["branches"]]
     print(f"{file['file']:34}{share(lines):>14}{share(branches):>16}")

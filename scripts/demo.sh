@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Shows the bundle at work: every operation called once, then an agent that turns 30 alarms into text messages.
+# Demonstrates the project: the operators' checker on a configuration with mistakes, every operation of the bundle, and an
+# example agent that turns 30 alarms into text messages. The agent's calls are recorded and replayed.
 #
 #   scripts/demo.sh [--help]
 #
 # Installs the Debian packages that are missing, builds what the demonstration needs into build/demo, and runs it. Log
-# lines stand where they came up, behind a bar; colours only on a terminal.
+# records are indented, at the place where they were written.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -22,7 +23,7 @@ build=build/demo
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 
-# Quiet while it goes well; the whole story when it does not.
+# Prints the output of a command only when it fails.
 quietly() {
   if ! "$@" >"$log" 2>&1; then
     cat "$log" >&2
@@ -31,15 +32,15 @@ quietly() {
   fi
 }
 
-targets=(bundle_host ii_ascii_util alarm_agent_example)
+targets=(almcfg bundle_host ii_ascii_util ii_ascii_recorder alarm_agent_example)
 if [ ! -f "$build/build.ninja" ]; then
   echo "Building into $build"
   quietly cmake --preset release -B "$build" -DASCII_UTIL_BUILD_TESTS=OFF
 fi
 quietly cmake --build "$build" --target "${targets[@]}"
 
-# Where the dynamic linker finds the libraries that the svc.conf files name.
-export LD_LIBRARY_PATH="$PWD/$build/src:$PWD/$build/examples/alarm_agent${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
+# The dynamic linker searches here for the libraries that the svc.conf files name.
+export LD_LIBRARY_PATH="$PWD/$build/src:$PWD/$build/tools/recorder:$PWD/$build/examples/alarm_agent${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
 
 if [ -t 1 ]; then
   title=$'\e[1m' dim=$'\e[2m' plain=$'\e[0m'
@@ -47,21 +48,44 @@ else
   title='' dim='' plain=''
 fi
 
-heading() { printf '\n%s%s%s\n\n' "$title" "$1" "$plain"; }
+heading() { printf '\n%s%s%s\n' "$title" "$1" "$plain"; }
+explain() { printf '%s\n' "$@" ""; }
 
-# Log lines start with a time and a level in brackets. Of the time the clock is enough.
-show() {
+# A log record starts with a date, a time and a level in brackets. Only the time of day is shown here.
+indent_log() {
   sed -E "s/^[0-9]{4}-[0-9]{2}-[0-9]{2}T([0-9:.]+)Z \[([0-9-])\] (.*)\$/${dim}    | \1 [\2] \3${plain}/"
 }
 
-host() { "$build/host/bundle_host" --config-dir examples/config "$@" 2>&1 | show; }
+host() { "$build/host/bundle_host" --config-dir examples/config "$@" 2>&1 | indent_log; }
 
-heading "1. Every operation: examples/every_operation.txt, on the configuration in examples/config"
+config=examples/config/ii_asciiagent_bundle/AlarmConfig.csv
+
+heading "1. Before a configuration is used: almcfg check"
+explain "The example configuration has mistakes on purpose. The agent would drop these lines, mostly without a message;" \
+  "the checker names each one, with the reason and the remedy. Its exit code is 1."
+"$build/tools/almcfg/almcfg" check "$config" || [ $? -eq 1 ]
+
+heading "2. Every operation of the bundle: bundle_host run examples/every_operation.txt"
+explain "The host loads the bundle, which reads the same configuration: one log record (indented) for each line that it" \
+  "rejects, one for its start. Then each operation is called; results and out values follow the call."
 host --svc-conf examples/svc.conf --echo run examples/every_operation.txt
 
-heading "2. An agent that lives on it: a message for every line of examples/alarm_agent/feed.txt"
-echo "The feed's first line, and what is configured for it:"
+heading "3. An agent that uses the bundle: examples/alarm_agent"
+explain "The agent reads one alarm a line, asks the configuration for the severity, and prints a message for each line of" \
+  "examples/alarm_agent/feed.txt, in order. The first line of the feed, and the line that configures it:"
 sed -n 's/^/    /; 1p' examples/alarm_agent/feed.txt
-grep -P 'BTS.*\tLOS\t7\t' examples/config/ii_asciiagent_bundle/AlarmConfig.csv | sed 's/^/    /'
+grep -P 'BTS.*\tLOS\t7\t' "$config" | sed 's/^/    /'
 echo
 host --svc-conf examples/alarm_agent/svc.conf quit
+
+heading "4. What really happens: the agent's calls recorded, replayed and compared with the configuration"
+explain "The recorder is a bundle between the two. Its file has a line for each call; the replay makes the same calls again and" \
+  "finds no difference. The coverage names the queries that no line serves: callers get a successful 0 for them."
+calls=$build/calls.jsonl
+sed "s|calls\.jsonl|$calls|" examples/alarm_agent/recorded.svc.conf > "$build/recorded.svc.conf"
+host --svc-conf "$build/recorded.svc.conf" quit >/dev/null
+sed -n '2s/^/    /p' "$calls"
+echo
+host --log-level off --svc-conf examples/svc.conf replay "$calls"
+echo
+"$build/tools/almcfg/almcfg" coverage "$config" --calls "$calls" 2>/dev/null

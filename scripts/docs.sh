@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes browsable pages of the public headers (framework/ and include/). What is not documented is an error.
+# Makes HTML pages of the public headers (framework/ and include/). A declaration without a comment is an error.
 #
 #   scripts/docs.sh [--help] [DIRECTORY]
 #

@@ -4,7 +4,7 @@
 #   scripts/fuzz.sh [--help] TARGET|all SECONDS [LIBFUZZER-OPTION...]
 #
 # TARGET is one of the input languages in fuzz/: alarm_config, key_value, list_map, split, url_encode, url_decode,
-# str2num, host_command_line, config_items; `all` runs one after the other. Inputs that were found are kept in
+# str2num, host_command_line, config_items, recording; `all` runs one after the other. Inputs that were found are kept in
 # build/fuzz-corpus/TARGET and used again; the checked-in ones are fuzz/corpus/TARGET. Prints the number of executions.
 # When something is found: exit 1, with the input's path and how to run it again. An input that was found becomes a file
 # of the checked-in corpus and a test of the unit.
@@ -24,11 +24,11 @@ shift 2
 [[ $seconds =~ ^[1-9][0-9]*$ ]] || refuse "'$seconds' is no number of seconds"
 if [ "$target" = all ]; then
   targets=()
-  for dictionary in fuzz/*.dict; do
+  for dictionary in fuzz/*/*.dict; do
     targets+=("$(basename "$dictionary" .dict)")
   done
 else
-  [ -f "fuzz/$target.dict" ] || refuse "there is no target '$target'"
+  [ -f "$(echo fuzz/*/"$target.dict")" ] || refuse "there is no target '$target'"
   targets=("$target")
 fi
 
@@ -45,7 +45,7 @@ fi
 for target in "${targets[@]}"; do
   found=build/fuzz-corpus/$target
   mkdir -p "$found"
-  if ! "build/fuzz/fuzz/fuzz_$target" "$found" "fuzz/corpus/$target" -dict="fuzz/$target.dict" \
+  if ! "build/fuzz/fuzz/fuzz_$target" "$found" "fuzz/corpus/$target" -dict="$(echo fuzz/*/"$target.dict")" \
     -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -artifact_prefix="build/fuzz-corpus/$target-" \
     -print_final_stats=1 "$@" >"$log" 2>&1; then
     tail -n 60 "$log" >&2

@@ -1,32 +1,51 @@
 #!/usr/bin/env bash
-# Checks layout and habits: clang-format over all sources, clang-tidy over those of src, host, tools and examples.
+# Checks the sources: clang-format on all, clang-tidy on those of src, host, tools and examples.
 #
-#   scripts/lint.sh [--help] [--format-only]
+#   scripts/lint.sh [--help] [--format-only] [FILE...]
 #
-# clang-tidy reads the compile commands of the release preset, so build that once before (scripts/test.sh does).
+# Checks the given files, or all files of the working tree, new ones included. The tools are those of LLVM 14, by the names
+# of their packages, because other versions format differently. clang-tidy reads the compile commands of the release
+# preset, so build that preset first (scripts/test.sh does).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+refuse() { echo "lint.sh: $1; see --help" >&2; exit 2; }
 
-case "${1:-}" in
-  --help) usage; exit 0 ;;
-  "" | --format-only) ;;
-  *) echo "lint.sh: unknown option '$1'; see --help" >&2; exit 2 ;;
-esac
+format_only=false
+while [[ ${1:-} == -* ]]; do
+  case "$1" in
+    --help) usage; exit 0 ;;
+    --format-only) format_only=true ;;
+    *) refuse "unknown option '$1'" ;;
+  esac
+  shift
+done
 
-scripts/setup.sh check
-git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format --dry-run --Werror
-[ "${1:-}" != --format-only ] || exit 0
+# Existing files, by pattern or as given.
+if [ $# -gt 0 ]; then
+  for file in "$@"; do
+    [[ -f $file && $file =~ \.(h|cpp)$ ]] || refuse "'$file' is no .h or .cpp file below $PWD"
+  done
+  files=("$@")
+else
+  mapfile -t files < <(git ls-files --cached --others --exclude-standard --deduplicate '*.h' '*.cpp' |
+    while IFS= read -r file; do [ ! -f "$file" ] || echo "$file"; done)
+fi
 
+scripts/setup.sh lint
+clang-format-14 --dry-run --Werror "${files[@]}"
+! $format_only || exit 0
+
+# clang-tidy does not check the tests: fakes and raw tables, which it warns about, make them easier to read.
+mapfile -t tidied < <(printf '%s\n' "${files[@]}" | grep -E '^(src|host|tools|examples)/.*\.cpp$')
+[ ${#tidied[@]} -gt 0 ] || exit 0
 commands=build/release/compile_commands.json
 if [ ! -f "$commands" ]; then
   echo "lint.sh: $commands is missing; run scripts/test.sh first" >&2
   exit 1
 fi
-# clang-tidy refuses GCC's own options.
+# clang-tidy rejects options that only GCC has.
 mkdir -p build/lint
 sed -E 's/ -f(no-gnu-unique|emit-class-debug-always)//g' "$commands" >build/lint/compile_commands.json
-# Tests are written for their reader and full of what the checks dislike (fakes, raw tables); they are left out.
-git ls-files -z 'src/*.cpp' 'host/*.cpp' 'tools/*.cpp' 'examples/*.cpp' |
-  xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet -p build/lint 2>/dev/null
+printf '%s\0' "${tidied[@]}" | xargs -0 -n 1 -P "$(nproc)" clang-tidy-14 --quiet -p build/lint 2>/dev/null

@@ -1,54 +1,50 @@
 #!/usr/bin/env bash
-# Builds the Debian packages libii-ascii-util, libii-ascii-util-dev and ii-ascii-util-tools.
+# Builds the Debian packages libii-ascii-util, libii-ascii-util-dev and ii-ascii-util-tools, with their debug symbols.
 #
-#   scripts/package.sh [--help] [--build DIR] [--output DIR]
+#   scripts/package.sh [--help] [--output DIR] [DPKG-BUILDPACKAGE-OPTION...]
 #
-# Without --build it installs what is missing, builds the release preset without tests in build/package and packs that; --build
-# packs a build directory that is there already, as it stands. --output is where the packages go (default: packages/ in the build
-# directory). Times in the packages are SOURCE_DATE_EPOCH or, when that is not set, the time of the last commit, so that the same
-# build gives the same packages.
+# Installs what is missing, copies the working tree to build/package and has dpkg-buildpackage build the copy. DIR is where
+# the packages go (default: build/package/packages). The options are passed on: `-aarm64` builds for another architecture.
+# The package's own tests are not run; scripts/test.sh runs them all. The same sources and the same installed packages give
+# the same files.
 set -euo pipefail
 here=$PWD
 cd "$(dirname "$0")/.."
 
 usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
-
 fail() { echo "package.sh: $1" >&2; exit "${2:-1}"; }
 
-absolute() { case "$1" in /*) echo "$1" ;; *) echo "$here/$1" ;; esac; }
-
-build= output=
+output=
+options=()
 while [ $# -gt 0 ]; do
   case "$1" in
     --help) usage; exit 0 ;;
-    --build | --output)
+    --output)
       [ $# -ge 2 ] || fail "$1 needs a directory; see --help" 2
-      if [ "$1" = --build ]; then build=$(absolute "$2"); else output=$(absolute "$2"); fi
-      shift 2 ;;
-    *) fail "unknown option '$1'; see --help" 2 ;;
+      case "$2" in /*) output=$2 ;; *) output=$here/$2 ;; esac
+      shift ;;
+    -*) options+=("$1") ;;
+    *) fail "unknown argument '$1'; see --help" 2 ;;
   esac
+  shift
 done
 
-if [ -z "$build" ]; then
-  scripts/setup.sh build package
-  build=$PWD/build/package
-  cmake --preset release -B "$build" -DASCII_UTIL_BUILD_TESTS=OFF -DASCII_UTIL_BUILD_EXAMPLES=OFF >/dev/null
-  cmake --build "$build"
-fi
-[ -f "$build/CPackConfig.cmake" ] || fail "$build is no configured build directory of this project"
-output=${output:-$build/packages}
+# A cross build needs the target's libraries in place of the machine's, which setup.sh would install.
+[[ " ${options[*]} " == *" -a"* ]] || scripts/setup.sh build package
+output=${output:-$PWD/build/package/packages}
+# One tree for each caller, always below the same path, so that two builds give the same files.
+tree=$output/build/ii-ascii-util
+rm -rf "$output"
+mkdir -p "$tree"
+tar --create --exclude=./build --exclude=./.git . | tar --extract --directory "$tree"
 
-if [ -z "${SOURCE_DATE_EPOCH:-}" ]; then
-  SOURCE_DATE_EPOCH=$(git log -1 --format=%ct 2>/dev/null) || SOURCE_DATE_EPOCH=$(stat -c %Y CHANGELOG.md)
-fi
-export SOURCE_DATE_EPOCH
-
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
 umask 022
-if ! cpack --config "$build/CPackConfig.cmake" -B "$output" >"$log" 2>&1; then
-  cat "$log" >&2
-  fail "cpack failed (above)"
+export DEB_BUILD_OPTIONS="${DEB_BUILD_OPTIONS:-nocheck parallel=$(nproc)}" DEB_BUILD_PROFILES="${DEB_BUILD_PROFILES:-nocheck}"
+log=$output/build.log
+if ! (cd "$tree" && dpkg-buildpackage --build=full --no-sign "${options[@]}") >"$log" 2>&1; then
+  tail -n 40 "$log" >&2
+  fail "the build failed (above; all of it in $log)"
 fi
-rm -rf "$output/_CPack_Packages"
+mv "$output"/build/ii-ascii-util*_* "$output/build"/*.deb "$output" 2>/dev/null || true
+rm -rf "$output/build"
 ls "$output"/*.deb

@@ -1,27 +1,52 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that a task needs and that are missing; says which, and is quiet when none is.
+# Installs the missing Debian packages that a task needs and prints their names; prints nothing when none is missing.
 #
 #   scripts/setup.sh [--help] [GROUP...]
 #
-# Groups: build (default), test, coverage, check, bench, package. Needs root or sudo only when something is missing.
+# Groups: build (default), test, coverage, check, lint, bench, package, page, pictures, port. Needs root or sudo only when something
+# is missing.
 set -euo pipefail
 
 usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
 
+# "a|b" means the first package that this Debian release has.
 packages_of() {
   case "$1" in
     build) echo "g++ cmake ninja-build pkg-config python3 libace-dev libcli11-dev nlohmann-json3-dev libedit-dev" ;;
-    test) echo "libgtest-dev locales libgmock-dev binutils valgrind python3 abigail-tools" ;;
+    test) echo "libgtest-dev locales libgmock-dev binutils valgrind python3 abigail-tools tmux ace-netsvcs" ;;
     coverage) echo "gcovr" ;;
-    check) echo "clang clang-format clang-tidy libclang-rt-14-dev" ;;
-    bench) echo "libbenchmark-dev libabsl-dev libboost1.81-dev libboost-url1.81-dev libpoco-dev libglib2.0-dev" \
-                "libcurl4-openssl-dev libfmt-dev libtbb-dev gnuplot-nox" ;;
-    package) echo "dpkg-dev file lintian doxygen groff-base make" ;;
-    *) echo "setup.sh: unknown group '$1'; there are build, test, coverage, check, bench and package" >&2; return 1 ;;
+    check) echo "clang libclang-rt-dev" ;;
+    lint) echo "clang-format-14 clang-tidy-14" ;;
+    bench) echo "libbenchmark-dev libabsl-dev libboost-url-dev|libboost-url1.81-dev libfmt-dev liburcu-dev" ;;
+    package) echo "build-essential debhelper dpkg-dev file lintian doxygen groff-base make" ;;
+    page) echo "chromium fonts-dejavu-core" ;;
+    pictures) echo "graphviz fonts-dejavu-core" ;;
+    port) echo "debootstrap qemu-user-static binfmt-support" ;;
+    *) echo "setup.sh: unknown group '$1'; there are build, test, coverage, check, lint, bench, package, page, pictures and port" >&2; return 1 ;;
   esac
 }
 
-is_installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
+# A package may be installed for several architectures; checks the one that is built for.
+native=$(dpkg --print-architecture)
+is_installed() {
+  dpkg-query -W -f='${db:Status-Status} ${Architecture}\n' "$1" 2>/dev/null | grep -qE "^installed (all|$native)\$"
+}
+
+any_installed() {
+  local package
+  for package in ${1//|/ }; do
+    if is_installed "$package"; then return; fi
+  done
+  return 1
+}
+
+first_available() {
+  local package
+  for package in ${1//|/ }; do
+    if apt-cache show "$package" >/dev/null 2>&1; then break; fi
+  done
+  echo "$package"
+}
 
 if [ "${1:-}" = --help ]; then
   usage
@@ -33,7 +58,7 @@ missing=()
 for group in "$@"; do
   packages=$(packages_of "$group")
   for package in $packages; do
-    is_installed "$package" || missing+=("$package")
+    any_installed "$package" || missing+=("$package")
   done
 done
 [ ${#missing[@]} -gt 0 ] || exit 0
@@ -42,14 +67,18 @@ echo "Installing ${missing[*]}"
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then
   if ! command -v sudo >/dev/null; then
-    echo "setup.sh: not root and no sudo here; as root run: apt-get install ${missing[*]}" >&2
+    echo "setup.sh: not root and no sudo here; as root run: scripts/setup.sh $*" >&2
     exit 1
   fi
   as_root=(sudo)
 fi
 install() {
-  "${as_root[@]}" apt-get update -q &&
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "$@"
+  local package packages=()
+  "${as_root[@]}" apt-get update -q || return
+  for package in "$@"; do
+    packages+=("$(first_available "$package")")
+  done
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${packages[@]}"
 }
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT

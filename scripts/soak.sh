@@ -25,12 +25,12 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 build() { cmake --preset release && cmake --build --preset release --target bundle_host ii_ascii_util alarm_agent_example; }
 build >"$work/build.log" 2>&1 || { cat "$work/build.log" >&2; fail "the build failed (above)"; }
-# Copies, so that a build meanwhile does not pull the libraries away.
+# Uses copies, so that a build during the run does not replace the libraries.
 (cd build/release && cp host/bundle_host host/libbundle_host.so src/libii_ascii_util.so \
   examples/alarm_agent/libalarm_agent_example.so "$work")
 export LD_LIBRARY_PATH="$work${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
 
-# A feed that keeps the agent busy while the configuration is loaded again beside it.
+# A feed that keeps the agent busy while the configuration is loaded again.
 for _ in $(seq 200); do
   cat examples/alarm_agent/feed.txt
 done >"$work/feed"
@@ -44,7 +44,7 @@ exec 3>"$work/commands" 4<"$work/answers"
 
 resident() { awk '/^VmRSS:/ { print $2 }' "/proc/$host/status"; }
 
-# One answer a command, so that the rounds keep step with the host.
+# Reads one answer for each command, so that a round starts after the host has finished the previous one.
 command_host() {
   local answer
   echo "$1" >&3

@@ -20,7 +20,7 @@ esac
 
 scripts/setup.sh build test check package
 
-# Quiet while it goes well; the whole story when it does not.
+# Prints the output of a step only when the step fails.
 quietly() {
   local log
   log=$(mktemp)

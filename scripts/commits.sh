@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Checks the subjects of commits: `area: imperative what`, lower case after the colon, at most 72 characters.
+#
+#   scripts/commits.sh [--help] [RANGE]
+#
+# RANGE is what git log takes (default: every commit after the one that introduced the rule). Exit 1 with one line for each
+# subject that breaks the rule. A clone that lacks the range's commits passes, and says so.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+
+case "${1:-}" in
+  --help) usage; exit 0 ;;
+  -*) echo "commits.sh: unknown option '$1'; see --help" >&2; exit 2 ;;
+esac
+range=${1:-e090c52..HEAD}
+
+if ! git rev-parse --quiet --verify "${range%%..*}^{commit}" >/dev/null 2>&1; then
+  echo "commits.sh: ${range%%..*} is not in this clone, so no subject is checked"
+  exit 0
+fi
+checked=0 bad=0
+while IFS= read -r line; do
+  subject=${line#* }
+  checked=$((checked + 1))
+  if [ ${#subject} -gt 72 ]; then
+    echo "commits.sh: ${line%% *}: ${#subject} characters, at most 72 are allowed: $subject" >&2
+  elif ! [[ $subject =~ ^[a-z.][a-z0-9_./-]*(,\ [a-z.][a-z0-9_./-]*)*:\ [^A-Z\ ] ]]; then
+    echo "commits.sh: ${line%% *}: expected 'area: imperative what' in lower case: $subject" >&2
+  else
+    continue
+  fi
+  bad=$((bad + 1))
+done < <(git log --no-merges --abbrev=7 --format='%h %s' "$range")
+echo "$checked subjects checked, $bad rejected"
+[ "$bad" -eq 0 ]

@@ -1,0 +1,109 @@
+#!/usr/bin/env bash
+# Builds and tests the project on another Debian or another architecture, in a root of its own.
+#
+#   scripts/port.sh [--help] TARGET
+#
+# TARGET  debian12, debian13: a bare root of that release, in which the two commands of the README run unchanged; then the
+#         packages are installed, used by a consumer and purged
+#         arm64, s390x: a cross build in a root of Debian 13, and the tests of the bundle's own code under emulation
+#
+# Needs root, a Debian mirror and about 4 GB in build/port/TARGET. Prints one line for each step and at the end the row for
+# the table in docs/testing.md. A log of each step is kept beside the root, which is used again next time; remove it to begin with
+# a bare one. Exit 1 when a step failed.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+
+target=${1:-}
+case "$target" in
+  --help) usage; exit 0 ;;
+  debian12) release=bookworm ;;
+  debian13 | arm64 | s390x) release=trixie ;;
+  *) echo "port.sh: unknown target '$target'; there are debian12, debian13, arm64 and s390x" >&2; exit 2 ;;
+esac
+[ "$(id -u)" -eq 0 ] || { echo "port.sh: only root can make a root directory for another system" >&2; exit 1; }
+
+# These tests are left out by name, because emulation cannot run them:
+#   DeathTest      the emulator takes fatal signals itself
+#   LargePages     the emulator ignores advice about memory
+#   C.UTF-8        the root's own locale is in the byte order of the machine that emulates
+emulated_left_out='DeathTest|LargePages|C\.UTF-8|BuiltInLocale'
+
+work=$PWD/build/port/$target
+root=$work/root
+mkdir -p "$work"
+row=$target
+
+in_root() { chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 bash -euc "$1"; }
+
+# step NAME COMMAND: runs the command in the root's copy of the sources; a line, and a cell of the table.
+step() {
+  local begin=$SECONDS result=ok tests
+  in_root "cd /root/ii_ascii_util; $2" >"$work/$1.log" 2>&1 || result=FAILED
+  tests=$(sed -n 's/^.*% tests passed, \([0-9]*\) tests failed out of \([0-9]*\)$/\1 of \2 tests failed, /p' "$work/$1.log" | tail -n 1)
+  echo "$1: $result, $tests$((SECONDS - begin)) s ($work/$1.log)"
+  row+=" | $result, $tests$((SECONDS - begin)) s"
+  if [ "$result" = FAILED ]; then
+    tail -n 20 "$work/$1.log"
+    exit 1
+  fi
+}
+
+unmount() { for directory in dev/pts dev proc; do umount -l "$root/$directory" 2>/dev/null || true; done; }
+trap unmount EXIT
+
+scripts/setup.sh port
+if [ ! -f "$root/etc/debian_version" ]; then
+  echo "Making a bare root of Debian $release in $root"
+  debootstrap --variant=minbase --include=git,ca-certificates "$release" "$root" >"$work/debootstrap.log"
+fi
+mount -t proc proc "$root/proc"
+mount --bind /dev "$root/dev"
+mount --bind /dev/pts "$root/dev/pts"
+
+# The working tree, new files included.
+rm -rf "$root/root/ii_ascii_util"
+mkdir -p "$root/root/ii_ascii_util"
+git ls-files --cached --others --exclude-standard | while IFS= read -r file; do [ ! -e "$file" ] || echo "$file"; done |
+  tar -cf - -T - |
+  tar -xf - --no-same-owner -C "$root/root/ii_ascii_util"
+
+# cross ARCHITECTURE TRIPLET. Of host and almcfg the programs alone are built, and bundle_host runs the example commands.
+cross() {
+  local arch=$1 triplet=$2
+  step setup "dpkg --add-architecture $arch
+    apt-get update -q
+    DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends g++-$triplet cmake ninja-build pkg-config \
+      python3 make locales binutils debhelper libcli11-dev nlohmann-json3-dev \
+      libace-dev:$arch libedit-dev:$arch libgtest-dev:$arch libgmock-dev:$arch"
+  step build "export PKG_CONFIG_LIBDIR=/usr/lib/$triplet/pkgconfig:/usr/share/pkgconfig
+    cmake --preset release -DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR=${triplet%%-*} \
+      -DCMAKE_CXX_COMPILER=$triplet-g++ -DASCII_UTIL_OTHER_CXX=none
+    cmake --build --preset release --target bundle_tests bundle_host almcfg sbom"
+  step bundle-tests "ctest --test-dir build/release --label-regex bundle --exclude-regex '$emulated_left_out' \
+    --no-tests=error --output-on-failure --parallel $(nproc)"
+  step commands "build/release/host/bundle_host --config-dir examples/config --bundle build/release/src/libii_ascii_util.so \
+    run examples/every_operation.txt
+    grep -q 'arch=$arch' build/release/ii_ascii_util.cdx.json"
+  step packages "scripts/package.sh --output /root/packages -d -a$arch
+    ls /root/packages/libii-ascii-util_*_$arch.deb"
+}
+
+native() {
+  step demo "scripts/demo.sh"
+  step test "scripts/test.sh"
+  # The packages that the tests have made, upgraded and purged in an empty root; here with all that they depend on.
+  step packages "apt-get install -y -q --no-install-recommends ./build/release/tests/packages/made/*.deb
+    debian/tests/consumer
+    debian/tests/demo
+    apt-get purge -y -q libii-ascii-util
+    [ -z \"\$(find /usr -path '*ii_ascii_util*')\" ]"
+}
+
+case "$target" in
+  debian*) native ;;
+  arm64) cross arm64 aarch64-linux-gnu ;;
+  s390x) cross s390x s390x-linux-gnu ;;
+esac
+echo "| $row | $(date -u +%F) |"
