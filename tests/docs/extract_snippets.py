@@ -3,7 +3,8 @@
 
   extract_snippets.py PAGE DIRECTORY
 
-A ```cpp block whose first line is `// file: NAME` becomes DIRECTORY/NAME. Every other ```cpp block becomes a function of
+A ```cpp block whose first line is `// file: NAME` becomes DIRECTORY/NAME; one that starts with an `#include` becomes
+DIRECTORY/unitN.cpp, N counting from 1. Every other ```cpp block becomes a function of
 DIRECTORY/snippets.cpp, with `text`, the interface, at hand. All ```tsv blocks together become DIRECTORY/AlarmConfig.csv.
 """
 import pathlib
@@ -55,13 +56,16 @@ def main():
         return 0 if sys.argv[1:] == ["--help"] else 2
     page, directory = map(pathlib.Path, sys.argv[1:])
     directory.mkdir(parents=True, exist_ok=True)
-    snippets, table = [], []
+    snippets, table, units = [], [], 0
     for language, start, lines in blocks(page):
         name = re.match(r"// file: ([\w.]+)$", lines[0]) if lines else None
         if language == "tsv":
             table += lines
         elif language == "cpp" and name:
             (directory / name.group(1)).write_text("\n".join(lines) + "\n")
+        elif language == "cpp" and lines[0].startswith("#include"):
+            units += 1
+            (directory / f"unit{units}.cpp").write_text(f'#line {start} "{page}"\n' + "\n".join(lines) + "\n")
         elif language == "cpp":
             snippets.append((start, lines))
     (directory / "snippets.cpp").write_text(snippet_source(page, snippets))

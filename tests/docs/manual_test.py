@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares the manual page of bundle_host with what the program says of itself: manual_test.py PROGRAM PAGE.
+"""Compares the manual page of bundle_host and docs/host.md with the output of --help: manual_test.py PROGRAM PAGE.
 
 Options and commands must be the same, with the same arguments, and each must be explained beginning with the words that
 --help has for it.
@@ -27,9 +27,9 @@ def entries(section):
 
 
 def helped():
-    """What --help lists: options, then commands, each as head and words."""
+    """The options and commands of --help, each as head and words."""
     text = subprocess.run([PROGRAM, "--help"], text=True, stdout=subprocess.PIPE, check=True).stdout
-    options, commands = text.split("\nCommands:\n")
+    options, commands = text.split("\nCommands, also for files and the console:\n")
     rows = {"OPTIONS": re.findall(r"^  (-\S.*?) {2,}(\S.*)$", options, re.MULTILINE),
             "COMMANDS": re.findall(r"^  ([a-z]\S*.*?) {2,}(\S.*)$", commands, re.MULTILINE)}
     return {section: {head.replace(",--", ", --").replace(" ...", ""): words for head, words in pairs}
@@ -50,6 +50,12 @@ class ManualPage(unittest.TestCase):
 
     def test_commands_are_those_of_the_program(self):
         self.compare("COMMANDS")
+
+    def test_table_of_commands_is_that_of_the_program(self):
+        text = (pathlib.Path(PAGE).parent.parent / "host.md").read_text()
+        table = text[text.index("| command | does |"):]
+        written = re.findall(r"^\| `(.*?)` \| (.*) \|$", table[: table.index("\n\n")], re.MULTILINE)
+        self.assertEqual(written, list(helped()["COMMANDS"].items()))
 
     def test_environment_variable_is_the_one_in_help(self):
         text = subprocess.run([PROGRAM, "--help"], text=True, stdout=subprocess.PIPE, check=True).stdout

@@ -1,6 +1,6 @@
-// Runs the C++ blocks of a page: run_snippets COUNT. The bundle is linked, so its factory is called as it
-// stands; the configuration directory comes from the environment. COUNT is how many blocks the page is known
-// to have at least, so that a page whose blocks are no longer found does not pass.
+// Runs the C++ blocks of a page: run_snippets COUNT. The bundle is linked, so its factory is called directly;
+// the configuration directory comes from the environment. COUNT is the smallest number of blocks that the
+// page must have, so that a page whose blocks are no longer found fails.
 
 #include <cstdio>
 #include <cstdlib>

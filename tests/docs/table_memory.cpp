@@ -1,5 +1,5 @@
 // Prints how much memory the alarm table takes for tables of several sizes: `table_memory`. With --map also
-// what an ordinary map takes for the same records, by the C library's account.
+// the memory of an ordinary map with the same records, as the C library reports it.
 //
 // A record here has keys of 7, 7, 4 and 1 characters and one of 100 values.
 
@@ -10,8 +10,8 @@
 #include <map>
 #include <string>
 
-#include "src/almconfig.h"
-#include "src/almtable.h"
+#include "src/alarmconfig/almconfig.h"
+#include "src/alarmconfig/almtable.h"
 
 namespace {
 
