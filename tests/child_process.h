@@ -10,7 +10,7 @@
 #include <fstream>
 #include <new>
 
-/// Runs what may never return in a child process.
+/// Runs code that may never return in a child process.
 namespace child {
 
 /// How a child process ended.
@@ -18,13 +18,13 @@ enum class End {
   kReturned,     ///< the work returned
   kEndless,      ///< it used up its second of processor time
   kOutOfMemory,  ///< it used up its memory
-  kOther,        ///< it left in some other way, such as a crash
+  kOther,        ///< it ended in another way, such as a crash
 };
 
 constexpr int kReturnedStatus = 0;
 constexpr int kOutOfMemoryStatus = 99;
 
-/// Lets this process have `more` bytes of address space beyond what it has.
+/// Limits this process to `more` bytes of address space beyond its present size.
 inline void LimitMemory(std::size_t more) {
   std::size_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages;
@@ -33,8 +33,8 @@ inline void LimitMemory(std::size_t more) {
   setrlimit(RLIMIT_AS, &limit);
 }
 
-/// The status of a child that runs `work`, which may `_exit` on its own. The limit is one of processor time:
-/// however slow the machine is, an endless loop reaches it and a few microseconds' work does not.
+/// The status of a child that runs `work`, which may call `_exit`. The limit is one of processor time: on a
+/// slow machine too, an endless loop reaches it and a few microseconds' work does not.
 template <class Work>
 int StatusOf(Work work) {
   const pid_t pid = fork();

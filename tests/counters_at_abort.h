@@ -5,9 +5,8 @@
 
 extern "C" void __gcov_dump() __attribute__((weak));
 
-/// In a build for coverage lets this process write its counters when it aborts, which it would not do by
-/// itself; in any other build does nothing. For the dying child of a death test: the process ends by the
-/// same signal all the same.
+/// In a build for coverage makes this process write its counters when it aborts; in any other build does
+/// nothing. For the child of a death test: the process still ends by the same signal.
 inline void KeepCountersAtAbort() {
   if (__gcov_dump != nullptr) {
     std::signal(SIGABRT, [](int) { __gcov_dump(); });

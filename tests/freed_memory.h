@@ -5,9 +5,9 @@
 
 #include <cstddef>
 
-/// While it lives, the C library overwrites memory that is given back, so that a test sees a text that was
-/// read after its end. The smallest pieces are spared: only those of `kWholeBytes` or more are sure to be
-/// overwritten. Does nothing under a sanitizer, which sees such a read by itself.
+/// While the object exists, the C library overwrites freed memory, so that a test detects a read of a freed
+/// text. Only pieces of `kWholeBytes` or more are overwritten for certain. Does nothing under a sanitizer,
+/// which detects such a read itself.
 class FreedMemoryOverwritten {
  public:
   static constexpr std::size_t kWholeBytes = 2048;

@@ -4,9 +4,9 @@
 #include <atomic>
 #include <thread>
 
-/// Runs `make` on one thread and, when it is over, `use` on another, without a synchronisation between the
-/// two: what orders memory is then up to the code under test, and ThreadSanitizer sees where that does too
-/// little. Both threads are there before either runs.
+/// Runs `make` on one thread and, after it returned, `use` on another, without synchronisation between the
+/// two: the code under test must order memory itself, and ThreadSanitizer reports where it does not. Both
+/// threads are started before either runs.
 template <class Make, class Use>
 void HandOver(Make make, Use use) {
   std::atomic<int> step{0};

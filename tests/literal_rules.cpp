@@ -2,16 +2,17 @@
 
 #include <cctype>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <sstream>
+
+#include "src/text/c_strtol.h"
 
 namespace literal {
 namespace {
 
 const char* const kBlanks = " \t\n\r";
 
-/// The value of a key in a text of pairs, shared by the two operations that ask for one.
+/// The value of a key in a text of pairs, shared by the two operations that look one up.
 std::string SearchValue(const std::string& key, const std::string& text) {
   std::string result;
   if (key.c_str()[0] == '\0') {
@@ -116,7 +117,7 @@ std::string Num2Str(int number) {
 bool Str2Num(const std::string& text, int& value, int base) {
   const char* const start = text.c_str();
   char* end = const_cast<char*>(start);
-  const long number = std::strtol(start, &end, base);
+  const long number = c_strtol(start, &end, base);
   value = static_cast<int>(static_cast<std::uint32_t>(static_cast<unsigned long>(number) & 0xFFFFFFFFU));
   const std::string rest = end;
   return rest == "";

@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-/// The rules of the library's operations, written down step by step and as plainly as they can be: what the
-/// operations must answer, whatever they do to get there. Tests, fuzzers and benchmarks compare with it. It
-/// shares no code with the library and no type with it beyond the standard ones.
+/// A reference implementation of the library's operations: the rules, step by step, as simple as possible.
+/// Tests, fuzz targets and benchmarks compare with it. It shares no code with the library, and only standard
+/// types.
 ///
-/// Everything here is slow on purpose and simple enough to be checked by eye. Keep it so.
+/// Everything here is slow on purpose and simple enough to be checked by reading. Keep it so.
 namespace literal {
 
 // --- Trim, case conversion, numbers
@@ -30,7 +30,7 @@ std::string Num2Str(int number);
 using ListMap = std::map<std::string, std::vector<std::string>>;
 
 bool Str2Num(const std::string& text, int& value, int base);
-/// Upper case with every character taken as a signed char.
+/// Upper case, with every character converted to a signed char.
 std::string ToUpper(const std::string& text);
 bool IsContain(const std::string& sub, const std::string& text);
 bool SplitFirst(const std::string& source, std::string& head, std::string& tail,
@@ -39,20 +39,20 @@ bool IsKeyValueAboveOne(const std::string& key, const std::string& text);
 std::string GetKeyValue(const std::string& key, const std::string& text);
 std::int64_t ParseListMap(ListMap& map, const std::string& text);
 std::int64_t GetMapList(const ListMap& map, const std::string& name, std::vector<std::string>& items);
-/// Never ends for an empty separator.
+/// Never returns for an empty separator.
 std::int64_t SplitStr(const std::string& text, const std::string& separator,
                       std::vector<std::string>& pieces);
 void ParseListEntry(const std::string& entry, std::string& name, std::vector<std::string>& items);
 
 // --- Percent encoding
 
-/// Replaces the pattern as long as the text holds it, from the beginning every time.
+/// Replaces the pattern until the text no longer contains it, searching from the start each time.
 void ReplaceAll(std::string& text, const std::string& pattern, const std::string& replacement);
-/// The encoding of a text that is in ISO-8859-1 already.
+/// Encodes a text that is already in ISO-8859-1.
 std::string EncodeLatin1(const std::string& text);
 std::string GetURLDecoding(std::string text);
 std::string SetURLDecoding(const std::string& text);
-/// Reads one escape text (what stands behind a '%', two characters at most) into `value` as a stream does.
+/// Reads one escape text (the text after a '%', two characters at most) into `value` as a stream does.
 void ExtractHex(const std::string& escape, int& value);
 
 // --- The alarm configuration
@@ -66,7 +66,7 @@ struct Record {
   std::string value;
 };
 
-/// Descending order by key1, key2, key3, numKey; the value does not matter.
+/// Descending order by key1, key2, key3, numKey; the value is ignored.
 struct ComesBefore {
   bool operator()(const Record& a, const Record& b) const;
 };
@@ -79,9 +79,9 @@ struct Complaint {
 
 class AlarmConfig {
  public:
-  /// Reads to the end of the file, as far as it can be reached: never ends when a line is too long.
+  /// Reads to the end of the file; never returns when a line is too long.
   int LoadConfig(std::istream& file);
-  /// What one line, as read, does.
+  /// Processes one line as read.
   void TakeLine(const char* buffer);
   void InsertRecord(const Record& record);
   int GetValue(const Record& key, std::string& value) const;

@@ -1,6 +1,6 @@
-// The main function of programs whose tests need a process of their own, since the library keeps for good
-// what its first message or its first debug log makes. Each selected test runs in a child process that has
-// run no other; a single one, as ctest runs them, runs in this process.
+// The main function of programs whose tests each need their own process, because the library keeps the
+// objects that its first message and its first debug log create until the process ends. Each selected test
+// runs in its own child process; a single test, as ctest runs them, runs in this process.
 
 #include <fnmatch.h>
 #include <gtest/gtest.h>

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-/// Random input for tests that compare with the literal rules. Seeds are fixed, so a failure comes back;
+/// Random input for tests that compare with the literal rules. Seeds are fixed, so a failure can be repeated;
 /// the environment variable ASCII_UTIL_TRIALS multiplies the number of trials for a longer search.
 namespace testing_text {
 
@@ -33,8 +33,8 @@ class RandomText {
     return text;
   }
 
-  /// Up to `mostStretches` stretches of up to `longest` characters, each stretch over one of the `alphabets`:
-  /// a text that is of one kind for a while, and then of another.
+  /// Up to `mostStretches` stretches of up to `longest` characters; the characters of each stretch come from
+  /// one of the `alphabets`.
   std::string Patchwork(const std::vector<std::string_view>& alphabets, std::size_t mostStretches,
                         std::size_t longest) {
     std::string text;

@@ -8,7 +8,7 @@
 
 namespace recording {
 
-/// A test that starts and ends with a fresh framework.
+/// A test fixture that resets the framework before and after each test.
 class FrameworkTest : public ::testing::Test {
  protected:
   FrameworkTest() { framework.Reset(); }

@@ -18,7 +18,7 @@
 namespace recording {
 namespace {
 
-/// An attribute for a mutex whose second lock by one thread fails. Made once, never freed.
+/// A mutex attribute: the second lock by the same thread fails. Created once, never freed.
 ACE_mutexattr_t* ErrorChecking() {
   static ACE_mutexattr_t attributes;
   pthread_mutexattr_init(&attributes);
@@ -202,7 +202,7 @@ int Logger::Log(const std::string& file, const std::string& func, int line, int 
                 const std::string& message) {
   Framework::Instance().Called("Log", file, func, line, level, message);
   Framework::Instance().Add({file, func, line, level, message, std::nullopt});
-  return -1;  // Nobody may look at it.
+  return -1;  // Callers must ignore it.
 }
 
 int Logger::LogF(const std::string& file, const std::string& func, int line, int level, const char* format,
@@ -240,7 +240,7 @@ int Utf8ToLatin1(const std::string& /*from*/, const std::string& /*to*/, const s
       output += input[i];
     } else if ((c == 0xC2 || c == 0xC3) && i + 1 < input.size()) {
       output += static_cast<char>((c & 0x03U) << 6 | (static_cast<unsigned char>(input[++i]) & 0x3FU));
-    } else if (c >= 0xC0) {  // The head of a longer character; its other bytes are skipped.
+    } else if (c >= 0xC0) {  // The first byte of a longer character; its other bytes are skipped.
       output += '?';
     }
   }
@@ -268,7 +268,7 @@ int SetIFBuf(const std::string& name, ServiceInterface* interface) {
   Framework::Instance().RegisterEmpty(name);
   Framework::Buffer& buffer = *Framework::Instance().BufferOf(name);
   buffer.insert(buffer.begin(), interface);
-  return -1;  // Nobody may look at it.
+  return -1;  // Callers must ignore it.
 }
 
 std::vector<ServiceInterface*>* CheckIFBuf(const std::string& name) {

@@ -17,12 +17,12 @@
 #include "framework/log_service.h"
 #include "framework/service_interface.h"
 
-/// A provider of everything that framework/ declares, for tests: it writes down every call with its arguments
-/// and answers as it is told. Test programs link it together with the bundle's own objects.
+/// A provider of everything that framework/ declares, for tests: it records every call with its arguments and
+/// returns the answers that the test sets. Test programs link it together with the bundle's own objects.
 ///
-/// The bundle keeps its logger for the life of the process, so the loggers handed out by default are never
-/// destroyed. A test about how that logger is obtained needs a process of its own, which ctest gives to every
-/// test, and process_each_main.cpp to each one of a program that is run as a whole.
+/// The bundle keeps its logger until the process ends, so the default loggers are never destroyed. A test of
+/// how that logger is obtained needs its own process: ctest starts one for each test, and so does
+/// process_each_main.cpp when a program is run as a whole.
 ///
 /// Threads: calls may come from any thread. Answers are set while no other thread calls.
 namespace recording {
@@ -36,27 +36,27 @@ struct Message {
   std::string function;
   int line = 0;
   int level = 0;
-  std::string text;                  ///< the message, or the format as it came
-  std::optional<std::string> value;  ///< the value behind a format; none for a plain message
+  std::string text;                  ///< the message, or the format unchanged
+  std::optional<std::string> value;  ///< the value of a format; none for a plain message
 
   bool operator==(const Message& other) const;
 };
 
-/// For the failure reports of the test library.
+/// Prints a message in the failure reports of the test library.
 std::ostream& operator<<(std::ostream& out, const Message& message);
 
-/// Writes down what it is given. Its destruction is written down as "~Logger()".
+/// Records its messages. Its destruction is recorded as "~Logger()".
 class Logger : public NS_LOG_SERVICE1::Logger {
  public:
   ~Logger() override;
   int Log(const std::string& file, const std::string& func, int line, int level,
           const std::string& message) override;
-  /// Takes exactly one value behind the format, a NUL-terminated text.
+  /// Takes exactly one value after the format, a NUL-terminated text.
   int LogF(const std::string& file, const std::string& func, int line, int level, const char* format,
            ...) override;
 };
 
-/// Hands out what `Framework::logger` says.
+/// Returns the loggers that `Framework::logger` returns.
 class LogService : public NS_LOG_SERVICE1::LogSvcInterface {
  public:
   std::string GetSvcName() override { return "RecordingLogService"; }
@@ -65,7 +65,7 @@ class LogService : public NS_LOG_SERVICE1::LogSvcInterface {
                                      const std::string& channel) override;
 };
 
-/// An interface that is none of the known ones.
+/// An interface of a type that the library does not use.
 class OtherInterface : public NS_BUNDLEMGR1::ServiceInterface {
  public:
   std::string GetSvcName() override { return "OtherInterface"; }
@@ -82,7 +82,7 @@ class Bundle : public NS_BUNDLEMGR1::Bundle {
   std::map<std::string, NS_BUNDLEMGR1::ServiceObjectBase*> objects;
 };
 
-/// The provider's one state: the journal and the answers.
+/// The state of the provider: the journal and the answers.
 class Framework {
  public:
   using Buffer = std::vector<NS_BUNDLEMGR1::ServiceInterface*>;
@@ -92,7 +92,7 @@ class Framework {
   /// The state of the process; never destroyed.
   static Framework& Instance();
 
-  /// Empties the journal and the registry, forgets every answer, registers the log service.
+  /// Empties the journal and the registry, resets every answer, registers the log service.
   void Reset();
 
   // --- What happened -------------------------------------------------------------------------------------
@@ -102,49 +102,49 @@ class Framework {
   /// " [mutex held]".
   std::vector<std::string> Calls() const;
 
-  /// The same without the calls that only look for a logger or talk to one.
+  /// The same without the calls that look up a logger or use one.
   std::vector<std::string> CallsWithoutLog() const;
 
-  /// What the loggers were given, in order.
+  /// The messages of all loggers, in order.
   std::vector<Message> Messages() const;
 
-  /// Forgets what happened so far, keeps the answers.
+  /// Empties the journal, keeps the answers.
   void ForgetCalls();
 
-  /// Stops and starts writing down; for callers in a loop without end, such as benchmarks.
+  /// Stops and starts recording; for callers that make very many calls, such as benchmarks.
   void SetRecording(bool on);
 
   // --- How to answer -------------------------------------------------------------------------------------
 
-  /// Runs `action` in each later call of `operation` ("SetIFBuf", "Log", ...), once it is written down and
-  /// before it does anything. An exception out of it leaves the operation.
+  /// Runs `action` in each later call of `operation` ("SetIFBuf", "Log", ...), after the call is recorded and
+  /// before its effect. An exception of `action` leaves the operation.
   void On(const std::string& operation, std::function<void()> action);
 
   std::string cfgDir;                   ///< `GetCfgDirPath`
   std::map<std::string, int> intItems;  ///< the readable items of `GetIntItemInfo`
-  std::optional<int> unreadable;        ///< what a failing `GetIntItemInfo` leaves in the value; else nothing
-  std::optional<int> sprintfResult;     ///< what `sprintf_s` answers, writing nothing; else it formats
+  std::optional<int> unreadable;        ///< what a failing `GetIntItemInfo` stores; without it nothing
+  std::optional<int> sprintfResult;     ///< what `sprintf_s` returns, writing nothing; without it, it formats
   std::list<NS_BUNDLEMGR1::Bundle*> bundles;  ///< the loaded bundles; `GetBundle` finds a recording one
   Converter convert;                          ///< `KelpCodeSetConvert`; at first `Utf8ToLatin1`
   std::function<std::string(int)> num2Str;    ///< `NSTE_util::Num2Str`
   std::function<std::string(const std::string&)> trim;  ///< `NSTE_util::Trim`
   std::function<NS_LOG_SERVICE1::Logger*()> logger;     ///< `GetLogger`; at first one for all
 
-  /// Puts `interface` into the registry without writing it down, behind those of the same name.
+  /// Appends `interface` to those of the same name in the registry; not recorded.
   void Register(const std::string& name, NS_BUNDLEMGR1::ServiceInterface* interface);
 
   /// Gives the name a buffer without interfaces.
   void RegisterEmpty(const std::string& name);
 
-  /// Takes the name and its buffer out of the registry.
+  /// Removes the name and its buffer from the registry.
   void Unregister(const std::string& name);
 
-  /// What is registered under the name; null when it has no buffer. Writes nothing down.
+  /// The buffer of the name; null when it has none. Not recorded.
   Buffer* BufferOf(const std::string& name);
 
   // --- For the provider's own functions -------------------------------------------------------------------
 
-  /// Writes the call down, if it is to be, and runs its action.
+  /// Records the call, unless recording is stopped, and runs its action.
   template <class... Arguments>
   void Called(const char* operation, const Arguments&... arguments) {
     if (recording_) {
@@ -175,8 +175,8 @@ class Framework {
   Logger commonLogger_;
 };
 
-/// Holds the global mutex as long as it lives. The mutex is an error-checking one: a lock by the same thread
-/// then fails instead of waiting for ever, which is how a test makes locking fail.
+/// Holds the global mutex while it exists. The mutex checks for errors: a second lock by the same thread
+/// fails instead of waiting forever, which is how a test makes locking fail.
 class MutexHeld {
  public:
   MutexHeld();

@@ -47,8 +47,8 @@ TEST(AgentOptions, AnUnknownOneIsNamedWithWhatThereIs) {
 }
 
 TEST(AgentOptions, AMissingOrEmptyValueIsRefused) {
-  EXPECT_EQ(ComplaintAbout({"--feed"}), "--feed needs a value behind it");
-  EXPECT_EQ(ComplaintAbout({"--feed", "f", "--out", ""}), "--out needs a value behind it");
+  EXPECT_EQ(ComplaintAbout({"--feed"}), "--feed needs a value");
+  EXPECT_EQ(ComplaintAbout({"--feed", "f", "--out", ""}), "--out needs a value");
 }
 
 TEST(AgentOptions, AnOptionGivenTwiceIsRefused) {

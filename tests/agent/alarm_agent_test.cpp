@@ -1,5 +1,5 @@
-// The agent as a bundle: loaded, run, unloaded and loaded again by ACE's service configurator, beside the
-// bundle whose interface it uses.
+// The agent as a bundle: loaded, run, unloaded and loaded again by ACE's service configurator, together with
+// the bundle whose interface it uses.
 
 #include <ace/DLL_Manager.h>
 #include <ace/Service_Config.h>
@@ -13,11 +13,10 @@
 
 #include "framework/bundle_mgr.h"
 #include "framework/interface_registry.h"
-#include "host/config_dir.h"
-#include "host/config_items.h"
-#include "host/log_service.h"
-#include "host/log_sink.h"
-#include "tests/agent/temp_dir.h"
+#include "host/platform/config_items.h"
+#include "host/platform/log_service.h"
+#include "host/platform/log_sink.h"
+#include "tests/temp_directory.h"
 
 namespace {
 
@@ -25,8 +24,8 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-// Turns a thread may be ahead, and lines that four threads have in hand: how far two messages must be apart
-// for the second one to be made after the first one was written.
+// The pool's window, plus the lines that four threads are working on: when two lines are this far apart, the
+// message of the second is made after that of the first was written.
 constexpr std::size_t kInHand = 256 + 4;
 
 int Load(const std::string& name, const std::string& arguments = "") {
@@ -58,7 +57,7 @@ bool IsMapped(const std::string& library) {
 class AlarmAgentTest : public testing::Test {
  protected:
   AlarmAgentTest() : out_(dir_ / "out") {
-    // Else the service configurator keeps libraries that it is done with.
+    // Otherwise the service configurator keeps libraries mapped after their removal.
     ACE_DLL_Manager::instance()->unload_policy(ACE_DLL_UNLOAD_POLICY_PER_PROCESS);
     std::filesystem::create_directory(dir_ / "ii_asciiagent_bundle");
     Configure(1);
@@ -71,7 +70,7 @@ class AlarmAgentTest : public testing::Test {
     Unload("ii_ascii_util");
   }
 
-  /// Configures the alarms of `Alarm` with a severity. Renamed into place, because a reader shall not see
+  /// Configures the alarms of `Alarm` with a severity. The file is renamed into place, so that no reader sees
   /// half of it.
   void Configure(int severity) const {
     const std::string file = dir_.Write("new", "COM\tBTS\tLOS\t7\t" + std::to_string(severity) + "\n");
@@ -86,7 +85,7 @@ class AlarmAgentTest : public testing::Test {
     return "--feed " + feed + " --out " + out_ + " --workers " + std::to_string(workers);
   }
 
-  /// What ACE says while the agent fails to be loaded with these arguments.
+  /// ACE's messages when the agent cannot be loaded with these arguments.
   std::string RefusalOf(const std::string& arguments) const {
     host::AceComplaints complaints;
     EXPECT_NE(Load("alarm_agent_example", arguments), 0);
@@ -94,7 +93,7 @@ class AlarmAgentTest : public testing::Test {
     return complaints.Text();
   }
 
-  const TempDir dir_;
+  const TempDirectory dir_;
   const std::string out_;
   const host::LogOutput log_{dir_ / "log"};
   const host::LogService logService_;
@@ -107,7 +106,7 @@ TEST_F(AlarmAgentTest, AnUnloadLetsItFinishTheFeed) {
   EXPECT_THAT(
       dir_.ReadLines("out"),
       ElementsAre(EndsWith(" CRITICAL COM BTS LOS/7 at x/y [a, b] https://noc.example/alarm?id=1&at=x%2fy"),
-                  EndsWith(" MALFORMED line 2 of the feed is no alarm: not every part is KEY=VALUE"),
+                  EndsWith(" MALFORMED line 2 of the feed is not an alarm: not every part is KEY=VALUE"),
                   EndsWith("?id=3&at=x%2fy")));
 }
 
@@ -134,7 +133,7 @@ TEST_F(AlarmAgentTest, FourWorkersLoseDoubleAndSwapNothingWhileTheConfigurationI
     feed += id % 1000 == 0 ? "junk\n" : Alarm(id);
   }
   dir_.Write("feed", feed);
-  // Values above 5 are written as numbers, so each message tells which version of the file it has seen.
+  // Values above 5 are written as numbers, so each message shows which version of the file it used.
   constexpr int kFirst = 100;
   Configure(kFirst);
   ASSERT_EQ(Load("ii_ascii_util"), 0);
@@ -170,7 +169,7 @@ TEST_F(AlarmAgentTest, FourWorkersLoseDoubleAndSwapNothingWhileTheConfigurationI
     ASSERT_GE(seen.back(), kFirst) << message;
     ASSERT_LE(seen.back(), newest) << message;
   }
-  // Nobody sees an older version after somebody has seen a newer one.
+  // After a message with a newer version, no message uses an older one.
   int newestBefore = kFirst;
   for (std::size_t i = kInHand; i < seen.size(); ++i) {
     newestBefore = std::max(newestBefore, seen[i - kInHand]);

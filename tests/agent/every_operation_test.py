@@ -4,7 +4,7 @@
   every_operation_test.py [--update] BUNDLE_HOST SOURCE LIBRARY_DIR
 
 SOURCE is the top of the source tree, LIBRARY_DIR where libii_ascii_util.so is. Times and the library's path, which differ
-from run to run, are written <time> and <library>. --update writes the expected file anew.
+from run to run, are written <time> and <library>. --update rewrites the expected file.
 """
 import difflib
 import os

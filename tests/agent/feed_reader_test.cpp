@@ -6,12 +6,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <future>
 #include <optional>
 #include <thread>
 
 #include "examples/alarm_agent/setup_error.h"
-#include "tests/agent/temp_dir.h"
+#include "tests/temp_directory.h"
 
 namespace alarm_agent {
 namespace {
@@ -30,7 +31,7 @@ std::vector<std::string> AllTexts(FeedReader& reader) {
 }
 
 std::vector<std::string> TextsOf(const std::string& content) {
-  const TempDir dir;
+  const TempDirectory dir;
   FeedReader reader(dir.Write("feed", content));
   return AllTexts(reader);
 }
@@ -46,7 +47,7 @@ std::string ComplaintAbout(const std::string& path) {
 
 /// A named pipe with a reader and, once asked for, a writer.
 struct Pipe {
-  TempDir dir;
+  TempDirectory dir;
   std::string path = dir / "pipe";
   UniqueFd writer;
   FeedReader reader;
@@ -57,7 +58,7 @@ struct Pipe {
   }
 
  private:
-  // Opened for both, so that it needs no reader to be opened and does not end.
+  // Opened for reading and writing, so that opening does not wait and the pipe does not end.
   static int Make(const std::string& path) {
     EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
     return ::open(path.c_str(), O_RDWR | O_CLOEXEC);
@@ -65,7 +66,7 @@ struct Pipe {
 };
 
 TEST(FeedReader, ReadsLinesWithTheirNumbers) {
-  const TempDir dir;
+  const TempDirectory dir;
   FeedReader reader(dir.Write("feed", "a\nb\n"));
   FeedLine line;
   ASSERT_TRUE(reader.Next(line));
@@ -100,7 +101,7 @@ TEST(FeedReader, LinesThatStraddleChunksAreWhole) {
 }
 
 TEST(FeedReader, ALineOverTheLimitIsCutAndMarkedAndTheNextOneIsWhole) {
-  const TempDir dir;
+  const TempDirectory dir;
   const std::string longest(FeedReader::kMaxLine, 'x');
   FeedReader reader(
       dir.Write("feed", longest + "\n" + longest + "y\n" + longest + longest + longest + "\nz\n"));
@@ -120,7 +121,7 @@ TEST(FeedReader, ALineOverTheLimitIsCutAndMarkedAndTheNextOneIsWhole) {
 }
 
 TEST(FeedReader, ALineThatWasCutStaysMarkedThoughItsEndComesInAChunkOfItsOwn) {
-  const TempDir dir;
+  const TempDirectory dir;
   FeedReader reader(dir.Write("feed", std::string(2 * FeedReader::kMaxLine, 'x') + "\n"));
   FeedLine line;
   ASSERT_TRUE(reader.Next(line));
@@ -141,20 +142,20 @@ TEST(FeedReader, AStandardInputThatIsClosedIsRefusedByItsName) {
 }
 
 TEST(FeedReader, ADirectoryIsRefused) {
-  const TempDir dir;
+  const TempDirectory dir;
   EXPECT_EQ(ComplaintAbout(dir / "."),
             "the feed \"" + (dir / ".") + "\" is a directory; a file or a pipe is needed");
 }
 
 TEST(FeedReader, AFeedThatBreaksOffSaysWhy) {
-  // A process's memory can be opened, and not be read at 0, where nothing is mapped.
+  // /proc/self/mem can be opened, but reading it at 0 fails, where nothing is mapped.
   FeedReader reader("/proc/self/mem");
   EXPECT_EQ(NextText(reader), std::nullopt);
   EXPECT_EQ(reader.Problem(), "the feed \"/proc/self/mem\" cannot be read on: Input/output error");
 }
 
 TEST(FeedReader, AFileIsReadToItsEndThoughAnEndIsAskedFor) {
-  const TempDir dir;
+  const TempDirectory dir;
   FeedReader reader(dir.Write("feed", "a\nb\nc\n"));
   EXPECT_EQ(NextText(reader), "a");
   reader.Finish();
@@ -174,6 +175,15 @@ TEST(FeedReader, AnEmptyPipeEndsAtOnceWhenAnEndIsAskedFor) {
   EXPECT_THAT(AllTexts(pipe.reader), ElementsAre());
 }
 
+TEST(FeedReader, OpensAPipeWithoutWaitingForAWriter) {
+  const TempDirectory dir;
+  const std::string path = dir / "pipe";
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  auto opened = std::async(std::launch::async, [&] { FeedReader reader(path); });
+  EXPECT_EQ(opened.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+  const UniqueFd writer(::open(path.c_str(), O_RDWR | O_CLOEXEC));  // Releases a reader that waits.
+}
+
 TEST(FeedReader, AnEndThatIsAskedForEndsAWait) {
   Pipe pipe;
   std::promise<void> hasFirst;
@@ -191,7 +201,7 @@ TEST(FeedReader, AnEndThatIsAskedForEndsAWait) {
 }
 
 TEST(FeedReader, KnowsItsOwnFile) {
-  const TempDir dir;
+  const TempDirectory dir;
   const FeedReader reader(dir.Write("feed", ""));
   const UniqueFd same(::open((dir / "feed").c_str(), O_RDONLY));
   const UniqueFd other(::open(dir.Write("other", "").c_str(), O_RDONLY));

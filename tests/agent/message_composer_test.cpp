@@ -6,7 +6,7 @@
 #include <map>
 #include <vector>
 
-#include "src/asciiutilifimpl.h"
+#include "src/interface/asciiutilifimpl.h"
 
 namespace alarm_agent {
 namespace {
@@ -14,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The real interface with a clock, a configuration and a switch of its own.
+/// The real interface with its clock, its configuration and its switch replaced.
 class SetUtil : public NS_ASCII::AsciiUtilInterfaceImpl {
  public:
   std::string GetTimeStamp() override { return "2026-11-15T09:11:44"; }
@@ -33,7 +33,7 @@ class SetUtil : public NS_ASCII::AsciiUtilInterfaceImpl {
 
   std::map<std::string, std::int64_t> values = {{"COM BTS LOS 7", 1}};
   bool isTranslated = false;
-  bool isNoNumber = false;  ///< whatever is asked for is configured as something else
+  bool isNoNumber = false;  ///< every query finds a value that is not a number
   std::vector<std::string> debugLog;
 };
 
@@ -41,14 +41,14 @@ class MessageComposerTest : public testing::Test {
  protected:
   std::string Compose(const std::string& text) const { return composer_.Compose({17, text, true}); }
 
-  /// The severity that is configured as `value`, as the message has it.
+  /// The text in the message for the configured severity `value`.
   std::string Severity(std::int64_t value) {
     util_.values["COM BTS LOS 7"] = value;
     return Compose(kAlarm).substr(20, Compose(kAlarm).find(" COM ") - 20);
   }
 
   static std::string Malformed(const std::string& problem) {
-    return "2026-11-15T09:11:44 MALFORMED line 17 of the feed is no alarm: " + problem;
+    return "2026-11-15T09:11:44 MALFORMED line 17 of the feed is not an alarm: " + problem;
   }
 
   static constexpr const char* kAlarm =
@@ -175,9 +175,9 @@ TEST_F(MessageComposerTest, AnEmptyItemOfAListIsRefused) {
 }
 
 TEST_F(MessageComposerTest, ANumberThatIsNoneOrTooLongIsRefused) {
-  for (const std::string bad : {"7x", "x", "7O", "1234567890", "4294967303"}) {
+  for (const std::string bad : {"7x", "x", "7O", "0b111", "1234567890", "4294967303"}) {
     EXPECT_EQ(Compose("ID=1,KIND=COM,EQUIPMENT=BTS,CAUSE=LOS,NUMBER=" + bad + ",AFFECTED=a,PATH=y"),
-              Malformed("NUMBER is \"" + bad + "\", which is no integer of at most nine characters"));
+              Malformed("NUMBER is \"" + bad + "\", not an integer of at most nine characters"));
   }
 }
 
@@ -195,7 +195,8 @@ TEST_F(MessageComposerTest, ALineThatWasTooLongIsMalformed) {
 
 TEST_F(MessageComposerTest, AMalformedLineIsAlsoToldToTheDebugLog) {
   Compose("x");
-  EXPECT_THAT(util_.debugLog, ElementsAre("line 17 of the feed is no alarm: not every part is KEY=VALUE"));
+  EXPECT_THAT(util_.debugLog,
+              ElementsAre("line 17 of the feed is not an alarm: not every part is KEY=VALUE"));
 }
 
 }  // namespace

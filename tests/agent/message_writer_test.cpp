@@ -1,15 +1,18 @@
 #include "examples/alarm_agent/message_writer.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
 
 #include "examples/alarm_agent/setup_error.h"
-#include "tests/agent/temp_dir.h"
+#include "tests/temp_directory.h"
 
 namespace alarm_agent {
 namespace {
 
 TEST(MessageWriter, WritesALineForEachMessageAtOnce) {
-  const TempDir dir;
+  const TempDirectory dir;
   MessageWriter writer(dir / "out");
   EXPECT_TRUE(writer.Write("one"));
   EXPECT_TRUE(writer.Write(""));
@@ -18,7 +21,7 @@ TEST(MessageWriter, WritesALineForEachMessageAtOnce) {
 }
 
 TEST(MessageWriter, KeepsWhatIsThere) {
-  const TempDir dir;
+  const TempDirectory dir;
   dir.Write("out", "before\n");
   MessageWriter(dir / "out").Write("after");
   EXPECT_EQ(dir.Read("out"), "before\nafter\n");
@@ -30,6 +33,23 @@ TEST(MessageWriter, CountsWhatItCannotWriteAndSaysWhy) {
   EXPECT_FALSE(writer.Write("two"));
   EXPECT_EQ(writer.Lost(), 2U);
   EXPECT_EQ(writer.Problem(), "messages cannot be written to \"/dev/full\": No space left on device");
+}
+
+// The system writes up to the limit and fails the next call.
+TEST(MessageWriter, CountsAMessageThatIsWrittenInPart) {
+  const TempDirectory dir;
+  MessageWriter writer(dir / "out");
+  rlimit before;
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit tenBytes{10, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tenBytes), 0);
+  EXPECT_FALSE(writer.Write("twenty characters ab"));
+  setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(dir.Read("out"), "twenty cha");
+  EXPECT_EQ(writer.Lost(), 1U);
+  EXPECT_EQ(writer.Problem(), "messages cannot be written to \"" + dir / "out" + "\": File too large");
 }
 
 TEST(MessageWriter, AFileThatCannotBeOpenedIsRefused) {

@@ -9,7 +9,7 @@
 namespace alarm_agent {
 namespace {
 
-/// Yields so many lines, each with its number for a text.
+/// A source of that many lines; the text of each is its number.
 struct CountingSource {
   std::uint64_t last;
   std::uint64_t calls = 0;
@@ -70,7 +70,7 @@ TEST(OrderedPool, ASlowFirstLineHoldsTheOthersBackAndNoFurtherThanTheWindow) {
   };
   OrderedPool pool(std::ref(source), work, [&](const std::string& result) { results.push_back(result); });
   pool.Start(2);
-  // The second thread puts down the lines 2 to kWindow, works on the next one and must wait with it.
+  // The second thread finishes the lines 2 to kWindow, works on the next one and must wait to deliver it.
   while (worked < OrderedPool::kWindow) std::this_thread::yield();
   for (int i = 0; i < 1000; ++i) std::this_thread::yield();
   EXPECT_EQ(worked, OrderedPool::kWindow);

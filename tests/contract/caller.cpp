@@ -1,9 +1,10 @@
-// A caller as another team writes it: it knows the published headers, links the bundle and the platform,
-// fetches the interface by name and uses everything. It is also compiled by another compiler than the bundle.
+// A caller as another team writes it: it includes the published headers, links the bundle and the platform,
+// fetches the interface by name and calls everything. It is also compiled by another compiler than the
+// bundle.
 //
-//   contract_caller BUNDLE    BUNDLE is the file that the loader is expected to have taken the bundle from
+//   contract_caller BUNDLE    BUNDLE is the file from which the loader must have loaded the bundle
 //
-// Prints what is not as promised; exit 1 then, else 0.
+// Prints each broken promise; the exit code is then 1, otherwise 0.
 
 #include <dlfcn.h>
 

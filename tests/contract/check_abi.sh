@@ -4,7 +4,7 @@
 #   tests/contract/check_abi.sh [--help] [--update] LIBRARY
 #
 # LIBRARY is the build's libii_ascii_util_types.so: the exporting units of the bundle, compiled with type descriptions.
-# --update writes the baseline anew from LIBRARY instead of comparing.
+# --update rewrites the baseline from LIBRARY instead of comparing.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 
@@ -44,7 +44,7 @@ The binary interface differs from the baseline tests/contract/libii_ascii_util.a
 against that.
   - If something was changed, removed, reordered or inserted, undo it; callers would call the wrong slot or symbol. It
     may only come with a new SOVERSION of the library and a word in the change log.
-  - If something was only appended behind the last slot, or a function was added, it is compatible: review the report,
+  - If something was only appended after the last slot, or a function was added, it is compatible: review the report,
     then write the new baseline and commit it with the change:
       tests/contract/check_abi.sh --update $library
 END

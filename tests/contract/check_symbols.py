@@ -3,7 +3,7 @@
 
 usage: check_symbols.py exports|imports|unique|needed LIBRARY [--ace LIBACE] [--platform NAME]
 
-exports  exported functions are exactly those of exports.txt; other exported names are type identities only
+exports  the exported names are exactly those of exports.txt, so no type information is among them
 imports  platform symbols are exactly those of platform_symbols.txt; every other import comes from ACE or from
          the C and C++ runtime, and none is one of forbidden_symbols.txt
 unique   no symbol has unique binding, which would keep the library mapped for ever
@@ -19,7 +19,7 @@ import sys
 HERE = pathlib.Path(__file__).resolve().parent
 RUNTIME_VERSION = re.compile(r"@(GLIBC|GLIBCXX|CXXABI|GCC)_")
 RUNTIME_LIBRARY = re.compile(r"^(libstdc\+\+|libm|libgcc_s|libc|ld-linux[-\w]*)\.so(\.\d+)*$")
-# What the compiler's start-up files refer to in every shared library; absent at run time is fine.
+# Weak references of the compiler's start-up files in every shared library; they may be absent at run time.
 START_UP = {"__gmon_start__", "_ITM_deregisterTMCloneTable", "_ITM_registerTMCloneTable"}
 
 
@@ -54,15 +54,11 @@ def complain(text, names):
 
 
 def check_exports(args):
-    functions, other = set(), set()
-    for kind, name in symbols(args.library, "--defined-only"):
-        (functions if kind in "TtWi" and not name.startswith("_ZT") else other).add(bare(name))
+    exported = {bare(name) for _, name in symbols(args.library, "--defined-only")}
     wanted = listed("exports.txt")
-    identities = {name for name in other if re.match(r"_ZT[IS]", name)}
     return any([
-        complain("exported, but not in exports.txt", functions - wanted),
-        complain("in exports.txt, but not exported", wanted - functions),
-        complain("exported data that is no type identity", other - identities),
+        complain("exported, but not in exports.txt", exported - wanted),
+        complain("in exports.txt, but not exported", wanted - exported),
     ])
 
 

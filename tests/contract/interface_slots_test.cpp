@@ -1,5 +1,5 @@
-// The operations as a caller built elsewhere reaches them: by slot number, through the raw table of the
-// interface that the loaded bundle registers.
+// The operations as compiled callers call them: by slot number, through the raw table of the interface that
+// the loaded bundle registers.
 
 #include <cstdint>
 #include <map>
@@ -37,7 +37,7 @@ TEST_F(InterfaceSlots, Slots1And2AreTheDestructors) {
   void* const second = make(bundle.service());
   raw::At<void(void*)>(second, 1)(second);
   ::operator delete(second);
-  make(bundle.service());  // What the service object destroys in the end.
+  make(bundle.service());  // The service object destroys this one.
 }
 
 TEST_F(InterfaceSlots, Slot3IsGetSvcName) { EXPECT_EQ(Call<std::string(void*)>(3), "AsciiUtilService"); }

@@ -66,7 +66,7 @@ TEST_F(Load, ASecondLoadStartsAfresh) {
     const LoadedBundle bundle;
     framework.intItems["IsTransQuelt"] = 1;
     EXPECT_TRUE(RegisteredInterface()->IsTransQueltEnabled());
-    // The logger of the load before is gone with that load, so a new one is asked for.
+    // The logger of the previous load was dropped with it, so a new one is requested.
     EXPECT_THAT(framework.Calls(), testing::Contains(testing::StartsWith("GetLogger(")));
   }
 }
@@ -84,7 +84,8 @@ TEST_F(Load, TheFactoryWithoutAPlaceForTheExterminatorMakesAnObject) {
 
 class LoadByAce : public Load {
  protected:
-  // ACE's default asks each library for its own policy, and keeps one that has none mapped until exit.
+  // By default ACE uses each library's own unload policy; it keeps a library without a policy mapped until
+  // exit.
   LoadByAce() { ACE_DLL_Manager::instance()->unload_policy(ACE_DLL_UNLOAD_POLICY_PER_PROCESS); }
 
   static int Process(const std::string& directive) {

@@ -10,14 +10,14 @@ namespace contract {
 /// The bundle's file: the built one, or the one that the environment variable ASCII_UTIL_BUNDLE names.
 std::string BundlePath();
 
-/// How many mappings of the bundle's file the process's own mapping list shows.
+/// The number of mappings of the bundle's file in the process's mapping list.
 int MappingsOfBundle();
 
-/// The bundle, opened for itself alone (no symbol of it is offered to others), with one service object.
-/// The platform it finds is the recording one, which this program exports.
+/// The bundle, opened with local symbols (other libraries cannot use them), with one service object.
+/// It uses the recording platform, which this program exports.
 class LoadedBundle {
  public:
-  /// Throws `std::runtime_error` with the linker's words when the bundle cannot be loaded.
+  /// Throws `std::runtime_error` with the linker's message when the bundle cannot be loaded.
   LoadedBundle();
   /// Destroys the service object through its exterminator and closes the library.
   ~LoadedBundle();

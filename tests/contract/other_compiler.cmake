@@ -81,7 +81,7 @@ add_custom_command(OUTPUT ${other_caller}
   COMMENT "Building the caller with ${name}" VERBATIM)
 add_custom_target(contract_other_caller ALL DEPENDS ${other_caller})
 
-# Which bundle a caller meets is the loader's choice, by the order of directories.
+# The order of the loader's directories decides which bundle a caller uses.
 function(contract_caller_test test caller bundle)
   add_test(NAME contract.caller.${test} COMMAND ${caller} ${bundle})
   cmake_path(GET bundle PARENT_PATH directory)

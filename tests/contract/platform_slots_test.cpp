@@ -1,4 +1,4 @@
-// The platform's classes as the bundle calls them: every slot but the promised one is a trap.
+// The platform's classes as the bundle calls them: calls of any other slot are recorded and fail the test.
 
 #include <cstdarg>
 #include <list>
@@ -17,7 +17,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// What the replaced entries were given; one test at a time writes it.
+// The arguments of the replaced entries; one test at a time writes them.
 std::vector<std::string> heard;
 void* answer = nullptr;
 
@@ -77,7 +77,7 @@ class PlatformSlots : public recording::FrameworkTest {
   contract::LoadedBundle bundle;
 };
 
-/// Asks `IsTransQueltEnabled`, which logs.
+/// Calls `IsTransQueltEnabled`, which logs.
 void MakeItLog() {
   void* const object = contract::LoadedBundle::interface();
   raw::At<bool(void*)>(object, 7)(object);
@@ -129,7 +129,7 @@ TEST_F(PlatformSlots, BundlesAreSearchedThroughSlots10And13And27) {
   onlyObject = &object;
   framework.Unregister("LogSvcInterface");
 
-  // Three tables at once, so each has a number of entries, and with it traps, of its own.
+  // Three tables at once: different sizes make different classes, so each has its own list of calls.
   raw::ReplacedTable<40> managerTable(NS_BUNDLEMGR1::BundleMgr::Instance());
   managerTable.Set(10, &HearGetAllBundles);
   raw::ReplacedTable<41> bundleTable(&onlyBundle);

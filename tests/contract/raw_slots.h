@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-/// Virtual tables as other compilers' code sees them: numbered entries behind the first pointer of an object
-/// (Itanium C++ ABI). Slots count from 1, the two destructor entries included.
+/// Virtual tables as other compilers' code uses them: numbered entries, reached through the first pointer of
+/// an object (Itanium C++ ABI). Slots count from 1, the two destructor entries included.
 namespace raw {
 
 /// The entry of `slot` in the table that `object` points to.
@@ -27,8 +27,9 @@ Function* At(const void* object, std::size_t slot) {
   return function;
 }
 
-/// While it lives, `object` has a table of `kSlots` entries that only note their own number, except for those
-/// that a test sets. What precedes the entries (type information, offsets) stays, so checked casts work.
+/// While it exists, `object` has a table of `kSlots` entries that only record their own number, except for
+/// those that a test sets. The words before the entries (type information, offsets) stay, so checked casts
+/// work.
 template <std::size_t kSlots>
 class ReplacedTable {
  public:
@@ -36,7 +37,7 @@ class ReplacedTable {
     called.clear();
     std::memcpy(&original_, object_, sizeof original_);
     std::memcpy(words_.data(), original_ - kHead, kHead * sizeof(void*));
-    FillWithTraps(std::make_index_sequence<kSlots>());
+    FillWithRecorders(std::make_index_sequence<kSlots>());
     void** const table = words_.data() + kHead;
     std::memcpy(object_, &table, sizeof table);
   }
@@ -56,13 +57,13 @@ class ReplacedTable {
   static constexpr std::size_t kHead = 2;  // Offset to top, type information.
 
   template <std::size_t kSlot>
-  static void Trap() {
+  static void RecordCall() {
     called.push_back(kSlot);
   }
 
   template <std::size_t... kIndex>
-  void FillWithTraps(std::index_sequence<kIndex...> /*slots*/) {
-    (Set(kIndex + 1, &Trap<kIndex + 1>), ...);
+  void FillWithRecorders(std::index_sequence<kIndex...> /*slots*/) {
+    (Set(kIndex + 1, &RecordCall<kIndex + 1>), ...);
   }
 
   void* object_;

@@ -1,5 +1,5 @@
-// The operations that hold the places between the promised ones: each stands in the slot that its name says,
-// and does nothing.
+// The operations that reserve the slots between those of the contract: each has the slot of its name and does
+// nothing.
 
 #include <vector>
 
@@ -48,10 +48,10 @@ void CallReserved(NS_LOG_SERVICE1::LogSvcInterface& service) {
 
 class ReservedSlots : public recording::FrameworkTest {
  protected:
-  /// The slots that the calls go through, once they are seen to do nothing.
+  /// The slots that the calls use, after calls that must do nothing.
   template <class Object>
   Slots Of(Object& object) {
-    // A compiler that sees which object it is calls it directly instead of through its table.
+    // Hides the object's type: a compiler that knows it calls directly instead of through the table.
     Object* volatile unknown = &object;
     CallReserved(*unknown);
     EXPECT_THAT(framework.Calls(), testing::IsEmpty());
@@ -72,7 +72,7 @@ TEST_F(ReservedSlots, OfTheBundleManagerAre3To6And8And9) {
 }
 
 TEST_F(ReservedSlots, OfALoggerAre3To6) {
-  static recording::Logger logger;  // Its end would be written down.
+  static recording::Logger logger;  // Static, because its destruction would be recorded.
   EXPECT_EQ(Of<NS_LOG_SERVICE1::Logger>(logger), (Slots{3, 4, 5, 6}));
 }
 

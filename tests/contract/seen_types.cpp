@@ -6,7 +6,7 @@
 #include "framework/log_service.h"
 #include "framework/process_exception.h"
 #include "framework/service_object_base.h"
-#include "src/asciiutilsvc.h"
+#include "src/service/asciiutilsvc.h"
 
 extern "C" PLATFORM_API void contract_types(
     const NS_ASCII::AsciiUtilInterface& /*unused*/, const NS_ASCII::ii_ascii_util& /*unused*/,

@@ -1,4 +1,4 @@
-// The service object as the service configurator and the framework reach it: by slot number.
+// The service object as the service configurator and the framework call it: by slot number.
 //
 // Slots: 1 and 2 the destructors, 3 to 21 the operations of ACE_Event_Handler, 22 and 23 those of
 // ACE_Service_Object, 24 to 29 the framework's own, 30 and 31 `fini` and `init`.

@@ -10,12 +10,12 @@
 
 namespace {
 
-/// Allocations of more bytes fail.
+/// Allocations of more bytes than this fail.
 std::size_t mostBytes = SIZE_MAX;
 
 }  // namespace
 
-// Kept out of line: the compiler would otherwise take an inlined pair for a mismatched one.
+// noinline: the compiler would otherwise warn of mismatched allocation functions at inlined pairs.
 [[gnu::noinline]] void* operator new(std::size_t size) {
   void* const piece = size <= mostBytes ? std::malloc(size) : nullptr;
   if (piece == nullptr) {
@@ -82,6 +82,20 @@ TEST(CodeSet, ACharacterThatLatinLacksBecomesOneQuestionMark) {
   EXPECT_EQ(Latin("\xF0\x9F\x98\x80").text, "?");
   EXPECT_EQ(Latin("\xC4\x80\xC4\x81").text, "??");
   EXPECT_NE(Latin("\xE2\x82\xAC").result, 0);
+}
+
+// Takes minutes if each such character makes iconv convert the rest of the text again.
+TEST(CodeSet, ALongTextOfCharactersThatLatinLacksBecomesAsManyQuestionMarks) {
+  EXPECT_EQ(Latin(Repeated("\xE2\x82\xAC", 200000)).text, std::string(200000, '?'));
+}
+
+// Long texts are converted in pieces; the result must not depend on where a piece ends.
+TEST(CodeSet, CharactersAreWholeAtEveryPlaceOfALongText) {
+  for (std::size_t before = 240; before < 270; ++before) {
+    EXPECT_EQ(Latin(std::string(before, 'a') + "\xC3\xA9\xF0\x9F\x98\x80z").text,
+              std::string(before, 'a') + "\xE9?z");
+    EXPECT_EQ(Latin(std::string(before, 'a') + "\xF0\x9F\x98").text, std::string(before, 'a') + "???");
+  }
 }
 
 TEST(CodeSet, AMalformedByteBecomesOneQuestionMarkAndTheRestIsKept) {

@@ -1,12 +1,13 @@
-#include "host/config_items.h"
+#include "host/platform/config_items.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
+#include <map>
 
-#include "host/config_dir.h"
+#include "host/base/problem.h"
 
 namespace {
 
@@ -20,9 +21,19 @@ class ConfigItems : public testing::Test {
   }
   void TearDown() override { std::remove(file_.c_str()); }
 
+  /// Returns the warnings, or the problem, each without the file's name and followed by '|'.
   std::string Load(const std::string& text) {
-    std::ofstream(file_) << text;
-    return host::LoadItems(file_);
+    std::ofstream(file_, std::ios::binary) << text;
+    std::string all;
+    const auto add = [&](const std::string& told) {
+      all += told.substr(told.find(file_) + file_.size()) + "|";
+    };
+    try {
+      for (const std::string& warning : host::LoadItems(file_)) add(warning);
+    } catch (const host::Failure& problem) {
+      add(problem.what());
+    }
+    return all;
   }
 
   const std::string file_ = testing::TempDir() + std::to_string(getpid()) + "-config_items_test.ini";
@@ -45,21 +56,67 @@ TEST_F(ConfigItems, AMissingItemCannotBeRead) {
   EXPECT_FALSE(CorbaConfigItems::Instance()->GetIntItemInfo("Missing", value));
 }
 
-TEST_F(ConfigItems, AnItemThatIsNoIntegerIsListedButCannotBeRead) {
-  EXPECT_EQ(Load("[items]\nWord=abc\n"), "");
+TEST_F(ConfigItems, AnItemThatIsNoIntegerIsReportedListedAndCannotBeRead) {
+  EXPECT_EQ(Load("[items]\n Word = abc\n"),
+            ":2:2: Word: 'abc' is no integer from -2147483648 to 2147483647; the item counts as missing|");
   int value = 5;
   EXPECT_FALSE(CorbaConfigItems::Instance()->GetIntItemInfo("Word", value));
   EXPECT_EQ(host::ListItems().at("Word"), "abc");
 }
 
-TEST_F(ConfigItems, AFileThatIsNotUnderstoodIsReportedAndChangesNothing) {
-  host::SetItem("Kept", 3);
-  EXPECT_NE(Load("[items]\nA=1\nwhat is this\n"), "");
-  EXPECT_EQ(host::ListItems().size(), 1U);
+TEST_F(ConfigItems, CommentsSectionsBlanksAndCarriageReturnsAreTaken) {
+  EXPECT_EQ(Load("; c\n# c\n\n  \t\r\n [items] \r\nA=1\n B = -2 \nb=+3\n[a\\b]\nA=4\nA=x=y\n[items]\nC=5"),
+            "");
+  EXPECT_EQ(host::ListItems(),
+            (std::map<std::string, std::string>{{"A", "1"}, {"B", "-2"}, {"C", "5"}, {"b", "+3"}}));
+  EXPECT_EQ(Load(""), "");
 }
 
-TEST_F(ConfigItems, AMissingFileIsReported) {
-  EXPECT_NE(host::LoadItems("/nonexistent/items.ini").find("cannot be opened"), std::string::npos);
+TEST_F(ConfigItems, AWrongLineIsReportedByPlaceAndChangesNothing) {
+  host::SetItem("Kept", 3);
+  const std::string noSection = "not the name of a section; write [NAME] and nothing else on the line|";
+  for (const auto& [text, problem] : std::map<std::string, std::string>{
+           {"[items]\nA=1\n  what\n",
+            ":3:3: neither a [SECTION], NAME=INTEGER, nor a comment, which starts with ';' or '#'|"},
+           {"A=1\n", ":1:1: an item before the first section; write [items] above it|"},
+           {" [items\n", ":1:2: " + noSection},
+           {"[\n", ":1:1: " + noSection},
+           {"[]\n", ":1:1: " + noSection},
+           {"[ items]\n", ":1:1: " + noSection},
+           {"[items\t]\n", ":1:1: " + noSection},
+           {"[items]x]\n", ":1:1: " + noSection},
+           {"[items] ; c\n", ":1:1: " + noSection},
+           {"[Items]\n", ":1:2: there is no section 'Items'; did you mean [items]?|"},
+           {" [item]\n", ":1:3: there is no section 'item'; did you mean [items]?|"},
+           {"[items]\n =3\n", ":2:2: there is no name before the '='; write NAME=INTEGER|"},
+           {"[items]\nA=1\n[x]\nA=2\n[items]\n A=1\n",
+            ":6:2: 'A' is set a second time; keep one of the lines|"},
+           {std::string("[items]\nA=1\0\n", 13), ":2:4: a NUL byte; this is a file of text lines|"},
+           {"\xef\xbb\xbf[items]\n", ":1:1: a byte order mark; save the file without one|"},
+       }) {
+    EXPECT_EQ(Load(text), problem) << text;
+    EXPECT_EQ(host::ListItems(), (std::map<std::string, std::string>{{"Kept", "3"}})) << text;
+  }
+}
+
+TEST_F(ConfigItems, AMisspeltItemIsReportedAndKept) {
+  EXPECT_EQ(Load("[items]\nIsTransQuelt=1\nistransquelt=0\nOther=1\n"),
+            ":3:1: 'istransquelt' looks misspelt; did you mean IsTransQuelt?|");
+  EXPECT_EQ(host::ListItems().size(), 3U);
+}
+
+TEST_F(ConfigItems, OnlyARegularFileIsRead) {
+  const auto problemOf = [](const std::string& file) -> std::string {
+    try {
+      host::LoadItems(file);
+      return "";
+    } catch (const host::Failure& problem) {
+      return problem.what();
+    }
+  };
+  EXPECT_EQ(problemOf("/dev/null"), "/dev/null: is no regular file");
+  EXPECT_EQ(problemOf("/"), "/: is no regular file");
+  EXPECT_EQ(problemOf("/nonexistent/a"), "/nonexistent/a: cannot be opened: No such file or directory");
 }
 
 TEST_F(ConfigItems, ASetItemIsSeenByTheNextRead) {

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The console at a terminal: real keys through a pseudo-terminal, and what the screen then shows.
+"""Tests the console at a terminal: sends keys through a pseudo-terminal and reads the screen.
 
 Usage: console_pty_test.py BUNDLE_HOST LIBII_ASCII_UTIL
 """
@@ -8,6 +8,7 @@ import pty
 import re
 import select
 import shutil
+import subprocess
 import sys
 import tempfile
 import time
@@ -18,14 +19,14 @@ DEADLINE = 20.0
 
 
 class Terminal:
-    """A console behind a pseudo-terminal. Waits for texts, never for times."""
+    """A console on a pseudo-terminal. Waits for texts, never for times."""
 
-    def __init__(self, arguments, state_dir):
+    def __init__(self, arguments, state_dir, environment):
         self.screen = ""
         self.exit_code = None
         self.pid, self.fd = pty.fork()
         if self.pid == 0:
-            os.environ.update(TERM="vt100", XDG_STATE_HOME=state_dir)
+            os.environ.update({"TERM": "vt100", "XDG_STATE_HOME": state_dir, **environment})
             os.environ.pop("BUNDLE_HOST_CONFIG_DIR", None)
             os.execv(arguments[0], arguments)
 
@@ -33,7 +34,7 @@ class Terminal:
         os.write(self.fd, keys.encode())
 
     def wait_for(self, text):
-        """Waits for `text`; returns what came up to and with it, and forgets that."""
+        """Waits for `text`; returns the output up to its end and removes that from `screen`."""
         deadline = time.monotonic() + DEADLINE
         while text not in self._plain():
             if not self._read(deadline):
@@ -44,7 +45,7 @@ class Terminal:
         return plain[:end]
 
     def run(self, line):
-        """Types a command; returns what it printed, up to the next prompt."""
+        """Types a command; returns its output, up to the next prompt."""
         self.type(line + "\r")
         self.wait_for("\r\n")
         return self.wait_for(PROMPT)[: -len(PROMPT)]
@@ -85,8 +86,8 @@ class ConsoleAtATerminal(unittest.TestCase):
         self.state_dir = tempfile.mkdtemp()
         self.addCleanup(shutil.rmtree, self.state_dir)
 
-    def start(self, *options):
-        terminal = Terminal([HOST, "--log-file", "/dev/null", *options, "console"], self.state_dir)
+    def start(self, *options, environment=None):
+        terminal = Terminal([HOST, "--log-file", "/dev/null", *options, "console"], self.state_dir, environment or {})
         self.addCleanup(terminal.close)
         terminal.wait_for(PROMPT)
         return terminal
@@ -132,9 +133,50 @@ class ConsoleAtATerminal(unittest.TestCase):
                 pass
         terminal = self.start()
         terminal.type(f"load {directory}/a\t")
-        self.assertIn(f"{directory}/afile.so  {directory}/agate.so  \r\n", terminal.wait_for(PROMPT))
+        self.assertIn(f"{directory}/afile.so  {directory}/agate.so\r\n", terminal.wait_for(PROMPT))
         terminal.type("f\t\r")
         self.assertIn(f"{directory}/afile.so: cannot be loaded", terminal.wait_for(PROMPT))
+
+    def test_tab_goes_on_into_a_directory(self):
+        directory = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, directory)
+        os.mkdir(os.path.join(directory, "sub"))
+        with open(os.path.join(directory, "sub", "afile.so"), "w", encoding="ascii"):
+            pass
+        terminal = self.start()
+        terminal.type(f"load {directory}/s\ta\t\r")
+        self.assertIn(f"{directory}/sub/afile.so: cannot be loaded", terminal.wait_for(PROMPT))
+
+    def test_a_repeated_line_is_in_the_history_once(self):
+        terminal = self.start()
+        for line in ["unset Nothing", "log", "log"]:
+            terminal.run(line)
+        terminal.type("\x1b[A\x1b[A\r")
+        self.assertIn("there is no item 'Nothing'", terminal.wait_for(PROMPT))
+
+    def test_a_relative_state_directory_is_ignored(self):
+        home = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, home)
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(home)
+        terminal = self.start(environment={"XDG_STATE_HOME": "relative", "HOME": home})
+        terminal.run("log")
+        terminal.type("\x04")
+        terminal.wait_for_end()
+        self.assertTrue(os.path.isfile(os.path.join(home, ".local/state/bundle_host/history")))
+        self.assertFalse(os.path.exists("relative"))
+
+    def test_output_to_a_file_needs_no_editor(self):
+        controller, terminal = pty.openpty()
+        self.addCleanup(os.close, controller)
+        process = subprocess.Popen([HOST, "console"], stdin=terminal, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        os.close(terminal)
+        os.write(controller, b"log\n\x04")
+        self.assertEqual(process.communicate(timeout=DEADLINE), ("log level: 0\n", ""))
+
+    def test_a_wrong_argument_has_its_column(self):
+        terminal = self.start()
+        self.assertIn("column 7: set: 'b' is no integer", terminal.run("set A b"))
 
     def test_ctrl_c_abandons_the_line_and_the_console_goes_on(self):
         terminal = self.start()
@@ -183,6 +225,29 @@ class ConsoleAtATerminal(unittest.TestCase):
             lines = [line.rstrip().replace("\\040", " ") for line in file]
         self.assertEqual(lines[1:], ["set First 1", "set Second 2", "set Third 3"])
 
+    @unittest.skipUnless(os.environ.get("NO_FCHMOD"), "a sanitizer's run time must be the first library")
+    def test_a_new_history_is_private_from_the_start(self):
+        """Some versions of libedit restrict the mode themselves; a preloaded fchmod disables that."""
+        os.umask(0o022)
+        self.leave_a_history({"LD_PRELOAD": os.environ["NO_FCHMOD"]})
+
+    def test_a_readable_history_becomes_private(self):
+        path = os.path.join(self.state_dir, "bundle_host", "history")
+        os.makedirs(os.path.dirname(path))
+        with open(path, "w", encoding="ascii") as file:
+            file.write("_HiStOrY_V2_\n")
+        os.chmod(path, 0o644)
+        self.leave_a_history({})
+
+    def leave_a_history(self, environment):
+        """Runs a console; only the user may then read the history file."""
+        terminal = self.start(environment=environment)
+        terminal.run("log")
+        terminal.type("\x04")
+        terminal.wait_for_end()
+        path = os.path.join(self.state_dir, "bundle_host", "history")
+        self.assertEqual(os.stat(path).st_mode & 0o777, 0o600)
+
     def test_an_abandoned_line_is_not_in_the_history(self):
         terminal = self.start()
         terminal.run("log")
@@ -193,5 +258,5 @@ class ConsoleAtATerminal(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    HOST, BUNDLE = sys.argv[1:3]  # The third is for other tests.
+    HOST, BUNDLE = sys.argv[1:3]  # The third argument is for other tests.
     unittest.main(argv=sys.argv[:1] + sys.argv[4:])

@@ -1,4 +1,4 @@
-#include "host/directive.h"
+#include "host/loader/directive.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,10 @@
-#include "host/registry.h"
+#include "host/platform/interface_registry.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 #include <thread>
 
 namespace {
@@ -71,7 +72,7 @@ TEST(Registry, AWithdrawnInterfaceIsInNoBufferAnyMore) {
     SetIFBuf("Gone", &gone);
     kept = CheckIFBuf("Gone");
     other = CheckIFBuf("Other");
-    other->push_back(&gone);  // As a lookup does.
+    other->push_back(&gone);  // A lookup caches its result in this way.
   }
   EXPECT_TRUE(kept->empty());
   EXPECT_EQ(*other, std::vector<ServiceInterface*>{&living});
@@ -106,6 +107,25 @@ TEST(Registry, LookupsAreCountedAlsoForNamesThatAreNeverRegistered) {
   Named named;
   SetIFBuf("Wanted", &named);
   EXPECT_TRUE(Listed("Wanted").everRegistered);
+}
+
+TEST(Registry, AWithdrawnInterfaceLeavesTheBufferThatWasHandedOut) {
+  auto first = std::make_unique<Named>();
+  SetIFBuf("Handed out", first.get());
+  const std::vector<ServiceInterface*>* const buffer = CheckIFBuf("Handed out");
+  ASSERT_NE(buffer, nullptr);
+  Named second;
+  SetIFBuf("Handed out", &second);
+  first.reset();
+  EXPECT_TRUE(buffer->empty());
+}
+
+TEST(Registry, SuccessfulLookupsAreCounted) {
+  Named one;
+  SetIFBuf("Counted", &one);
+  CheckIFBuf("Counted");
+  CheckIFBuf("Counted");
+  EXPECT_EQ(Listed("Counted").lookups, 2U);
 }
 
 TEST(Registry, NamesAreByteStrings) {

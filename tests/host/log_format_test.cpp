@@ -1,4 +1,4 @@
-#include "host/log_format.h"
+#include "host/platform/log_format.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/log_service.h"
+#include "host/platform/log_service.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +7,9 @@
 #include <ace/Log_Msg.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -15,7 +17,9 @@
 
 #include "framework/interface_lookup.h"
 #include "framework/interface_registry.h"
-#include "host/log_sink.h"
+#include "host/base/problem.h"
+#include "host/platform/log_level.h"
+#include "host/platform/log_sink.h"
 
 namespace {
 
@@ -123,7 +127,7 @@ TEST_F(LogToFile, LinesOfSeveralThreadsAllArriveWhole) {
 }
 
 TEST_F(LogToFile, RecordsMayComeWhileTheOutputChanges) {
-  const host::LogCapture capture(false);  // For each record it is asked whether there is a file.
+  const host::LogCapture capture(false);  // Makes `WriteLog` check for a file at each record.
   std::atomic<bool> done{false};
   std::thread thread([&] {
     while (!done) logger_->Log("unit", "f", 1, 1, "whenever");
@@ -136,10 +140,51 @@ TEST_F(LogToFile, RecordsMayComeWhileTheOutputChanges) {
   thread.join();
 }
 
-TEST_F(LogToFile, AFileThatCannotBeOpenedIsReported) {
-  const host::LogOutput output("/nonexistent/log");
-  EXPECT_THAT(output.OpenProblem(), testing::HasSubstr("/nonexistent/log: cannot be opened"));
-  EXPECT_FALSE(output.IsComplete());
+TEST_F(LogToFile, AFileThatCannotBeOpenedIsAFailure) {
+  try {
+    const host::LogOutput output("/nonexistent/log");
+    FAIL() << "the file's directory does not exist";
+  } catch (const host::Failure& problem) {
+    EXPECT_STREQ(problem.what(), "/nonexistent/log: cannot be opened for writing: No such file or directory");
+  }
+}
+
+TEST_F(LogToFile, AFileIsAppendedTo) {
+  std::ofstream(file_) << "before\n";
+  const host::LogOutput output(file_);
+  logger_->Log("unit", "f", 1, 1, "after");
+  EXPECT_THAT(Written(), testing::MatchesRegex("before\n[^ ]+ \\[1\\] unit:1 f: after\n"));
+}
+
+TEST_F(LogToFile, RecordsThatACaptureCollectsReachTheFileToo) {
+  const host::LogOutput output(file_);
+  const host::LogCapture capture;
+  logger_->Log("unit", "f", 1, 1, "of a console call");
+  EXPECT_EQ(capture.Count(), 1U);
+  EXPECT_THAT(Written(), testing::HasSubstr("unit:1 f: of a console call\n"));
+}
+
+TEST(LogLine, HasUtcTimeToThreeDigitsOfAMillisecond) {
+  const char* const zone = std::getenv("TZ");
+  const std::string before = zone == nullptr ? "" : zone;
+  setenv("TZ", "UTC+5", 1);
+  tzset();
+  host::LogRecord record;
+  record.time = std::chrono::system_clock::time_point(std::chrono::milliseconds(1'000'000'007));
+  record.level = 2;
+  record.line = 3;
+  record.text = "x";
+  const std::string line = host::LogLine(record);
+  zone == nullptr ? unsetenv("TZ") : setenv("TZ", before.c_str(), 1);
+  tzset();
+  EXPECT_EQ(line, "1970-01-12T13:46:40.007Z [2] -:3 -: x");
+}
+
+TEST(LogOutput, PutsBackTheOutputThatAceHadBefore) {
+  const unsigned long flags = ACE_Log_Msg::instance()->flags();
+  { const host::LogOutput output(""); }
+  EXPECT_EQ(ACE_Log_Msg::instance()->flags(), flags);
+  EXPECT_EQ(ACE_Log_Msg::msg_backend(), nullptr);
 }
 
 TEST_F(LogToFile, AFileThatCannotBeWrittenIsReportedOnceAndReplacedByStandardError) {

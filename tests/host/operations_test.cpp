@@ -1,11 +1,11 @@
-#include "host/operations.h"
+#include "host/commands/operations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "host/problem.h"
+#include "host/base/problem.h"
 
 namespace {
 
@@ -42,9 +42,10 @@ class MockInterface : public NS_ASCII::AsciiUtilInterface {
 
 class Operations : public testing::Test {
  protected:
-  Answer Call(const std::string& name, const std::vector<std::string>& arguments) {
+  Answer Call(const std::string& name, std::vector<std::string> words) {
     const host::Operation& operation = FindOperation(name);
-    return operation.invoke({&interface_, nullptr}, ParseArguments(operation, arguments));
+    words.insert(words.begin(), name);
+    return operation.invoke({&interface_, nullptr}, ParseArguments(operation, words, 1));
   }
 
   testing::StrictMock<MockInterface> interface_;
@@ -101,22 +102,23 @@ TEST_F(Operations, EveryOperationOfTheInterfaceReachesItsNamesake) {
   EXPECT_EQ(Call("WriteDbgLog", {"m"}).result, Value(std::int64_t{4}));
 }
 
-std::string Problem(const std::string& name, const std::vector<std::string>& arguments) {
+/// Returns "INDEX: message"; INDEX is that of the wrong word.
+std::string Problem(const std::vector<std::string>& words) {
   try {
-    ParseArguments(FindOperation(name), arguments);
+    ParseArguments(FindOperation(words[0]), words, 1);
   } catch (const host::UsageError& error) {
-    return error.what();
+    return std::to_string(error.Word()) + ": " + error.what();
   }
   return "none";
 }
 
 TEST(OperationArguments, AProblemNamesTheArgumentAndWhatWasExpected) {
-  EXPECT_EQ(Problem("Str2Num", {"42", "ten"}),
-            "Str2Num: argument 2, base: 'ten' is no integer from -2147483648 to 2147483647");
-  EXPECT_EQ(Problem("ToUpper", {}), "ToUpper takes 1 argument, not 0: ToUpper text:text -> text");
-  EXPECT_EQ(Problem("SplitStr", {"a", ""}),
-            "SplitStr: argument 2, separator: '' is empty, and the operation would never end");
-  EXPECT_EQ(Problem("touper", {}), "no operation 'touper'; did you mean ToUpper?");
+  EXPECT_EQ(Problem({"Str2Num", "42", "ten"}),
+            "2: Str2Num: argument 2, base: 'ten' is no integer from -2147483648 to 2147483647");
+  EXPECT_EQ(Problem({"ToUpper"}), "0: ToUpper takes 1 argument, not 0: ToUpper text:text -> text");
+  EXPECT_EQ(Problem({"SplitStr", "a", ""}),
+            "2: SplitStr: argument 2, separator: '' is empty, and the operation would never end");
+  EXPECT_EQ(Problem({"touper"}), "0: no operation 'touper'; did you mean ToUpper?");
 }
 
 TEST(OperationTable, HoldsTheInterfaceAndTheEightTextFunctions) {

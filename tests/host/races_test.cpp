@@ -1,8 +1,8 @@
-// What may happen to the host at the same time, for ThreadSanitizer and for the answers: bundles come and go
-// on some threads while others look up, list and log.
+// Loads and unloads bundles on some threads while others look up, list and log. Checks the results; built
+// with ThreadSanitizer, also finds data races.
 //
-// Not among them: a search by type, or a read of an interface, while just that service object is made or
-// destroyed. Callers have to drop an interface before its bundle is unloaded.
+// Excluded, because callers must not do it: a search by type, or a call of an interface, while its service
+// object is constructed or destroyed.
 
 #include <gtest/gtest.h>
 
@@ -17,10 +17,11 @@
 
 #include "framework/interface_lookup.h"
 #include "framework/interface_registry.h"
-#include "host/bundle_table.h"
-#include "host/log_service.h"
-#include "host/log_sink.h"
-#include "host/registry.h"
+#include "host/platform/bundle_mgr.h"
+#include "host/platform/interface_registry.h"
+#include "host/platform/log_level.h"
+#include "host/platform/log_service.h"
+#include "host/platform/log_sink.h"
 
 namespace {
 
@@ -51,8 +52,8 @@ LogSvcInterface* FetchLog() {
   return NS_BUNDLEMGR1::FetchInterface<LogSvcInterface>(ref);
 }
 
-/// Runs every action on a thread of its own, again and again, while bundles of one's own are loaded and
-/// unloaded by two more threads.
+/// Runs every action repeatedly on its own thread while two more threads construct and destroy service
+/// objects.
 void BesideLoads(const std::vector<std::function<void()>>& actions) {
   std::atomic<int> loading{2};
   std::vector<std::thread> threads;
@@ -110,7 +111,7 @@ TEST(HostRaces, EveryRecordArrivesWhileBundlesComeAndGo) {
   std::atomic<std::size_t> written{0};
   const auto logTo = [&written](const char* channel) {
     return [&written, channel] {
-      // Destroyed at once, so that loggers come and go as well.
+      // Deleted at once, so that loggers are created and destroyed as well.
       const std::unique_ptr<NS_LOG_SERVICE1::Logger> logger(
           FetchLog()->GetLogger("bundle", "service", channel));
       logger->Log("unit", "f", 1, 1, channel);

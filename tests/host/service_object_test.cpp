@@ -9,7 +9,7 @@
 #include "framework/bundle_mgr.h"
 #include "framework/interface_lookup.h"
 #include "framework/interface_registry.h"
-#include "host/bundle_table.h"
+#include "host/platform/bundle_mgr.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "host/suggest.h"
+#include "host/base/suggest.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +10,12 @@ TEST(DidYouMean, NamesTheNearestOne) {
   EXPECT_EQ(DidYouMean("bundels", {"services", "bundles"}), "; did you mean bundles?");
   EXPECT_EQ(DidYouMean("touper", {"ToUpper", "ToLower"}), "; did you mean ToUpper?");
   EXPECT_EQ(DidYouMean("cal", {"call"}), "; did you mean call?");
+}
+
+TEST(DidYouMean, ExchangedNeighboursAreOneSlip) {
+  EXPECT_EQ(DidYouMean("hlep", {"help"}), "; did you mean help?");
+  EXPECT_EQ(DidYouMean("ehlp", {"call", "help"}), "; did you mean help?");
+  EXPECT_EQ(DidYouMean("lhep", {"help"}), "");
 }
 
 TEST(DidYouMean, LettersCaseCountsNothing) {

@@ -1,4 +1,4 @@
-#include "host/table.h"
+#include "host/base/table.h"
 
 #include <gtest/gtest.h>
 

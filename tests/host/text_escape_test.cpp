@@ -1,4 +1,4 @@
-#include "host/text_escape.h"
+#include "host/base/text_escape.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "host/value.h"
+#include "host/commands/value.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "host/problem.h"
+#include "host/base/problem.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "host/words.h"
+#include "host/base/words.h"
 
 #include <gtest/gtest.h>
 
-#include "host/problem.h"
+#include "host/base/problem.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-// Every operation with its first, second, third ... allocation failing, until it meets no failing one. What
-// must hold each time: the standard allocation exception comes out, or the failure is one of those that are
-// swallowed; nothing stays allocated; out values hold what is promised; the same call works afterwards.
+// Every operation with its first, second, third ... allocation failing, until a call meets no failure. Each
+// time the operation throws `std::bad_alloc` or drops a message as documented; nothing stays allocated; out
+// values are as documented; the same call works afterwards.
 
 #include <unistd.h>
 
@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "ascii_util/text_functions.h"
-#include "src/almconfig.h"
-#include "src/asciiutilifimpl.h"
-#include "src/asciiutilsvc.h"
+#include "src/alarmconfig/almconfig.h"
+#include "src/interface/asciiutilifimpl.h"
+#include "src/service/asciiutilsvc.h"
 #include "tests/proof/faults.h"
 #include "tests/recording_fixture.h"
 
@@ -30,13 +30,13 @@ constexpr const char* kLong = "  a text that is too long for the small string op
 
 class ExhaustedMemory : public recording::FrameworkTest {
  protected:
-  // The journal allocates too, and its allocations are not the bundle's.
+  // The journal allocates too; its allocations must not be counted as the bundle's.
   ExhaustedMemory() { framework.SetRecording(false); }
 
   enum class Swallowing { kForbidden, kAllowed };
 
-  /// Returns how many calls met a failure. `call` does everything that the caller would, its own strings
-  /// aside; `inspect` looks at what a failed call left.
+  /// Returns how many calls met a failure. `call` does everything that a caller does, except for making its
+  /// strings; `inspect` checks the out values after a failed call.
   static int FailEach(
       const std::function<void()>& call, const std::function<void()>& inspect = [] {},
       Swallowing swallowing = Swallowing::kForbidden) {
@@ -63,7 +63,7 @@ class ExhaustedMemory : public recording::FrameworkTest {
     }
   }
 
-  /// For operations that only return something.
+  /// For operations without out values.
   template <class Call, class Result>
   static void FailEachOf(const Call& call, const Result& expected) {
     ASSERT_EQ(call(), expected);
@@ -191,8 +191,8 @@ TEST_F(ExhaustedMemory, IsTransQueltEnabledOnceItHasItsLogger) {
 }
 
 TEST_F(ExhaustedMemory, WhileALoggerIsObtainedDropsTheMessage) {
-  // The names that the log service is asked with take memory; their failure is swallowed and tried again next
-  // time.
+  // Building the names for the log service allocates; a failure drops the message, and the next message tries
+  // again.
   framework.intItems["IsTransQuelt"] = 0;
   int dropped = 0;
   for (std::size_t nth = 1; nth <= 2; ++nth) {
@@ -239,7 +239,7 @@ TEST_F(ExhaustedMemory, TextFunctions) {
 
 constexpr int kLines = 120;
 
-/// A file whose load grows every table once or more: names in the first column, each line's number in the
+/// A file whose load grows every table at least once: names in the first column, each line's number in the
 /// fifth.
 std::string WriteConfig() {
   const std::string path = testing::TempDir() + "exhausted_memory_" + std::to_string(getpid()) + ".csv";
@@ -279,7 +279,7 @@ TEST_F(ExhaustedMemory, LoadConfigStoresEachRecordWholeOrNotAtAll) {
       throw;
     }
   });
-  EXPECT_GT(failures, 10);  // At the least every table, arena and file buffer takes memory.
+  EXPECT_GT(failures, 10);  // At least each table, arena and file buffer allocates.
   unlink(path.c_str());
 }
 

@@ -1,6 +1,5 @@
 // Locks, thread keys, thread slots, clocks, the formatter, the converter and the log service, each failing.
-// No operation's result changes by more than is promised, and everything works again once the failure is
-// over.
+// The result of each operation changes only as documented, and everything works again after the failure.
 
 #include <ace/Log_Msg.h>
 #include <ace/Log_Msg_Callback.h>
@@ -14,10 +13,10 @@
 
 #include "ascii_util/text_functions.h"
 #include "framework/process_exception.h"
-#include "src/asciiutilifimpl.h"
-#include "src/asciiutilsvc.h"
-#include "src/logmgr.h"
-#include "src/logmsg.h"
+#include "src/interface/asciiutilifimpl.h"
+#include "src/log/logmgr.h"
+#include "src/log/logmsg.h"
+#include "src/service/asciiutilsvc.h"
 #include "tests/proof/faults.h"
 #include "tests/recording_fixture.h"
 
@@ -36,7 +35,7 @@ class FailingSurroundings : public recording::FrameworkTest {
  protected:
   FailingSurroundings() { framework.intItems["IsTransQuelt"] = 1; }
 
-  /// One message on the message path.
+  /// One message through the shared logger.
   void SendMessage() { EXPECT_TRUE(util.IsTransQueltEnabled()); }
 
   std::vector<std::string> Texts() const {
@@ -50,7 +49,7 @@ class FailingSurroundings : public recording::FrameworkTest {
   NS_ASCII::AsciiUtilInterfaceImpl util;
 };
 
-/// What goes to ACE's error log while it lives.
+/// Collects ACE's error log while it exists.
 class AceErrorLog : private ACE_Log_Msg_Callback {
  public:
   struct Entry {
@@ -170,7 +169,7 @@ TEST_F(FailingSurroundings, AThreadSlotThatCannotBeStoredIsReportedThroughAce) {
         EXPECT_EQ(aceLog.entries[0].priority, static_cast<unsigned long>(LM_ERROR));
         aceLog.entries = {};
         if (call == 2) {
-          live = faults::LiveAllocations();  // ACE has made what it makes once a thread.
+          live = faults::LiveAllocations();  // ACE has made its objects for this thread.
         }
       }
       EXPECT_EQ(faults::LiveAllocations(), live) << "the record is destroyed again";
@@ -190,7 +189,7 @@ TEST_F(FailingSurroundings, ARecordThatFindsNoMemorySetsTheErrorNumber) {
   }).join();
 }
 
-// A thread of its own for each, as ACE makes what it needs for its log once a thread.
+// A new thread for each, because ACE makes its log's objects once for each thread.
 TEST_F(FailingSurroundings, AThreadSlotThatCannotBeStoredGoesUnreportedWhenThereIsNoMemoryEither) {
   EXPECT_EQ(util.WriteDbgLog("key made"), 0);
   const Failing fault(Fault::kSlotStore);

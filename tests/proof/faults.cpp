@@ -16,7 +16,7 @@
 namespace faults {
 namespace {
 
-// Counts down to the allocation that fails; 0 when none is to.
+// Counts down to the allocation that fails; 0 for none.
 thread_local std::size_t allocationsLeft = 0;
 thread_local bool allocationFailed = false;
 std::atomic<std::size_t> liveAllocations{0};
@@ -67,7 +67,7 @@ BeforeLock::BeforeLock(std::function<void()> action) {
 BeforeLock::~BeforeLock() { isBeforeLockDue = false; }
 bool BeforeLock::happened() const { return !isBeforeLockDue; }
 
-/// For the lock below.
+/// The action that the next lock runs.
 void NoteLock() {
   if (isBeforeLockDue.exchange(false)) {
     beforeLock();
@@ -77,7 +77,7 @@ void NoteLock() {
 ClockAt::ClockAt(std::time_t now) { clockNow = new std::time_t(now); }
 ClockAt::~ClockAt() { delete clockNow.exchange(nullptr); }
 
-/// For the functions below: whether this call is to fail.
+/// Whether this call of the wrapped function must fail.
 bool IsFailing(Fault fault) {
   State& state = StateOf(fault);
   if (state.on) {

@@ -5,12 +5,12 @@
 #include <ctime>
 #include <functional>
 
-/// Everything outside the bundle that a test can make fail, by name. A fault lasts as long as its object, so
-/// no test leaves one behind. What the platform does wrong is told to the recording framework instead.
+/// Everything outside the bundle that a test can make fail, by name. A fault ends with its object, so no test
+/// leaves one set. Failures of the platform are set in the recording framework instead.
 ///
-/// A program that links this file has its memory management replaced and the calls of the bundle's objects to
-/// the functions below led through here (the linker's --wrap; see the CMakeLists.txt beside it). Nothing of
-/// it is in the bundle.
+/// In a program that links this file, memory management is replaced, and the linker redirects calls of the
+/// bundle's objects to the functions below (--wrap; see CMakeLists.txt in this folder). The bundle contains
+/// nothing of it.
 namespace faults {
 
 /// The `nth` allocation of the calling thread from now on (1 is the next one) fails, once: with
@@ -26,20 +26,20 @@ class AllocationFails {
   [[nodiscard]] bool happened() const;
 };
 
-/// How many allocations of the whole program have not been given back yet.
+/// How many allocations of the whole program are not freed yet.
 std::size_t LiveAllocations();
 
 enum class Fault {
   kGlobalLock,        ///< taking the framework's global mutex
   kStaticObjectLock,  ///< taking ACE's static object lock
-  kStorageLock,       ///< taking any other lock, which leaves that of the thread-specific storage
+  kStorageLock,       ///< taking any other lock: the one of the thread-specific storage
   kKeyCreation,       ///< creating a thread key
   kSlotStore,         ///< storing a thread's record; sets the error number to ENOMEM
   kTimeBreakDown,     ///< `gmtime_r`
 };
 constexpr std::size_t kFaults = 6;
 
-/// While it lives, every call that the bundle's objects make to the named thing fails, on every thread.
+/// While it exists, every call of the bundle's objects to the named function fails, on every thread.
 class Failing {
  public:
   explicit Failing(Fault fault);
@@ -54,8 +54,8 @@ class Failing {
   Fault fault_;
 };
 
-/// Runs `action` once, right before the bundle's objects take the next lock, whichever it is, as if another
-/// thread had come first. Locks that the action takes are not waited for.
+/// Runs `action` once, right before the bundle's objects take their next lock, as if another thread had taken
+/// it first. Locks that the action takes do not run it again.
 class BeforeLock {
  public:
   explicit BeforeLock(std::function<void()> action);
@@ -67,7 +67,7 @@ class BeforeLock {
   [[nodiscard]] bool happened() const;
 };
 
-/// While it lives, the bundle's objects read this clock.
+/// While it exists, the bundle's objects read this clock.
 class ClockAt {
  public:
   explicit ClockAt(std::time_t now);

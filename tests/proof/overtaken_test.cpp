@@ -1,13 +1,13 @@
-// What is made or destroyed once, by a thread that finds another one was quicker: in the moment between its
-// first look, which takes no lock, and the look that it takes again under the lock.
+// Objects that are made or destroyed once, when another thread is faster: it acts between the first check,
+// which takes no lock, and the second check under the lock.
 
 #include <algorithm>
 #include <string>
 #include <thread>
 
-#include "src/asciiutilifimpl.h"
-#include "src/logmgr.h"
-#include "src/logmsg.h"
+#include "src/interface/asciiutilifimpl.h"
+#include "src/log/logmgr.h"
+#include "src/log/logmsg.h"
 #include "tests/proof/faults.h"
 #include "tests/recording_fixture.h"
 
@@ -17,7 +17,7 @@ class Overtaken : public recording::FrameworkTest {
  protected:
   Overtaken() { framework.intItems["IsTransQuelt"] = 1; }
 
-  /// The log manager destroys the logger that it was given.
+  /// The log manager destroys its logger.
   void GiveLoggersAway() {
     framework.logger = [] { return new recording::Logger; };
   }
@@ -31,7 +31,7 @@ class Overtaken : public recording::FrameworkTest {
   NS_ASCII::AsciiUtilInterfaceImpl util;
 };
 
-/// Runs `work` on another thread, whole, right before the next lock is taken.
+/// Runs all of `work` on another thread, right before the next lock is taken.
 template <class Work>
 faults::BeforeLock OtherThreadFirst(Work work) {
   return faults::BeforeLock([work] { std::thread(work).join(); });

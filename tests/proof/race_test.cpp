@@ -1,8 +1,8 @@
-// What may happen at the same time, for ThreadSanitizer and for the answers: first uses of everything that is
-// made on first use, and lookups while the configuration is loaded again with other values.
+// Concurrent uses, checked by ThreadSanitizer and by their answers: first uses of everything that is made on
+// first use, and lookups while the configuration is loaded again with other values.
 //
-// Not among them: the first lookups of a log service that is not in the registry. They read the registry's
-// buffer without its lock, as the platform wants it.
+// Not covered: the first lookups of a log service that is not in the registry. They read the registry's
+// buffer without its lock, as the platform requires.
 
 #include <atomic>
 #include <cstdint>
@@ -11,9 +11,9 @@
 #include <thread>
 #include <vector>
 
-#include "src/asciiutilifimpl.h"
-#include "src/asciiutilsvc.h"
-#include "src/logmgr.h"
+#include "src/interface/asciiutilifimpl.h"
+#include "src/log/logmgr.h"
+#include "src/service/asciiutilsvc.h"
 #include "tests/handover.h"
 #include "tests/recording_fixture.h"
 #include "tests/temp_directory.h"

@@ -1,25 +1,30 @@
-// A host that loads and unloads the bundle, in one scenario after the other. It includes no header of ACE and
+// A host that loads and unloads the bundle in one scenario. It includes no header of ACE and
 // looks the platform's functions up by name, so that it can be linked with ACE or without, and by any
 // compiler.
 //
 //   unload_driver BUNDLE SCENARIO [COUNT [PLATFORM]]
+//   unload_driver BUNDLE replaced OTHER CALLER
 //
 //   thread-ends-after-unload  a thread logs, the bundle is unloaded, the thread ends
-//   loads                     COUNT loads and unloads, each with a log call of two threads; nothing may be
-//   left exit-without-unload       two threads log, the process ends with the bundle loaded concurrent-quiet
-//   loads and unloads while threads of another bundle wait
+//   loads                     COUNT loads and unloads, each with log calls of two threads; nothing stays
+//   exit-without-unload       two threads log, the process ends with the bundle loaded
+//   log-at-exit               messages of an exit handler and of new threads while the process ends
+//   concurrent-quiet          loads and unloads while threads of another bundle wait
+//   replaced OTHER CALLER     the bundle is unloaded while a caller stays, and OTHER is loaded in its place
 //
-// Prints what does not hold; exit 1 then, else 0.
+// Prints each check that fails; the exit code is then 1, otherwise 0.
 
 #include <dirent.h>
 #include <dlfcn.h>
 #include <malloc.h>
 #include <pthread.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <condition_variable>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <mutex>
@@ -48,11 +53,13 @@ void Expect(bool holds, const std::string& what) {
 // --- The log service: counts
 
 std::atomic<int> logged{0};
+std::atomic<int> positions{0};  ///< of them, those with a debug position
 
 class CountingLogger : public NS_LOG_SERVICE1::Logger {
  public:
   int Log(const std::string& /*file*/, const std::string& /*func*/, int /*line*/, int /*level*/,
-          const std::string& /*message*/) override {
+          const std::string& message) override {
+    positions += message == "position" ? 1 : 0;
     return ++logged;
   }
   int LogF(const std::string& /*file*/, const std::string& /*func*/, int /*line*/, int /*level*/,
@@ -79,7 +86,8 @@ CountingService logService;
 
 class Loaded {
  public:
-  explicit Loaded(const std::string& path) : library_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+  explicit Loaded(const std::string& path, int scopeOfSymbols = RTLD_LOCAL)
+      : library_(dlopen(path.c_str(), RTLD_NOW | scopeOfSymbols)) {
     if (library_ == nullptr) {
       Fail(dlerror());
     }
@@ -175,7 +183,7 @@ std::size_t AllocatedBytes() { return mallinfo2().uordblks; }
 
 // --- Scenarios
 
-/// A thread that does what it is told, step by step.
+/// A thread that is controlled step by step.
 class SteppedThread {
  public:
   explicit SteppedThread(const Loaded*& bundle) : thread_([this, &bundle] { Run(bundle); }) {}
@@ -192,8 +200,8 @@ class SteppedThread {
     Set(2);
     Await(3);
   }
-  void Reach(int told, int until) {
-    Set(told);
+  void Reach(int state, int until) {
+    Set(state);
     Await(until);
   }
   void Set(int step) {
@@ -255,7 +263,7 @@ void Loads(const std::string& path, int count) {
   Expect(Mappings() <= mappings + 2, "no mapping is left");  // The allocator may take one for a new arena.
   Expect(OpenDescriptors() == descriptors, "no descriptor is left");
   Expect(FreeThreadKeys() == keys, "no thread key is left");
-  Expect(kept <= 4096, "no memory is left");  // What the allocator and the linker need for a moment longer.
+  Expect(kept <= 4096, "no memory is left");  // Memory that the allocator and the linker free later.
 }
 
 [[noreturn]] void ExitWithoutUnload(const std::string& path) {
@@ -263,6 +271,75 @@ void Loads(const std::string& path, int count) {
   bundle.Log();
   std::thread([] { bundle.Log(); }).join();
   std::exit(0);
+}
+
+/// Every message must arrive, and ACE must report no error on standard error, which the test looks at.
+[[noreturn]] void LogAtExit(const std::string& path) {
+  static const Loaded* bundle;
+  static std::atomic<bool> done{false};
+  static std::atomic<int> sent{0};
+  static std::thread starter;
+  const auto log = [] {
+    ++sent;
+    bundle->Log();
+  };
+  // Registered before the bundle is loaded, so it runs after the bundle's static objects are destroyed.
+  std::atexit([] {
+    bundle->Log();
+    std::thread([] { bundle->Log(); }).join();
+    done = true;
+    starter.join();
+    Expect(positions == sent + 2, "no message at exit is lost");
+  });
+  bundle = new Loaded(path);
+  log();
+  starter = std::thread([log] {
+    while (!done) {
+      std::thread(log).join();
+    }
+  });
+  while (sent < 20) {
+    std::this_thread::yield();
+  }
+  std::exit(0);
+}
+
+/// The result of `CALLER`. The caller stays loaded.
+std::string NameSeenBy(const char* caller) {
+  void* const library = dlopen(caller, RTLD_NOW | RTLD_GLOBAL);
+  if (library == nullptr) {
+    Fail(dlerror());
+  }
+  void* const address = dlsym(library, "service_name");
+  const char* (*function)();
+  std::memcpy(&function, &address, sizeof function);
+  return function();
+}
+
+/// Opened with global symbols, which libraries that are loaded later can use, as ACE does.
+void Replaced(const std::string& path, const std::string& other, const char* caller) {
+  const std::filesystem::path directory =
+      std::filesystem::temp_directory_path() / ("unload_driver-" + std::to_string(getpid()));
+  std::filesystem::create_directory(directory);
+  const std::filesystem::path place = directory / "libii_ascii_util.so";
+  std::filesystem::copy_file(path, place);
+  std::string before;
+  std::string after;
+  {
+    const Loaded bundle(place, RTLD_GLOBAL);
+    before = NameSeenBy(caller);
+  }
+  const int mappings = MappingsOfBundle();
+  std::filesystem::copy_file(other, directory / "new");
+  std::filesystem::rename(directory / "new", place);
+  {
+    const Loaded bundle(place, RTLD_GLOBAL);
+    after = NameSeenBy(caller);
+  }
+  std::filesystem::remove_all(directory);
+  Expect(before == "AsciiUtilService", "the caller reaches the bundle");
+  Expect(mappings == 0, "a caller that stays does not keep the bundle mapped");
+  Expect(after == "OtherService", "the caller reaches the library in the bundle's place");
 }
 
 void ConcurrentQuiet(const std::string& path, int count) {
@@ -297,6 +374,10 @@ int main(int argc, char* argv[]) {
   }
   const std::string path = argv[1];
   const std::string scenario = argv[2];
+  if (scenario == "replaced" && argc == 5) {
+    Replaced(path, argv[3], argv[4]);
+    return 0;
+  }
   const int count = argc > 3 ? std::atoi(argv[3]) : 1;
   if (argc > 4 && dlopen(argv[4], RTLD_NOW | RTLD_LOCAL) == nullptr) {
     Fail(dlerror());
@@ -307,6 +388,8 @@ int main(int argc, char* argv[]) {
     Loads(path, count);
   } else if (scenario == "exit-without-unload") {
     ExitWithoutUnload(path);
+  } else if (scenario == "log-at-exit") {
+    LogAtExit(path);
   } else if (scenario == "concurrent-quiet") {
     ConcurrentQuiet(path, count);
   } else {

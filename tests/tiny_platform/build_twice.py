@@ -12,7 +12,7 @@ import shutil
 import subprocess
 import sys
 
-# Enough for the bundle: a provider of one's own needs neither the host nor the tools.
+# Enough for the bundle: with another provider it needs neither the host nor the tools.
 PARTS = ["CMakeLists.txt", "cmake", "framework", "include", "src"]
 
 
@@ -24,7 +24,7 @@ def copy_sources(source, to):
             shutil.copy2(source / part, to / part)
 
 
-# With debug information, because that is what names the most paths.
+# With debug information, which contains the most paths.
 def start_build(place, provider, compiler):
     configure = [
         "cmake", "-G", "Ninja", "-S", str(place / "source"), "-B", str(place / "build"), "--log-level=WARNING",
@@ -37,7 +37,7 @@ def start_build(place, provider, compiler):
 
 def main():
     source, work, provider, compiler = sys.argv[1:]
-    # A compiler cache may hand the object of one place to the other and so hide what this is to find.
+    # A compiler cache could use one directory's object in the other and so hide a difference.
     for name in ["CMAKE_CXX_COMPILER_LAUNCHER", "CMAKE_C_COMPILER_LAUNCHER"]:
         os.environ.pop(name, None)
     os.environ["CCACHE_DISABLE"] = "1"

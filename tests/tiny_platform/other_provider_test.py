@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What must hold for the bundle that build_twice.py has built. Reads its inputs from the environment:
+"""Tests the bundle that build_twice.py has built. Reads its inputs from the environment:
 
 WORK (build_twice.py's), DRIVER (tiny_driver), PROVIDER (the tiny platform), DOCS (the docs directory).
 """
@@ -45,7 +45,7 @@ class OtherProvider(unittest.TestCase):
         provided = set()
         for path in resolved(BUNDLE).values():
             provided |= set(symbols(path, "--defined-only"))
-        # Weak ones are the tool chain's own and may be missing.
+        # Weak symbols belong to the tool chain and may be missing.
         strong = [line.split()[-1].split("@")[0]
                   for line in run("nm", "-D", "--undefined-only", str(BUNDLE)).splitlines() if " U " in line]
         self.assertGreater(len(strong), 20)

@@ -1,5 +1,5 @@
-// Loads a bundle on the tiny platform and takes it through its life: tiny_driver BUNDLE. Prints what it is
-// answered, one line each, for a test to compare; exits 1 when the bundle cannot be loaded.
+// Loads a bundle on the tiny platform, calls it and unloads it: tiny_driver BUNDLE. Prints one line for each
+// answer, which a test compares; exits 1 when the bundle cannot be loaded.
 
 #include <dlfcn.h>
 
@@ -24,7 +24,7 @@ void Use(NS_ASCII::AsciiUtilInterface& text) {
   std::printf("GetKeyValue %s\n", text.GetKeyValue("B", "A=1,B=2,C=3").c_str());
   std::printf("GetTimeStamp %zu characters\n", text.GetTimeStamp().size());
   std::printf("IsTransQueltEnabled %d\n", text.IsTransQueltEnabled() ? 1 : 0);
-  std::printf("WriteDbgLog %d\n", static_cast<int>(text.WriteDbgLog("nobody reads this")));
+  std::printf("WriteDbgLog %d\n", static_cast<int>(text.WriteDbgLog("dropped")));
 }
 
 }  // namespace

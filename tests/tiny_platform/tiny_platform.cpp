@@ -1,6 +1,6 @@
-// The smallest provider of the platform that a bundle can live on: a registry, a configuration directory from
-// the environment, no configuration items, no other bundles, no log service. It shows how much a provider has
-// to bring, and proves that the bundle asks for nothing that only the host has.
+// The smallest provider of the platform that the bundle can use: a registry, a configuration directory from
+// the environment, no configuration items, no other bundles, no log service. It shows what a provider must
+// implement, and proves that the bundle needs nothing that only the host has.
 
 #include <cstdarg>
 #include <cstdio>
@@ -18,7 +18,8 @@
 namespace NS_BUNDLEMGR1 {
 namespace {
 
-/// Buffers stay for the life of the process, as lookups keep pointers to them. One thread only, so no lock.
+/// Buffers are never destroyed, because lookups keep pointers to them. Used by one thread only, so without a
+/// lock.
 std::map<std::string, std::vector<ServiceInterface*>>& Registry() {
   static std::map<std::string, std::vector<ServiceInterface*>> registry;
   return registry;
@@ -98,7 +99,7 @@ std::string NSTE_util::Trim(const std::string& text) {
 
 std::string NSTE_util::Num2Str(int number) { return std::to_string(number); }
 
-// ASCII only: every other byte is a character that it does not know.
+// ASCII only: every other byte cannot be converted.
 int KelpGlobalUtils::KelpCodeSetConvert(const std::string& /*fromCode*/, const std::string& /*toCode*/,
                                         const std::string& input, std::string& output) {
   output = input;
