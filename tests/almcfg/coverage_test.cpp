@@ -166,4 +166,49 @@ TEST(Coverage, NeedsAFileWithQueries) {
   EXPECT_THAT(outcome.err, HasSubstr("coverage: --calls RECORDING is needed"));
 }
 
+/// The data of the HTML page for calls, from its rows on.
+std::string PageRows(const std::string& calls) {
+  const TempFile config(kConfig);
+  const TempFile file(calls);
+  const std::string page = RunAlmcfg({"show", "--format", "html", "--calls", file.path(), config.path()}).out;
+  const std::size_t from = page.find(R"(,"calls":true,"lines":)");
+  return from == std::string::npos ? "" : page.substr(from, page.find("</script>", from) - from);
+}
+
+TEST(CoveragePage, HasTheNumberOfCallsInTheRowOfEachKey) {
+  const std::string rows = PageRows("EQU\tBTS\tLOS\t7\t1234\nQOS\tSGSN\tJITTER\t60\nno\tsuch\talarm\t1\t3\n");
+  EXPECT_THAT(rows, HasSubstr(R"("COM","BTS","LOS","7","1",0])"));
+  EXPECT_THAT(rows, HasSubstr(R"("EQU","BTS","LOS","7","1",1234])"));
+  EXPECT_THAT(rows, HasSubstr(R"("QOS","SGSN","JITTER","60","high",1])"));
+}
+
+TEST(CoveragePage, DoesNotCountAQueryForANumberThatIsWrittenAnotherWay) {
+  const TempFile config("COM\tBTS\tLOS\t07\t1\nCOM\tBTS\tLOS\t7\t2\n");
+  const TempFile calls("COM\tBTS\tLOS\t7\n");
+  const std::string page =
+      RunAlmcfg({"show", "--format", "html", "--calls", calls.path(), config.path()}).out;
+  EXPECT_THAT(page, HasSubstr(R"("07","1",0])"));
+  EXPECT_THAT(page, HasSubstr(R"("7","2",1])"));
+}
+
+TEST(CoveragePage, SaysInItsHeadHowManyCallsWereServed) {
+  const TempFile config(kConfig);
+  const TempFile calls("COM\tBTS\tLOS\t7\t1234\nno\tsuch\talarm\t1\t3\nQOS\tSGSN\tJITTER\t60\t2\n");
+  EXPECT_THAT(
+      RunAlmcfg({"show", "--format", "html", "--calls", calls.path(), config.path()}).out,
+      HasSubstr("<p>1,239 calls of GetAlmCfgValue: 1,234 served, 3 not served, 2 with a value that is no "
+                "integer.</p>"));
+}
+
+TEST(CoveragePage, IsRefusedForOtherFormatsAndFilesWithoutAQuery) {
+  const TempFile config(kConfig);
+  const Outcome table = RunAlmcfg({"show", "--calls", config.path(), config.path()});
+  EXPECT_EQ(table.exitCode, 2);
+  EXPECT_THAT(table.err,
+              HasSubstr("show: --calls needs --format html; almcfg coverage reports as text or JSON"));
+  const Outcome page = RunAlmcfg({"show", "--format", "html", "--calls", "/dev/null", config.path()});
+  EXPECT_EQ(page.exitCode, 2);
+  EXPECT_EQ(page.out, "");
+}
+
 }  // namespace

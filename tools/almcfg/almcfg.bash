@@ -28,7 +28,7 @@ _almcfg() {
         [[ $command != fix ]] || choices+=" --unsafe --in-place --backup --diff --select --ignore --quiet"
         [[ $command != check ]] || choices+=" --strict --select --ignore --max-findings --quiet --explain"
         [[ $command != coverage ]] || choices+=" --calls --strict"
-        [[ $command != show ]] || choices+=" --sort"
+        [[ $command != show ]] || choices+=" --sort --calls"
       else
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return

@@ -89,6 +89,11 @@ OptionSpec StdinNameOption() {
           [](Options& options, const std::string& name) { options.stdinName = name; }};
 }
 
+OptionSpec CallsOption(const std::string& help) {
+  return {"--calls", "RECORDING", help,
+          [](Options& options, const std::string& path) { options.calls = path; }};
+}
+
 OptionSpec SelectOption(const std::string& help) {
   return {"--select", "CODE,...", help, [](Options& options, const std::string& names) {
             options.codes.fill(false);
@@ -166,7 +171,8 @@ const std::vector<CommandSpec>& Commands() {
        "show",
        "Show the table in force after loading the files in this order",
        {{"FILE...", kFileHelp}},
-       {Flag("--sort", "In the table's order, not in the files'", &Options::sorted), StdinNameOption(),
+       {Flag("--sort", "In the table's order, not in the files'", &Options::sorted),
+        CallsOption("With --format html: how often each key was asked for"), StdinNameOption(),
         FormatOption("html|json|tsv", "How to show it (default: tsv)"), ColorOption()},
        "0 shown, 1 shown, but the load never ends at a line, 2 could not run"},
       {Command::kLookup,
@@ -190,12 +196,9 @@ const std::vector<CommandSpec>& Commands() {
        "coverage",
        "Compare what callers asked for with the table in force",
        {{"FILE...", kFileHelp}},
-       {{"--calls", "RECORDING", "Recorded calls, or lines of KEY1, KEY2, KEY3, NUMBER, COUNT between TABs",
-         [](Options& options, const std::string& path) { options.calls = path; }},
+       {CallsOption("Recorded calls, or lines of KEY1, KEY2, KEY3, NUMBER, COUNT between TABs"),
         Flag("--strict", "Queries that no line serves count as findings", &Options::strict),
-        StdinNameOption(),
-        FormatOption("json|text", "How to report (default: text)"),
-        ColorOption()},
+        StdinNameOption(), FormatOption("json|text", "How to report (default: text)"), ColorOption()},
        "0 reported, 1 with --strict and a query that no line serves, 2 could not run"}};
   return kCommands;
 }
@@ -367,6 +370,9 @@ void Complete(Options& options) {
   RequireFiles(options);
   if (options.command == Command::kCoverage && options.calls.empty()) {
     throw Mistake("coverage: --calls RECORDING is needed, what callers asked for");
+  }
+  if (options.command == Command::kShow && !options.calls.empty() && options.format != Format::kHtml) {
+    throw Mistake("show: --calls needs --format html; almcfg coverage reports as text or JSON");
   }
   if (options.command == Command::kFix) {
     RequireFixOptions(options);

@@ -34,7 +34,7 @@ struct Options {
   const Rule* explain = nullptr;      ///< check: describe this rule
   std::string stdinName = "<stdin>";  ///< what standard input is called
   std::vector<std::string> files;     ///< "-" at most once
-  std::string calls;                  ///< coverage: the file with the queries
+  std::string calls;                  ///< coverage, show: the file with the queries
   std::string key1;                   ///< lookup
   std::string key2;
   std::string key3;

@@ -62,7 +62,7 @@ class Page(unittest.TestCase):
     def setUp(self):
         self.browser.resize(1280, 800)
 
-    def make(self, *contents, names=None, change=None):
+    def make(self, *contents, names=None, change=None, calls=None):
         """Makes the page of files with these contents and returns its path."""
         files = []
         for number, content in enumerate(contents):
@@ -71,7 +71,12 @@ class Page(unittest.TestCase):
             with open(file, "w", encoding="utf-8", newline="") as out:
                 out.write(content)
             files.append(file)
-        made = subprocess.run([ALMCFG, "show", "--format", "html", *files], stdout=subprocess.PIPE,
+        options = []
+        if calls:
+            options = ["--calls", os.path.join(self.folder, "calls")]
+            with open(options[1], "w", encoding="utf-8", newline="") as out:
+                out.write(calls)
+        made = subprocess.run([ALMCFG, "show", "--format", "html", *options, *files], stdout=subprocess.PIPE,
                               stderr=subprocess.DEVNULL, encoding="utf-8").stdout
         if change:
             self.assertIn(change[0], made)
@@ -181,6 +186,37 @@ class Search(Page):
             self.browser.run(f"""(() => {{ const level = document.querySelector("#level"); level.value = "{level}";
                                  level.dispatchEvent(new Event("input")); }})()""")
             self.assertEqual(self.first_cells(), expected)
+
+
+class Calls(Page):
+    CALLS = "NodeA\tPort1\tLinkDown\t7\t1234\nNodeB\tPort1\tLinkDown\t72\n"
+
+    def choose(self, value):
+        self.browser.run(f"""(() => {{ const calls = document.querySelector("#calls"); calls.value = "{value}";
+                             calls.dispatchEvent(new Event("input")); }})()""")
+
+    def test_a_column_has_the_number_of_calls(self):
+        self.open(SMALL, calls=self.CALLS)
+        texts = '[...document.querySelectorAll("%s")].map((cell) => cell.textContent)'
+        self.assertEqual(self.browser.run(texts % "td.calls"), ["1,234", "1", "0", "0", "0", "0"])
+        self.assertEqual(self.browser.run(texts % "th")[4:7], ["Value", "Calls", "Line"])
+        sides = self.browser.run("""["th", "tr:first-child td", "tr:nth-child(5) td"].map((cells) =>
+            document.querySelector(cells + ".source")?.getBoundingClientRect().right)""")
+        self.assertEqual(len(set(sides)), 1, "the columns of head, entries and lines without one are aligned")
+
+    def test_rows_are_filtered_by_their_calls(self):
+        self.open(SMALL, calls=self.CALLS)
+        self.choose("asked")
+        self.assertEqual(self.first_cells(), ["NodeA", "NodeB"])
+        self.choose("never")
+        self.assertEqual(self.first_cells(), ["NodeC", "NodeD", "NodeF", "NodeG"])
+        self.browser.press("Escape")
+        self.assertEqual(self.count(), "8 of 8 rows")
+
+    def test_a_page_without_calls_has_neither(self):
+        self.open(SMALL)
+        self.assertTrue(self.browser.run('document.querySelector("#calls").hidden'))
+        self.assertEqual(self.browser.run('document.querySelectorAll(".calls").length'), 0)
 
 
 class Keys(Page):

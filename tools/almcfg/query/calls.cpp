@@ -112,6 +112,17 @@ void ReadTable(std::istream& file, LineProblems& problems, Calls& calls) {
 
 }  // namespace
 
+std::uint64_t CountOf(const Calls& calls, const NS_ASCII::AlarmKey& key) {
+  int number = 0;
+  // Callers ask with an integer, whose text has no leading zero and no plus sign.
+  if (!ParseNumber(key.numKey, number) || std::to_string(number) != key.numKey) {
+    return 0;
+  }
+  const auto found =
+      calls.counts.find({std::string(key.key1), std::string(key.key2), std::string(key.key3), number});
+  return found == calls.counts.end() ? 0 : found->second;
+}
+
 bool ReadCalls(const std::string& path, const Outputs& outputs, Calls& calls) {
   std::ifstream file(path, std::ios::binary);
   const int first = file.peek();

@@ -6,9 +6,10 @@
 #include <string>
 #include <tuple>
 
+#include "src/alarmconfig/almrecord.h"
 #include "tools/almcfg/commands.h"
 
-/// Reads what callers asked for: a recording or a list of queries. Used by `almcfg coverage`.
+/// Reads what callers asked for: a recording or a list of queries. Used by `almcfg coverage` and `almcfg show`.
 namespace almcfg {
 
 /// The arguments of one call of GetAlmCfgValue.
@@ -29,6 +30,9 @@ struct Calls {
   std::int64_t every = 1;     ///< the recording has each Nth call
   std::uint64_t dropped = 0;  ///< calls of any operation that the recorder dropped
 };
+
+/// How often the key was asked for.
+std::uint64_t CountOf(const Calls& calls, const NS_ASCII::AlarmKey& key);
 
 /// Reads a recording, which starts with "{", or a list: KEY1, KEY2, KEY3, NUMBER and optionally a count, in
 /// columns separated by TABs, one query a line; "#" starts a comment line. Bad lines are reported on the

@@ -1,12 +1,17 @@
 // almcfg show: writes the table in force after loading the files in order.
 
+#include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
+#include "tools/almcfg/check/answer.h"
 #include "tools/almcfg/commands.h"
+#include "tools/almcfg/query/calls.h"
 #include "tools/almcfg/query/load_files.h"
+#include "tools/almcfg/write/printable.h"
 #include "tools/almcfg/write/progress.h"
 #include "tools/almcfg/write/table_writer.h"
 
@@ -23,13 +28,29 @@ class Collector : public FindingSink {
   std::vector<PlacedFinding> findings;
 };
 
+/// Adds the calls to the page's content.
+void AddCalls(const LoadedTable& table, const Calls& calls, PageContent& content) {
+  std::uint64_t served = 0;
+  std::uint64_t notServed = 0;
+  std::uint64_t noInteger = 0;
+  for (const auto& [query, count] : calls.counts) {
+    const std::string number = std::to_string(query.number);
+    const std::optional<Entry> entry = table.Find({query.key1, query.key2, query.key3, number});
+    (!entry ? notServed : AnswerFor(entry->value).result == 0 ? served : noInteger) += count;
+  }
+  content.countCalls = [&calls](const Entry& entry) { return CountOf(calls, entry.key); };
+  content.callSummary = Counted(served + notServed + noInteger, "call") +
+                        " of GetAlmCfgValue: " + Grouped(served) + " served, " + Grouped(notServed) +
+                        " not served, " + Grouped(noInteger) + " with a value that is no integer.";
+}
+
 std::unique_ptr<TableWriter> MakeWriter(const Options& options, const Outputs& outputs,
-                                        const LoadedTable& table, Collector& collector) {
+                                        const LoadedTable& table, PageContent content) {
   switch (options.format) {
     case Format::kJson:
       return MakeJsonWriter(outputs.out);
     case Format::kHtml:
-      return MakeHtmlWriter(outputs.out, table, std::move(collector.findings), !options.sorted);
+      return MakeHtmlWriter(outputs.out, table, std::move(content));
     default:
       return MakeTsvWriter(outputs.out, outputs.isTerminal);
   }
@@ -44,7 +65,15 @@ int RunShow(const Options& options, const Outputs& outputs) {
   if (!table) {
     return kCouldNotRun;
   }
-  const std::unique_ptr<TableWriter> writer = MakeWriter(options, outputs, *table, collector);
+  PageContent content{std::move(collector.findings), !options.sorted, nullptr, ""};
+  Calls calls;
+  if (!options.calls.empty()) {
+    if (!ReadCalls(options.calls, outputs, calls)) {
+      return kCouldNotRun;
+    }
+    AddCalls(*table, calls, content);
+  }
+  const std::unique_ptr<TableWriter> writer = MakeWriter(options, outputs, *table, std::move(content));
   const auto write = [&writer](const Entry& entry) { writer->Write(entry); };
   if (options.sorted) {
     table->ForEachInTableOrder(write);

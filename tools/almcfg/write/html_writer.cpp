@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <ctime>
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <utility>
@@ -112,9 +113,11 @@ using Range = std::pair<std::size_t, std::size_t>;  // of findings, the end excl
 
 class HtmlWriter : public TableWriter {
  public:
-  HtmlWriter(std::ostream& out, const LoadedTable& files, std::vector<PlacedFinding> findings,
-             bool inFileOrder)
-      : out_(out), findings_(std::move(findings)), isShown_(findings_.size()), inFileOrder_(inFileOrder) {
+  HtmlWriter(std::ostream& out, const LoadedTable& files, PageContent content)
+      : out_(out),
+        content_(std::move(content)),
+        findings_(std::move(content_.findings)),
+        isShown_(findings_.size()) {
     for (std::size_t i = 0; i < files.fileCount(); ++i) {
       texts_.push_back(&files.text(i));
       paths_.emplace_back(files.text(i).name());
@@ -135,11 +138,12 @@ class HtmlWriter : public TableWriter {
 
   void Write(const Entry& entry) override {
     const Range range = FindingsOf(entry.place);
-    if (inFileOrder_) {
+    if (content_.inFileOrder) {
       WriteLinesBefore(range.first);
     }
     const NS_ASCII::AlarmKey& key = entry.key;
-    WriteRow(entry.place, range, {key.key1, key.key2, key.key3, key.numKey, entry.value});
+    const auto calls = content_.countCalls ? std::make_optional(content_.countCalls(entry)) : std::nullopt;
+    WriteRow(entry.place, range, {key.key1, key.key2, key.key3, key.numKey, entry.value}, calls);
   }
 
   void End(const LoadedTable& /*files*/) override {
@@ -183,20 +187,24 @@ class HtmlWriter : public TableWriter {
       }
       out_ << "</ol>";
     }
+    if (content_.countCalls) {
+      out_ << "\n<p>" << Html(content_.callSummary) << "</p>";
+    }
     if (const Place endless = files.endlessLine()) {
       out_ << "\n<p class=\"alert\" role=\"alert\">A load of these files NEVER ENDS: " << Html(Shown(endless))
            << " is too long. Nothing after it is loaded.</p>";
     }
   }
 
-  /// Then a row is [file, line, rank, [[rank, code, message, hint]...], cells...]: five cells of an entry, or
-  /// one with the text of a line without an entry.
+  /// Then a row is [file, line, rank, [[rank, code, message, hint]...], cells...]: five cells of an entry and,
+  /// with calls, their number, or one cell with the text of a line without an entry.
   void StartData() {
     Json files = Json::array();
     for (const std::string_view name : ShortNames(paths_)) {
       files.push_back({{"name", Printable(name)}, {"path", Printable(paths_[files.size()])}});
     }
-    out_ << "{\"files\":" << ScriptJson(files) << ",\"lines\":[";
+    out_ << "{\"files\":" << ScriptJson(files) << (content_.countCalls ? ",\"calls\":true" : "")
+         << ",\"lines\":[";
   }
 
   [[nodiscard]] std::size_t FileOf(Place place) const {
@@ -222,7 +230,8 @@ class HtmlWriter : public TableWriter {
   /// False for the finding of a file without lines.
   static bool HasLine(Place place) { return place.line <= place.text->lineCount(); }
 
-  void WriteRow(Place place, const Range& range, std::initializer_list<std::string_view> cells) {
+  void WriteRow(Place place, const Range& range, std::initializer_list<std::string_view> cells,
+                std::optional<std::uint64_t> calls = std::nullopt) {
     int worst = 0;
     Json findings = Json::array();
     for (std::size_t i = range.first; i < range.second; ++i) {
@@ -235,6 +244,9 @@ class HtmlWriter : public TableWriter {
     Json row{FileOf(place), HasLine(place) ? place.line : 0, worst, std::move(findings)};
     for (const std::string_view cell : cells) {
       row.push_back(Marked(cell));
+    }
+    if (calls) {
+      row.push_back(*calls);
     }
     out_ << (isFirst_ ? "\n" : ",\n") << ScriptJson(row);
     isFirst_ = false;
@@ -252,12 +264,12 @@ class HtmlWriter : public TableWriter {
   }
 
   std::ostream& out_;
+  PageContent content_;
   std::vector<const SourceText*> texts_;
   std::vector<std::string_view> paths_;
   std::vector<PlacedFinding> findings_;
   std::vector<bool> isShown_;  // For each finding.
   std::size_t next_ = 0;       // Findings before this one are shown.
-  bool inFileOrder_;
   bool isFirst_ = true;
   std::string_view rest_ = kPage;  // The part of the page that is not written yet.
 };
@@ -265,8 +277,8 @@ class HtmlWriter : public TableWriter {
 }  // namespace
 
 std::unique_ptr<TableWriter> MakeHtmlWriter(std::ostream& out, const LoadedTable& files,
-                                            std::vector<PlacedFinding> findings, bool inFileOrder) {
-  return std::make_unique<HtmlWriter>(out, files, std::move(findings), inFileOrder);
+                                            PageContent content) {
+  return std::make_unique<HtmlWriter>(out, files, std::move(content));
 }
 
 }  // namespace almcfg

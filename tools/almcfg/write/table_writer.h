@@ -1,6 +1,8 @@
 #ifndef TOOLS_ALMCFG_WRITE_TABLE_WRITER_H_
 #define TOOLS_ALMCFG_WRITE_TABLE_WRITER_H_
 
+#include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -33,11 +35,20 @@ std::unique_ptr<TableWriter> MakeTsvWriter(std::ostream& out, bool isTerminal);
 /// One JSON object with a list of entries.
 std::unique_ptr<TableWriter> MakeJsonWriter(std::ostream& out);
 
-/// One HTML page without references to other files. `files`, which have been loaded, are borrowed. Each of
-/// the `findings` is shown with the entries of its line, or, when the line has none, in a row of its own: at
-/// the line's position when `inFileOrder`, else at the end.
-std::unique_ptr<TableWriter> MakeHtmlWriter(std::ostream& out, const LoadedTable& files,
-                                            std::vector<PlacedFinding> findings, bool inFileOrder);
+/// What the HTML page shows besides the entries.
+struct PageContent {
+  /// Each is shown with the entries of its line, or, when the line has none, in a row of its own: at the
+  /// line's position when `inFileOrder`, else at the end.
+  std::vector<PlacedFinding> findings;
+  bool inFileOrder = true;
+  /// Returns how often an entry was asked for. When it is set, the page has a column and a filter for it, and
+  /// `callSummary`, a sentence, in its head.
+  std::function<std::uint64_t(const Entry&)> countCalls;
+  std::string callSummary;
+};
+
+/// One HTML page without references to other files. `files`, which have been loaded, are borrowed.
+std::unique_ptr<TableWriter> MakeHtmlWriter(std::ostream& out, const LoadedTable& files, PageContent content);
 
 }  // namespace almcfg
 

@@ -4,23 +4,25 @@
   const kMargin = 10;      // Rows drawn above and below those in view.
   const kMostPrinted = 5000;
 
-  const [rows, table, head, body, search, level, detail] =
-    ["#rows", "table", "thead", "tbody", "#search", "#level", "#detail"].map((name) => document.querySelector(name));
+  const [rows, table, head, body, search, level, byCalls, detail] =
+    ["#rows", "table", "thead", "tbody", "#search", "#level", "#calls", "#detail"].map((name) => document.querySelector(name));
   const data = document.getElementById("data");
-  const { files, lines } = JSON.parse(data.textContent);
+  const { files, calls, lines } = JSON.parse(data.textContent);
   data.remove();
   const severities = ["", "note", "warning", "error"];
-  const cellNames = ["key1", "key2", "key3", "number", "value"];
-  const cellTitles = ["Key 1", "Key 2", "Key 3", "Number", "Value"];
+  const cellNames = ["key1", "key2", "key3", "number", "value", "calls"];
+  const cellTitles = ["Key 1", "Key 2", "Key 3", "Number", "Value", "Calls"];
   const grouped = (number) => number.toLocaleString("en");
 
   // One object for each row: an entry of the table in force, or a line that has findings and no entry.
   const all = lines.map(([file, line, rank, findings, ...cells]) => {
+    const count = cells[5];
+    if (count !== undefined) cells[5] = grouped(count);
     const name = files.length > 1 ? files[file].name : "";
     const source = name && line ? `${name}:${line}` : name || line || "";
     const words = findings.flatMap(([severity, ...texts]) => [severities[severity], ...texts]);
     // A word of the search has no line feed, so it never matches across cells.
-    return { file, line, rank, findings, cells, name, source: String(source), text: [...cells, source, ...words].join("\n").toLowerCase() };
+    return { file, line, rank, findings, cells, count, name, source: String(source), text: [...cells, source, ...words].join("\n").toLowerCase() };
   });
   let view = [];         // The rows that match.
   let selected = null;   // One of them, or null.
@@ -42,7 +44,7 @@
   function makeRow(row, index) {
     const cell = (name, ...content) => element("td", { role: "cell", class: name }, ...content);
     const cells = row.cells.length === 1
-      ? [element("td", { role: "cell", class: "line", "aria-colspan": 5, colspan: 5 }, row.cells[0])]
+      ? [element("td", { role: "cell", class: "line", "aria-colspan": calls ? 6 : 5, colspan: calls ? 6 : 5 }, row.cells[0])]
       : row.cells.map((text, at) => cell(cellNames[at], text));
     const findings = row.findings.map((finding) => element("span", { class: "one" }, ...findingTexts(finding)));
     const made = element("tr", { role: "row", class: severities[row.rank], "aria-rowindex": index + 2 },
@@ -99,7 +101,8 @@
   function filter() {
     const words = search.value.toLowerCase().split(/\s+/).filter(Boolean);
     const least = Number(level.value);
-    view = all.filter((row) => row.rank >= least && words.every((word) => row.text.includes(word)));
+    const fitsCalls = { "": () => true, asked: ({ count }) => count > 0, never: ({ count }) => count === 0 }[byCalls.value];
+    view = all.filter((row) => row.rank >= least && fitsCalls(row) && words.every((word) => row.text.includes(word)));
     document.getElementById("count").textContent = `${grouped(view.length)} of ${grouped(all.length)} rows`;
     document.getElementById("none").hidden = view.length > 0;
     table.setAttribute("aria-rowcount", view.length + 1);
@@ -154,6 +157,7 @@
       return search.value ? clear() : rows.focus();
     }
     level.value = "0";
+    byCalls.value = "";
     selected = null;
     clear();
   }
@@ -172,7 +176,7 @@
   document.addEventListener("keydown", (event) => {
     const { key, target, ctrlKey, altKey, metaKey, isComposing } = event;
     if (ctrlKey || altKey || metaKey || isComposing) return;
-    if (target === level && key !== "Escape") return;
+    if ((target === level || target === byCalls) && key !== "Escape") return;
     if (target.closest("ol, #detail") && /^(Arrow|Page|Home|End)/.test(key)) return;   // They scroll themselves.
     const keys = { ...keysAnywhere, ...(target === search ? keysInSearch : keysOutside) };
     const act = keys[(key === "Enter" && event.shiftKey ? "Shift+" : "") + key];
@@ -182,6 +186,7 @@
   });
   search.addEventListener("input", filter);
   level.addEventListener("input", filter);
+  byCalls.addEventListener("input", filter);
   document.getElementById("next").addEventListener("click", () => stepFinding(1));
   document.getElementById("previous").addEventListener("click", () => stepFinding(-1));
   document.getElementById("controls").addEventListener("submit", (event) => event.preventDefault());
@@ -206,7 +211,12 @@
 
   // Columns are as wide as their longest text, up to a limit, and shrink before anything scrolls sideways.
   const widest = (textOf) => all.reduce((most, row) => Math.max(most, (textOf(row) || "").length), 0);
-  const limits = [32, 32, 40, 12, 12];
+  if (calls) {
+    byCalls.hidden = false;
+    table.className = "counted";
+    head.querySelector(".value").after(element("th", { role: "columnheader", class: "calls" }, "Calls"));
+  }
+  const limits = [32, 32, 40, 12, 12, ...(calls ? [12] : [])];
   const widths = limits.map((limit, at) => widest((row) => row.cells.length > 1 && row.cells[at]))
     .map((width, at) => Math.min(Math.max(width, 8), limits[at]));
   widths.push(Math.min(Math.max(widest((row) => row.source), 5), 32));
