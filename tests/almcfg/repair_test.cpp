@@ -1,18 +1,12 @@
-// The repairs of almcfg, and that safe repairs change no answer.
+// The repairs of almcfg one by one, and the unified diff of a repair.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <optional>
-#include <random>
-#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "tests/almcfg/check_text.h"
-#include "tools/almcfg/check/answer.h"
 #include "tools/almcfg/options.h"
 #include "tools/almcfg/repair/repair_text.h"
 #include "tools/almcfg/write/unified_diff.h"
@@ -20,8 +14,6 @@
 namespace {
 
 using namespace almcfg;
-using almcfg_test::CheckWhole;
-using almcfg_test::TableOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -114,6 +106,12 @@ TEST(SafeRepair, DoesNotReplaceAnAnswer) {
   EXPECT_EQ(Safe("A\tB\tC\t7\t01\nA,B,C,7,1\n"), "A\tB\tC\t7\t01\nA\tB\tC\t7\t1\n");
 }
 
+TEST(SafeRepair, ReplacesAValueThatALaterLineReplacesAnyway) {
+  const std::string repaired = "A\tB\tC\t7\t1\nA\tB\tC\t7\t2\nA\tB\tC\t7\t1\n";
+  EXPECT_EQ(Safe("A\tB\tC\t7\t1\n\"A\"\tB\tC\t7\t2\n\"A\"\tB\tC\t7\t1\n"), repaired);
+  EXPECT_EQ(Safe("A\tB\tC\t7\t1\nA,B,C,7,2\nA,B,C,7,1\n"), repaired);
+}
+
 TEST(SafeRepair, LeavesUnsafeRepairsAlone) {
   const std::string content = "A \tB\tC\t07\t1\nB\tB\tC\t7\t1\nB\tB\tC\t7\t2\n";
   EXPECT_EQ(Safe(content), content);
@@ -122,6 +120,11 @@ TEST(SafeRepair, LeavesUnsafeRepairsAlone) {
 TEST(UnsafeRepair, RemovesBlanksAndWritesNumbersPlainly) {
   EXPECT_EQ(Unsafe("A / B\tC \t D\t +07\t1\n"), "A/B\tC\tD\t7\t1\n");
   EXPECT_EQ(Unsafe("A\tB\tC\t-0\t1\nA\tB\tC\tseven\t1\n"), "A\tB\tC\t0\t1\nA\tB\tC\tseven\t1\n");
+}
+
+TEST(Repair, ChangesEachAlternativeThatCanBeChanged) {
+  EXPECT_EQ(Unsafe("A / /B \tC\tD\t7\t1\n"), "A/ /B\tC\tD\t7\t1\n");
+  EXPECT_EQ(Safe("A\tC\tD\t7\t1\n\"A\"/\"B\"\tC\tD\t7\t2\n"), "A\tC\tD\t7\t1\n\"A\"/B\tC\tD\t7\t2\n");
 }
 
 TEST(UnsafeRepair, KeepsTheLaterOfTwoLines) {
@@ -135,6 +138,7 @@ TEST(UnsafeRepair, KeepsTheLaterOfTwoLines) {
 TEST(UnsafeRepair, SplitsLinesWithTooManyAlternativesAndOverlongOnes) {
   EXPECT_EQ(Unsafe("A/B/C/D/E/F\tX\tC\t7\t1\n"), "A/B/C/D/E\tX\tC\t7\t1\nF\tX\tC\t7\t1\n");
   EXPECT_EQ(Unsafe("A\tB/C/D/E/F/G/\tC\t7\t1\n"), "A\tB/C/D/E/F\tC\t7\t1\nA\tG\tC\t7\t1\n");
+  EXPECT_EQ(Unsafe("A/B/C/D/E/F,X,C,7,1\n"), "A/B/C/D/E\tX\tC\t7\t1\nF\tX\tC\t7\t1\n");
   const std::string first(600, 'a');
   const std::string second(600, 'b');
   EXPECT_EQ(Unsafe(first + '/' + second + "\tX\tC\t7\t1\n"),
@@ -148,140 +152,6 @@ TEST(Repair, IsLimitedToTheSelectedCodes) {
   rules.codes[static_cast<std::size_t>(Code::kTrailingSlash)] = true;
   EXPECT_EQ(RepairText(" A/\tB \tC\t07\t1\r", rules).Text(), " A\tB \tC\t07\t1\r");
 }
-
-/// Short files of everything that a repair looks at.
-class RandomFile {
- public:
-  explicit RandomFile(unsigned seed) : random_(seed) {}
-
-  std::string Make() {
-    std::string text = Below(8) == 0 ? "\xEF\xBB\xBF" : "";
-    for (std::size_t lines = 1 + Below(6); lines > 0; --lines) {
-      text += Line() + (Below(4) == 0 ? "\r\n" : "\n");
-    }
-    if (Below(4) == 0) {
-      text.pop_back();
-    }
-    return text;
-  }
-
- private:
-  std::size_t Below(std::size_t end) { return random_() % end; }
-
-  std::string Line() {
-    static const std::vector<std::string> kSeparators{"\t", "\t", "\t", ",", ";"};
-    const std::string separator = kSeparators[Below(kSeparators.size())];
-    std::string line = Below(6) == 0 ? " " : "";
-    line += Below(10) == 0 ? "#" : "";
-    const std::size_t cells = Below(8) == 0 ? Below(8) : 5;
-    for (std::size_t i = 0; i < cells; ++i) {
-      line += (i == 0 ? "" : separator) + Cell(i);
-    }
-    return line + (Below(6) == 0 ? " " : "");
-  }
-
-  std::string Cell(std::size_t column) {
-    static const std::vector<std::string> kTexts{
-        "A", "B",           "A/B", "B/A/",    "A//B", "\"A\"",      " A", "\"A\"/B",
-        "",  "A/B/A/B/A/B", "A,B", "\"A,B\"", "\"\"", "\"a\"\"b\"", " ",  "x\"y"};
-    static const std::vector<std::string> kNumbers{"7", "7", "7", "07", "+7", "\"7\"", "Number", " 7", "8"};
-    const std::vector<std::string>& from = column < 3 ? kTexts : kNumbers;
-    return from[Below(Below(3) == 0 ? from.size() : 3)];
-  }
-
-  std::mt19937 random_;
-};
-
-/// The answer for a key in force that has neither quotation marks nor a byte order mark; none for other keys.
-std::optional<Answer> PlainAnswer(const Entry& entry) {
-  const Answer answer = AnswerFor(entry.value);
-  for (const std::string_view text : {entry.key.key1, entry.key.key2, entry.key.key3, entry.key.numKey}) {
-    if (text.find_first_of("\"\xEF") != std::string_view::npos) {
-      return std::nullopt;
-    }
-  }
-  const bool isNumber = entry.key.numKey == "7" || entry.key.numKey == "8";
-  return answer.result == 0 && isNumber ? std::optional<Answer>(answer) : std::nullopt;
-}
-
-class RandomRepair : public testing::TestWithParam<unsigned> {
- protected:
-  static constexpr int kFiles = 400;
-};
-
-TEST_P(RandomRepair, WhenSafeNeverChangesTheAnswerOfAPlainKey) {
-  RandomFile random(GetParam());
-  for (int i = 0; i < kFiles; ++i) {
-    const std::string content = random.Make();
-    const LoadedTable before = TableOf(content);
-    const LoadedTable after = TableOf(Safe(content));
-    before.ForEach([&](const Entry& entry) {
-      if (const std::optional<Answer> answer = PlainAnswer(entry)) {
-        const std::optional<Entry> now = after.Find(entry.key);
-        EXPECT_TRUE(now && AnswerFor(now->value) == *answer) << Shown(entry.key) << " of\n" << content;
-      }
-    });
-  }
-}
-
-TEST_P(RandomRepair, DoneAgainChangesNothing) {
-  RandomFile random(GetParam() + 100);
-  for (int i = 0; i < kFiles; ++i) {
-    const std::string content = random.Make();
-    for (const RepairRules& rules : {kSafe, kUnsafe}) {
-      const std::string once = RepairText(content, rules).Text();
-      const RepairedText twice = RepairText(once, rules);
-      EXPECT_EQ(twice.Text(), once) << content;
-      EXPECT_THAT(twice.repairs, IsEmpty()) << content;
-    }
-  }
-}
-
-std::set<std::string> CodesIn(const std::string& content) {
-  std::set<std::string> codes;
-  for (const Finding& finding : CheckWhole(content)) {
-    codes.insert(RuleOf(finding.code).name);
-  }
-  return codes;
-}
-
-TEST_P(RandomRepair, LeavesNoFindingOfARepairedKind) {
-  RandomFile random(GetParam() + 200);
-  for (int i = 0; i < kFiles; ++i) {
-    const std::string content = random.Make();
-    std::set<std::string> safe = CodesIn(Safe(content));
-    if (content.compare(0, 4, "\xEF\xBB\xBF#") == 0) {
-      safe.erase("byte-order-mark");  // Without the mark, a loaded line would become a comment.
-    }
-    for (const std::string code : {"byte-order-mark", "cr-line-ends", "no-final-line-feed", "outer-blank",
-                                   "trailing-slash", "repeated-line", "header-line"}) {
-      EXPECT_EQ(safe.count(code), 0U) << code << " in\n" << Safe(content) << "from\n" << content;
-    }
-    const std::set<std::string> all = CodesIn(Unsafe(content));
-    for (const std::string code : {"value-replaced", "duplicate-key", "indented-comment", "repeated-line",
-                                   "outer-blank", "trailing-slash", "header-line"}) {
-      EXPECT_EQ(all.count(code), 0U) << code << " in\n" << Unsafe(content) << "from\n" << content;
-    }
-  }
-}
-
-TEST_P(RandomRepair, KeepsCommentsAndTheOrderOfLines) {
-  RandomFile random(GetParam() + 300);
-  for (int i = 0; i < kFiles; ++i) {
-    const RepairedText repaired = RepairText(random.Make(), kUnsafe);
-    ASSERT_EQ(repaired.original.size(), repaired.repaired.size());
-    for (std::size_t line = 0; line < repaired.original.size(); ++line) {
-      if (repaired.original[line][0] == '#') {
-        const std::string& comment = repaired.original[line];
-        ASSERT_EQ(repaired.repaired[line].size(), 1U);
-        EXPECT_EQ(repaired.repaired[line][0],
-                  comment.substr(0, comment.find_last_not_of(" \r\n") + 1) + '\n');
-      }
-    }
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Seeds, RandomRepair, testing::Range(1U, 6U));
 
 std::string Diff(const std::vector<std::string>& original,
                  const std::vector<std::vector<std::string>>& replacements) {

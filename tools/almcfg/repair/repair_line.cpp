@@ -13,7 +13,6 @@ namespace almcfg {
 namespace {
 
 using NS_ASCII::LineOutcome;
-using NS_ASCII::ParsedLine;
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
@@ -129,20 +128,19 @@ class LineRepairer {
       return;
     }
     const bool isAccepted = IsAccepted(text_);
-    if (trimmed.front() == '#') {
+    const bool hasHash = trimmed.front() == '#';
+    const Texts cells = isAccepted ? SplitAll(trimmed, '\t') : hasHash ? Texts() : SplitDelimited(trimmed);
+    if (IsHeading(cells)) {
+      if (rules_.Allows(Code::kHeaderLine)) {
+        Set(Code::kHeaderLine, 0, "made the heading a comment", (hasHash ? "" : "#") + trimmed);
+      }
+    } else if (hasHash) {
       if (rules_.Allows(Code::kIndentedComment) && (!isAccepted || rules_.unsafe)) {
         Set(Code::kIndentedComment, 0, "removed the blanks before \"#\"", trimmed);
       }
-      return;
-    }
-    const Texts cells = isAccepted ? SplitAll(trimmed, '\t') : SplitDelimited(trimmed);
-    if (IsHeading(cells)) {
-      if (rules_.Allows(Code::kHeaderLine)) {
-        Set(Code::kHeaderLine, 0, "made the heading a comment", "#" + trimmed);
-      }
     } else if (!isAccepted && !cells.empty() && rules_.Allows(Code::kWrongSeparator)) {
-      const std::string separated = Join(cells, '\t');
-      if (IsAccepted(separated) && KeepsAnswers(separated)) {
+      const std::string separated(NS_ASCII::TrimView(Join(cells, '\t')));
+      if (IsAccepted(separated) ? KeepsAnswers(separated) : SplitLines(separated).has_value()) {
         Set(Code::kWrongSeparator, 0, "separated the columns by TABs", separated);
       }
     }
@@ -156,9 +154,8 @@ class LineRepairer {
   /// repair may make another one possible.
   void RepairColumns() {
     const std::string trimmed = Trimmed();
-    const std::size_t leading = OffsetIn(text_, NS_ASCII::TrimView(text_));
-    const std::string before = text_.substr(0, leading);
-    const std::string after = text_.substr(leading + trimmed.size());
+    start_ = text_.substr(0, OffsetIn(text_, NS_ASCII::TrimView(text_)));
+    const std::string end = text_.substr(start_.size() + trimmed.size());
     text_ = trimmed;
     for (std::string last; last != text_;) {
       last = text_;
@@ -175,36 +172,44 @@ class LineRepairer {
                     return meant.empty() ? std::string(cell) : meant;
                   });
     }
-    text_ = before + text_ + after;
+    text_ = start_ + text_ + end;
   }
 
-  /// Changes each column, and each alternative of columns 1 and 2, with `change`, as far as the line stays
+  /// Changes each column with `change`, and then each alternative of columns 1 and 2, as far as the line stays
   /// accepted.
   template <class Change>
   void RepairCells(Code code, const std::string& what, const Change& change) {
     for (std::size_t index = 0; rules_.Allows(code) && index < NS_ASCII::kAlarmColumns; ++index) {
       Texts columns = SplitAll(text_, '\t');
-      std::string cell = change(columns[index], index);
-      if (cell == columns[index] && index < 2) {
-        Texts alternatives = SplitAll(cell, '/');
-        for (std::string& alternative : alternatives) {
-          alternative = change(alternative, index);
+      // Blanks that were inside quotation marks may get to the ends of the line, where a load trims them.
+      const auto line = [&columns] { return std::string(NS_ASCII::TrimView(Join(columns, '\t'))); };
+      const auto set = [&](std::string cell) {
+        std::swap(columns[index], cell);
+        const bool isChanged = columns[index] != cell;
+        if (isChanged && !(IsAccepted(start_ + line()) && KeepsAnswers(start_ + line()))) {
+          columns[index] = std::move(cell);
         }
-        cell = Join(alternatives, '/');
+      };
+      set(change(columns[index], index));
+      const std::size_t count = index < 2 ? SplitAll(columns[index], '/').size() : 0;
+      for (std::size_t i = 0; i < count; ++i) {
+        Texts alternatives = SplitAll(columns[index], '/');
+        alternatives[i] = change(alternatives[i], index);
+        set(Join(alternatives, '/'));
       }
-      if (cell == columns[index] || cell.empty()) {
-        continue;
-      }
-      std::size_t at = 0;
-      for (std::size_t i = 0; i < index; ++i) {
-        at += columns[i].size() + 1;
-      }
-      columns[index] = cell;
-      const std::string changed = Join(columns, '\t');
-      if (IsAccepted(changed) && KeepsAnswers(changed)) {
-        Set(code, at, what + "column " + std::to_string(index + 1), changed);
+      if (line() != text_) {
+        Set(code, start_.size() + OffsetOf(columns, index), what + "column " + std::to_string(index + 1),
+            line());
       }
     }
+  }
+
+  static std::size_t OffsetOf(const Texts& columns, std::size_t index) {
+    std::size_t offset = 0;
+    for (std::size_t i = 0; i < index; ++i) {
+      offset += columns[i].size() + 1;
+    }
+    return offset;
   }
 
   void RemoveTrailingSlashes() {
@@ -212,7 +217,7 @@ class LineRepairer {
       Texts columns = SplitAll(text_, '\t');
       if (columns[index].back() == '/') {
         columns[index].pop_back();
-        Set(Code::kTrailingSlash, columns[0].size() + (index == 0 ? 0 : columns[1].size() + 1),
+        Set(Code::kTrailingSlash, start_.size() + OffsetOf(columns, index + 1) - 1,
             "removed the \"/\" at the end of column " + std::to_string(index + 1), Join(columns, '\t'));
       }
     }
@@ -220,25 +225,12 @@ class LineRepairer {
 
   /// Splits a line that is too long or has too many alternatives.
   Texts Split() {
-    const ParsedLine parsed = NS_ASCII::ParseLine(text_);
-    const bool isOverlong = text_.size() > kLongestLine;
-    const bool hasTooMany = parsed.outcome == LineOutcome::kRejected &&
-                            parsed.rejection.reason == NS_ASCII::RejectReason::kSixthPart &&
-                            parsed.rejection.split != NS_ASCII::SplitText::kLine;
-    const Code code = isOverlong ? Code::kOverlongLine : Code::kTooManyAlternatives;
-    if (!(isOverlong || hasTooMany) || text_.front() == '#' || !rules_.Allows(code)) {
+    const std::optional<Texts> lines = SplitLines(text_);
+    if (!lines) {
       return {text_};
     }
-    const Texts columns = SplitAll(NS_ASCII::TrimView(text_), '\t');
-    if (columns.size() != NS_ASCII::kAlarmColumns) {
-      return {text_};
-    }
-    const auto lines = SplitAlternatives(AlternativesOf(columns[0]), AlternativesOf(columns[1]), columns);
-    if (!lines ||
-        !std::all_of(lines->begin(), lines->end(), [](const auto& line) { return IsAccepted(line); })) {
-      return {text_};
-    }
-    repairs_.push_back({code, 1, 1, 1, "split the line into " + Counted(lines->size(), "line"), "", 0});
+    repairs_.push_back(
+        {SplitReason(text_), 1, 1, 1, "split the line into " + Counted(lines->size(), "line"), "", 0});
     Texts repaired;
     for (const std::string& line : *lines) {
       const Texts some = LineRepairer(line, rules_, keepsAnswers_, repairs_).Repair(false);
@@ -247,12 +239,32 @@ class LineRepairer {
     return repaired;
   }
 
+  static Code SplitReason(const std::string& text) {
+    return text.size() > kLongestLine ? Code::kOverlongLine : Code::kTooManyAlternatives;
+  }
+
+  /// The lines that replace a line that is too long or has too many alternatives; none for other lines, and
+  /// when one of them would not be accepted.
+  [[nodiscard]] std::optional<Texts> SplitLines(const std::string& text) const {
+    const Texts columns = SplitAll(NS_ASCII::TrimView(text), '\t');
+    if (text.front() == '#' || columns.size() != NS_ASCII::kAlarmColumns ||
+        !rules_.Allows(SplitReason(text)) || (text.size() <= kLongestLine && IsAccepted(text))) {
+      return std::nullopt;
+    }
+    auto lines = SplitAlternatives(AlternativesOf(columns[0]), AlternativesOf(columns[1]), columns);
+    const bool isSplit =
+        lines && std::all_of(lines->begin(), lines->end(), [](const auto& line) { return IsAccepted(line); });
+    return isSplit ? lines : std::nullopt;
+  }
+
   static Texts AlternativesOf(const std::string& column) {
     const bool hasSlash = !column.empty() && column.back() == '/';
     return SplitAll(std::string_view(column).substr(0, column.size() - (hasSlash ? 1 : 0)), '/');
   }
 
   std::string text_;
+  std::string
+      start_;  // While columns are repaired, the blanks before them that stay; `text_` is then trimmed.
   const RepairRules& rules_;
   const almcfg::KeepsAnswers& keepsAnswers_;
   std::vector<Finding>& repairs_;

@@ -25,7 +25,7 @@ struct RepairRules {
 };
 
 /// Returns whether loading the line in place of the original one keeps the answer of every key that had one.
-/// Called for repairs that add keys.
+/// Called for repairs that add keys, unless `RepairRules::unsafe`; it may then be empty.
 using KeepsAnswers = std::function<bool(std::string_view line)>;
 
 /// Repairs one line (without its LF) on its own. Returns the lines that replace it, usually one, and appends

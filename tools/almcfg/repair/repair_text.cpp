@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tools/almcfg/check/answer.h"
+#include "tools/almcfg/check/cell_text.h"
 #include "tools/almcfg/check/checker.h"
 #include "tools/almcfg/read/loaded_table.h"
 #include "tools/almcfg/write/printable.h"
@@ -40,19 +41,60 @@ LoadedTable LoadBytes(std::string_view content) {
   return {std::move(texts), silent};
 }
 
-/// Whether every later query for a key of `line`, as line `number` of the file, gets the answer it had.
-bool KeepsEveryAnswer(const LoadedTable& before, std::string_view line, LineNumber number) {
-  Records records;
-  NS_ASCII::ListRecords(NS_ASCII::ParseLine(line), records);
-  return std::all_of(records.begin(), records.end(), [&](const Record& record) {
-    const std::optional<Entry> entry = before.Find(record);
-    if (!entry || entry->place.line >= number) {
-      return true;  // The key is new, or its line still comes later and wins.
+/// What decides whether a safe repair may add keys: the table of the original file, and the keys of later
+/// lines that were repaired.
+class Answers {
+ public:
+  explicit Answers(std::string_view content) : before_(LoadBytes(content)) {}
+
+  /// Whether every query for a key of `line`, as line `number` of the file, gets the answer it had.
+  [[nodiscard]] bool AreKeptBy(std::string_view line, LineNumber number) const {
+    const Records records = RecordsOf(line);
+    return std::all_of(records.begin(), records.end(), [&](const Record& record) {
+      const std::optional<Entry> entry = before_.Find(record);
+      if (!entry || entry->place.line >= number || repairedLater_.count(KeyText(record)) != 0) {
+        return true;  // The key is new, or a later line sets it and wins.
+      }
+      if (MeantNumber(record.numKey) != record.numKey) {
+        return true;  // No query asks for the key.
+      }
+      const Answer answer = AnswerFor(entry->value);
+      return answer.result != 0 || answer == AnswerFor(record.value);
+    });
+  }
+
+  /// Takes what the repaired line adds for the lines before it.
+  void TakeRepaired(std::string_view line, LineNumber number) {
+    for (const Record& record : RecordsOf(line)) {
+      const std::optional<Entry> entry = before_.Find(record);
+      if (!entry || entry->place.line < number) {
+        repairedLater_.insert(KeyText(record));
+      }
     }
-    const Answer answer = AnswerFor(entry->value);
-    return answer.result != 0 || answer == AnswerFor(record.value);
-  });
-}
+  }
+
+ private:
+  static Records RecordsOf(std::string_view line) {
+    Records records;
+    const NS_ASCII::ParsedLine parsed = NS_ASCII::ParseLine(line);
+    if (parsed.outcome == NS_ASCII::LineOutcome::kAccepted) {
+      NS_ASCII::ListRecords(parsed, records);
+    }
+    return records;
+  }
+
+  /// Columns hold no TAB, so different keys have different texts.
+  static std::string KeyText(const Record& record) {
+    std::string text(record.key1);
+    for (const std::string_view column : {record.key2, record.key3, record.numKey}) {
+      text.append(1, '\t').append(column);
+    }
+    return text;
+  }
+
+  LoadedTable before_;
+  std::set<std::string> repairedLater_;
+};
 
 class TextRepairer {
  public:
@@ -62,8 +104,8 @@ class TextRepairer {
     const std::vector<std::string_view> lines = CutLines(content_);
     RepairEachLine(lines);
     RemoveExactRepeats();
-    if (rules_.unsafe) {
-      RemoveReplacedRecords();
+    while (rules_.unsafe && RemoveReplacedRecords()) {
+      RemoveExactRepeats();
     }
     RepairedText result;
     result.original.assign(lines.begin(), lines.end());
@@ -81,31 +123,39 @@ class TextRepairer {
   }
 
  private:
+  /// From the last line to the first, because a repair may depend on the later lines.
   void RepairEachLine(const std::vector<std::string_view>& lines) {
-    const LoadedTable before = LoadBytes(content_);
-    std::size_t crLines = 0;
-    for (LineNumber number = 1; number <= lines.size(); ++number) {
+    Answers answers(content_);
+    LineNumber crLines = 0;
+    for (auto number = static_cast<LineNumber>(lines.size()); number != 0; --number) {
       std::string_view line = lines[number - 1];
       line.remove_suffix(line.back() == '\n' ? 1 : 0);
+      const auto keeps = [&](std::string_view repaired) { return answers.AreKeptBy(repaired, number); };
       std::vector<Finding> repairs;
-      const auto keeps = [&](std::string_view repaired) {
-        return KeepsEveryAnswer(before, repaired, number);
-      };
-      for (std::string& text : RepairLine(line, number == 1, rules_, keeps, repairs)) {
-        output_.push_back({std::move(text), number});
-      }
-      for (Finding& repair : repairs) {
-        repair.line = number;
-        // Line ends are reported once for the whole file.
-        if (repair.code != Code::kCrLineEnds || crLines++ == 0) {
-          repairs_.push_back(std::move(repair));
+      Texts texts = RepairLine(line, number == 1, rules_, keeps, repairs);
+      std::for_each(texts.rbegin(), texts.rend(), [&](std::string& text) {
+        if (!repairs.empty()) {
+          answers.TakeRepaired(text, number);
         }
+        output_.push_back({std::move(text), number});
+      });
+      for (auto repair = repairs.rbegin(); repair != repairs.rend(); ++repair) {
+        repair->line = number;
+        crLines += repair->code == Code::kCrLineEnds ? 1 : 0;
+        repairs_.push_back(std::move(*repair));
       }
     }
-    for (Finding& repair : repairs_) {
-      if (repair.code == Code::kCrLineEnds) {
-        repair.message = "removed the CR at the end of " + Counted(crLines, "line");
-      }
+    std::reverse(output_.begin(), output_.end());
+    std::reverse(repairs_.begin(), repairs_.end());
+    ReportLineEndsOnce(crLines);
+  }
+
+  void ReportLineEndsOnce(LineNumber crLines) {
+    const auto isAboutCr = [](const Finding& repair) { return repair.code == Code::kCrLineEnds; };
+    const auto first = std::find_if(repairs_.begin(), repairs_.end(), isAboutCr);
+    if (first != repairs_.end()) {
+      first->message = "removed the CR at the end of " + Counted(crLines, "line");
+      repairs_.erase(std::remove_if(first + 1, repairs_.end(), isAboutCr), repairs_.end());
     }
   }
 
@@ -140,8 +190,10 @@ class TextRepairer {
     output_ = std::move(kept);
   }
 
-  /// Takes the keys that a later line sets again out of the earlier lines.
-  void RemoveReplacedRecords() {
+  /// Takes the keys that a later line sets again out of the earlier lines. Repairs what is left of those lines,
+  /// because fewer alternatives may allow more repairs. Returns whether anything was removed.
+  bool RemoveReplacedRecords() {
+    const std::size_t repairsBefore = repairs_.size();
     const LoadedTable table = LoadOutput();
     std::vector<std::set<std::size_t>> replaced(output_.size());
     for (LineNumber number = 1; number <= output_.size(); ++number) {
@@ -159,11 +211,18 @@ class TextRepairer {
         kept.push_back(std::move(output_[i]));
         continue;
       }
-      for (std::string& text : LinesWithout(replaced[i], output_[i].text)) {
-        kept.push_back({std::move(text), output_[i].origin});
+      for (const std::string& rest : LinesWithout(replaced[i], output_[i].text)) {
+        std::vector<Finding> repairs;
+        for (std::string& text : RepairLine(rest, false, rules_, nullptr, repairs)) {
+          kept.push_back({std::move(text), output_[i].origin});
+        }
+        for (const Finding& repair : repairs) {
+          Note(repair.code, output_[i], repair.message);
+        }
       }
     }
     output_ = std::move(kept);
+    return repairs_.size() != repairsBefore;
   }
 
   static Code CodeFor(const Repeat& repeat, const SourceText& text) {
