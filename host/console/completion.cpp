@@ -62,16 +62,19 @@ std::vector<std::string> NamesFor(const Session& session, const Words& before, c
   if (command == all.end()) {
     return {};
   }
-  const bool isFirst = before.size() == 1;
-  switch (command->completes) {
+  const Completes kind = command->completes;
+  if (before.size() > 1 && kind != Completes::kOperations && kind != Completes::kFiles) {
+    return {};
+  }
+  switch (kind) {
     case Completes::kCommands:
-      return isFirst ? CommandNames() : std::vector<std::string>();
+      return CommandNames();
     case Completes::kOperations:
       return NamesForCall(before);
     case Completes::kBundles:
-      return isFirst ? BundleNames(session) : std::vector<std::string>();
+      return BundleNames(session);
     case Completes::kItems:
-      return isFirst ? ItemNames() : std::vector<std::string>();
+      return ItemNames();
     case Completes::kFiles:
       return FileNames(word);
     case Completes::kNothing:

@@ -55,13 +55,7 @@ CallWatch::CallWatch(const std::string& what, std::chrono::milliseconds limit) {
     crashLines[at] = "bundle_host: crashed in " + OneLine(what) + ": " + SignalName(kCrashSignals[at]) + "\n";
     sigaction(kCrashSignals[at], &action, &previousActions[at]);
   }
-  // The timer's thread blocks all signals, so that the other threads handle those of the process.
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
   timer_ = std::thread(&CallWatch::ReportWhenSlow, this, what, limit);
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 CallWatch::~CallWatch() {

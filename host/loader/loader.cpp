@@ -28,6 +28,7 @@
 namespace host {
 namespace {
 
+using NS_BUNDLEMGR1::ServiceInterface;
 using NS_BUNDLEMGR1::ServiceObjectBase;
 
 /// Splits the string of a directive into arguments as ACE does.
@@ -87,24 +88,48 @@ std::string WithReason(const std::string& problem, const std::string& reason) {
   return reason.empty() ? problem : problem + " (" + reason + ")";
 }
 
-/// Names that were looked up since `before` and are not registered.
-std::string MissingSince(const std::vector<InterfaceName>& before) {
-  std::string missing;
+/// A name of the registry that was looked up, with what was registered under it before and is now.
+struct LookedUp {
+  std::string name;
+  std::vector<ServiceInterface*> before;
+  std::vector<ServiceInterface*> now;
+};
+
+/// The names that were looked up since `before`.
+std::vector<LookedUp> LookedUpSince(const std::vector<InterfaceName>& before) {
+  std::vector<LookedUp> names;
   for (const InterfaceName& name : ListInterfaces()) {
-    const auto old = std::find_if(before.begin(), before.end(),
-                                  [&](const InterfaceName& entry) { return entry.name == name.name; });
-    if (name.interfaces.empty() && name.lookups > (old == before.end() ? 0 : old->lookups)) {
-      missing += (missing.empty() ? "" : ", ") + name.name;
+    const auto found = std::find_if(before.begin(), before.end(),
+                                    [&](const InterfaceName& entry) { return entry.name == name.name; });
+    const InterfaceName old = found == before.end() ? InterfaceName() : *found;
+    if (name.lookups > old.lookups) {
+      names.push_back({name.name, old.interfaces, name.interfaces});
     }
   }
-  return missing;
+  return names;
+}
+
+/// See `LoadedBundle::wraps`; `own` is the bundle's interface, or null.
+const ServiceInterface* WrappedSince(const std::vector<InterfaceName>& before, const ServiceInterface* own) {
+  for (const LookedUp& name : LookedUpSince(before)) {
+    if (!name.before.empty() && !name.now.empty() && name.now.front() == own) {
+      return name.before.front();
+    }
+  }
+  return nullptr;
+}
+
+ServiceInterface* InterfaceOf(ServiceObjectBase* service) {
+  return service == nullptr ? nullptr : service->GetInterface();
 }
 
 /// Suggests why an `init` failed.
 std::string HintAtCause(const std::vector<InterfaceName>& before) {
   std::string hint;
-  if (const std::string missing = MissingSince(before); !missing.empty()) {
-    hint += "; looked up and not registered: " + missing;
+  for (const LookedUp& name : LookedUpSince(before)) {
+    if (name.now.empty()) {
+      hint += (hint.empty() ? "; looked up and not registered: " : ", ") + name.name;
+    }
   }
   if (NS_BUNDLEMGR1::GetCfgDirPath().empty()) {
     hint += std::string("; no configuration directory is known: ") + kConfigDirHint;
@@ -279,8 +304,10 @@ void Loader::Start(const Plan& plan) {
     throw Failure(WithReason(plan.name + ": " + problems->init, complaints.Text()) + hint);
   }
   NoteMapped();
-  bundles_.push_back({plan.name, plan.path, plan.factory, object, dynamic_cast<ServiceObjectBase*>(object),
-                      problems, plan.arguments, file, std::chrono::system_clock::now()});
+  auto* const service = dynamic_cast<ServiceObjectBase*>(object);
+  bundles_.push_back({plan.name, plan.path, plan.factory, object, service, problems,
+                      WrappedSince(namesBefore, InterfaceOf(service)), plan.arguments, file,
+                      std::chrono::system_clock::now()});
 }
 
 void Loader::Init(const std::string& name, const Words& arguments) {
@@ -324,15 +351,18 @@ void Loader::RefuseOldCode(const std::string& library) const {
 void Loader::RefuseWhileNeeded(const LoadedBundle& bundle) const {
   const std::vector<MappedLibrary> libraries = MappedLibraries();
   const MappedLibrary* const library = FindMapped(libraries, bundle.library);
+  const ServiceInterface* const interface = InterfaceOf(bundle.service);
   std::string users;
   for (const LoadedBundle& other : bundles_) {
     const MappedLibrary* const user = FindMapped(libraries, other.library);
-    if (library != nullptr && user != nullptr && user != library && user->Needs(*library)) {
-      users += (users.empty() ? "" : ", ") + other.name;
+    const bool isLinked = library != nullptr && user != nullptr && user != library && user->Needs(*library);
+    if (isLinked || (interface != nullptr && other.wraps == interface)) {
+      users += (users.empty() ? "" : ", ") + other.name +
+               (isLinked ? " is linked against it" : " passes calls on to its interface");
     }
   }
   if (!users.empty()) {
-    throw Failure(bundle.name + " is in use: linked against it: " + users + "; unload first what is");
+    throw Failure(bundle.name + " is in use: " + users + "; unload first what uses it");
   }
 }
 

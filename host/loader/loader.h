@@ -25,6 +25,9 @@ struct LoadedBundle {
   ACE_Service_Object* object = nullptr;
   NS_BUNDLEMGR1::ServiceObjectBase* service = nullptr;  ///< the same object; null when it has another base
   std::shared_ptr<const ServiceProblems> problems;
+  /// The interface that the bundle found under a name and registered its own in front of, such as the one that
+  /// a recorder passes calls on to; null when there is none. Compared, never dereferenced.
+  const NS_BUNDLEMGR1::ServiceInterface* wraps = nullptr;
   Words arguments;    ///< of the last `init` that succeeded
   FileIdentity file;  ///< the library's file when it was loaded
   std::chrono::system_clock::time_point loadTime;
@@ -90,15 +93,16 @@ class Loader {
   void Init(const std::string& name, const Words& arguments);
 
   /// Calls `fini`, destroys the service object and releases the library.
-  /// Throws `Failure` while another loaded bundle is linked against the library, unless `force`. When `fini`
+  /// Throws `Failure` while another loaded bundle is linked against the library or passes calls on to the
+  /// bundle's interface, unless `force`. When `fini`
   /// fails or throws, the bundle is still unloaded and the problem is in the report.
   UnloadReport Unload(const std::string& name, bool force = false);
 
   /// Unloads the bundle, loads its current file and calls `init` with the arguments of the last successful
   /// `init`. The bundle then counts as the last one loaded. Returns the bundle.
   ///
-  /// Throws before the unload when loaded bundles are linked against the library (all are named) or the new
-  /// file cannot be loaded. Throws after the unload, and the message says so, when the old library stays
+  /// Throws before the unload when loaded bundles use this one, as for `Unload` (all are named), or the new file
+  /// cannot be loaded. Throws after the unload, and the message says so, when the old library stays
   /// mapped or the new code's factory or `init` fails, and after the reload when the unload reported a
   /// problem.
   const LoadedBundle& Reload(const std::string& name);

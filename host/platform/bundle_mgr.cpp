@@ -57,7 +57,6 @@ class Table : public BundleMgr {
 
   std::mutex lock;
   std::map<std::string, std::unique_ptr<HostBundle>> bundles;  // guarded by lock
-  std::uint64_t everListed = 0;                                // guarded by lock
 };
 
 /// Never destroyed: service objects may be unlisted while static objects are destroyed.
@@ -77,7 +76,6 @@ void ListService(const std::string& bundle, const std::string& service, ServiceO
     place = std::make_unique<HostBundle>(table.lock);
   }
   place->services.push_back({service, object});
-  ++table.everListed;
 }
 
 bool UnlistService(const ServiceObjectBase* object) {
@@ -112,12 +110,6 @@ std::vector<ServiceEntry> ListServices() {
     }
   }
   return list;
-}
-
-std::uint64_t ServicesEverListed() {
-  Table& table = TheTable();
-  const std::lock_guard<std::mutex> guard(table.lock);
-  return table.everListed;
 }
 
 }  // namespace host

@@ -1,7 +1,6 @@
 #ifndef HOST_PLATFORM_BUNDLE_MGR_H_
 #define HOST_PLATFORM_BUNDLE_MGR_H_
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -37,9 +36,6 @@ PLATFORM_API bool IsListed(const NS_BUNDLEMGR1::ServiceObjectBase* object);
 
 /// All living service objects, by bundle, then in the order of construction.
 PLATFORM_API std::vector<ServiceEntry> ListServices();
-
-/// The number of service objects ever listed, unlisted ones included.
-PLATFORM_API std::uint64_t ServicesEverListed();
 
 }  // namespace host
 

@@ -44,6 +44,23 @@ namespace {
 }();
 #endif
 
+#ifdef BROKEN_CONSTRUCTOR_READS
+[[maybe_unused]] const int atLoad = [] {
+  char byte = '-';
+  static_cast<void>(read(STDIN_FILENO, &byte, 1));
+  std::printf("constructor read %c\n", byte);
+  std::fflush(stdout);
+  return 0;
+}();
+#endif
+#ifdef BROKEN_INIT_OVERFLOWS
+int Recurse(volatile char* from) {  // NOLINT(misc-no-recursion): overflows the stack.
+  volatile char page[4096];
+  page[0] = *from;
+  return page[0] == 1 ? 0 : Recurse(page) + page[0];
+}
+#endif
+
 class Interface : public NS_BUNDLEMGR1::ServiceInterface {
  public:
   std::string GetSvcName() override { return "BrokenService"; }
@@ -69,7 +86,14 @@ class Broken : public NS_BUNDLEMGR1::ServiceObjectBase {
                 argv[argc] == nullptr ? " and a null after them" : "");
     for (int at = 0; at < argc; ++at) std::puts(argv[at]);
     std::fflush(stdout);
-    return argc == 1 && std::strcmp(argv[0], "fail") == 0 ? -1 : 0;
+#endif
+    if (argc == 1 && std::strcmp(argv[0], "fail") == 0) return -1;
+#ifdef BROKEN_INIT_OVERFLOWS
+    volatile char start = 0;
+    return Recurse(&start);
+#endif
+#ifdef BROKEN_WRAPS
+    NS_BUNDLEMGR1::CheckIFBuf("BrokenInterface");
 #endif
 #ifdef BROKEN_INIT_CRASHES
     std::raise(SIGSEGV);
@@ -89,8 +113,10 @@ class Broken : public NS_BUNDLEMGR1::ServiceObjectBase {
 #endif
 #ifdef BROKEN_INIT_HANGS
     static_cast<void>(write(STDOUT_FILENO, "init begins\n", 12));
-    for (char byte = 0; read(STDIN_FILENO, &byte, 1) > 0;) {  // Until the test closes its standard input.
-    }
+    ssize_t size = 1;
+    for (char byte = 0; size > 0;)
+      size = read(STDIN_FILENO, &byte, 1);  // Until the test closes its standard input.
+    if (size < 0) static_cast<void>(write(STDOUT_FILENO, "read failed\n", 12));
 #endif
 #ifdef BROKEN_INIT_FAILS
     ACE_ERROR((LM_ERROR, ACE_TEXT("a reason of init\n")));
@@ -134,6 +160,7 @@ extern "C" PLATFORM_API ACE_Service_Object* PASTE(_make_,
                                                   BUNDLE)(ACE_Service_Object_Exterminator* exterminator) {
 #ifdef BROKEN_NULL_FACTORY
   *exterminator = nullptr;
+  new Broken;
   return nullptr;
 #else
   *exterminator = Destroy;

@@ -69,6 +69,16 @@ TEST_F(BundlePlatform, SetsUpDirectoryItemsLogAndLevelAndWithdrawsTheLogAtFini) 
   EXPECT_EQ(NS_BUNDLEMGR1::CheckIFBuf("LogSvcInterface"), nullptr);
 }
 
+TEST_F(BundlePlatform, ASecondInitReplacesThePlatform) {
+  EXPECT_EQ(Init({"--config-dir", Dir(), "--log-file", Dir() + "/first"}), 0);
+  EXPECT_EQ(Init({"--config-dir", Dir(), "--log-file", Dir() + "/second"}), 0);
+  ACE_ERROR((LM_ERROR, ACE_TEXT("after the second init\n")));
+  EXPECT_EQ(dir_.Read("first"), "");
+  EXPECT_NE(dir_.Read("second").find("after the second init"), std::string::npos);
+  EXPECT_EQ(object_->fini(), 0);
+  EXPECT_EQ(ACE_Log_Msg::msg_backend(), nullptr);
+}
+
 TEST_F(BundlePlatform, ReportsADoubtfulItemInItsLog) {
   dir_.Write("config_items.ini", "[items]\nA=x\n");
   EXPECT_EQ(Init({"--config-dir", Dir(), "--log-file", Dir() + "/log"}), 0);

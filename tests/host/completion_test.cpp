@@ -43,6 +43,7 @@ TEST_F(Completion, ItemsAreTheOnesThatAreSet) {
   host::SetItem("CompletionItem", 1);
   EXPECT_EQ(Complete("unset CompletionI"), Names{"CompletionItem"});
   EXPECT_EQ(Complete("set CompletionItem "), Names{});
+  EXPECT_EQ(Complete("set a CompletionI"), Names{}) << "only the first argument is an item";
   host::UnsetItem("CompletionItem");
   EXPECT_EQ(Complete("unset CompletionI"), Names{});
 }

@@ -46,6 +46,13 @@ TEST_F(ConfigItems, AnItemOfTheFileIsRead) {
   EXPECT_EQ(value, 7);
 }
 
+TEST_F(ConfigItems, AnItemOfTheFileReplacesOneOfTheSameName) {
+  host::SetItem("A", 1);
+  host::SetItem("B", 2);
+  EXPECT_EQ(Load("[items]\nA=3\n"), "");
+  EXPECT_EQ(host::ListItems(), (std::map<std::string, std::string>{{"A", "3"}, {"B", "2"}}));
+}
+
 TEST_F(ConfigItems, ItemsOfAnotherSectionAreNotRead) {
   EXPECT_EQ(Load("[other]\nIsTransQuelt=7\n"), "");
   EXPECT_TRUE(host::ListItems().empty());

@@ -154,6 +154,13 @@ class ConsoleAtATerminal(unittest.TestCase):
         terminal.type("\x1b[A\x1b[A\r")
         self.assertIn("there is no item 'Nothing'", terminal.wait_for(PROMPT))
 
+    def test_a_blank_line_is_not_in_the_history(self):
+        terminal = self.start()
+        terminal.run("log")
+        terminal.run("  ")
+        terminal.type("\x1b[A\r")
+        self.assertIn("log level: 0", terminal.wait_for(PROMPT))
+
     def test_a_relative_state_directory_is_ignored(self):
         home = tempfile.mkdtemp()
         self.addCleanup(shutil.rmtree, home)
@@ -216,6 +223,7 @@ class ConsoleAtATerminal(unittest.TestCase):
         first.run("set First 1")
         second.run("set Second 2")
         first.run("set Third 3")
+        second.run("set Fourth 4")
         for terminal in (first, second):
             terminal.type("\x04")
             terminal.wait_for_end()
@@ -223,7 +231,7 @@ class ConsoleAtATerminal(unittest.TestCase):
         self.assertEqual(os.stat(path).st_mode & 0o777, 0o600)
         with open(path, encoding="ascii") as file:
             lines = [line.rstrip().replace("\\040", " ") for line in file]
-        self.assertEqual(lines[1:], ["set First 1", "set Second 2", "set Third 3"])
+        self.assertEqual(lines[1:], ["set First 1", "set Second 2", "set Third 3", "set Fourth 4"])
 
     @unittest.skipUnless(os.environ.get("NO_FCHMOD"), "a sanitizer's run time must be the first library")
     def test_a_new_history_is_private_from_the_start(self):

@@ -30,6 +30,14 @@ TEST(Directive, BehindTheFactoryStandTheStateAndTheArgumentsAndNothingElse) {
   }
 }
 
+TEST(Directive, IsActiveUnlessItSaysInactive) {
+  const std::string start = "dynamic N Service_Object * lib:_make_b()";
+  EXPECT_TRUE(ParseDirective(start).active);
+  EXPECT_TRUE(ParseDirective(start + " active \"a\"").active);
+  EXPECT_FALSE(ParseDirective(start + " inactive \"a\"").active);
+  EXPECT_EQ(ParseDirective(start + " inactive \"a b\"").parameters, "a b");
+}
+
 TEST(Directive, AnotherVerbHasOnlyAName) {
   const auto parts = ParseDirective("remove Name");
   EXPECT_EQ(parts.verb, "remove");

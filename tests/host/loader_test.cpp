@@ -3,11 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ace/Service_Repository.h>
+
 #include <filesystem>
+#include <fstream>
 #include <functional>
 
+#include "framework/interface_registry.h"
 #include "host/base/problem.h"
 #include "host/loader/library_trial.h"
+#include "host/platform/bundle_mgr.h"
 #include "tests/temp_directory.h"
 
 namespace {
@@ -114,7 +119,7 @@ TEST_F(LoaderTest, ABundleThatAnotherIsLinkedAgainstIsNeitherUnloadedNorReloaded
   loader_.Load(Fixture("broken_pair_base"), {});
   loader_.Load(Fixture("broken_pair_user"), {});
   const std::string inUse =
-      "broken_pair_base is in use: linked against it: broken_pair_user; unload first what is";
+      "broken_pair_base is in use: broken_pair_user is linked against it; unload first what uses it";
   EXPECT_EQ(ProblemOf([&] { loader_.Unload("broken_pair_base"); }), inUse);
   EXPECT_EQ(ProblemOf([&] { loader_.Reload("broken_pair_base"); }), inUse);
   EXPECT_EQ(ProblemOf([&] { loader_.Process("remove broken_pair_base"); }), inUse);
@@ -192,6 +197,96 @@ TEST_F(LoaderTest, ASymbolIsThatOfTheBundleLoadedLast) {
   EXPECT_EQ(Version(), 2);
   loader_.Unload("two");
   EXPECT_EQ(Version(), 1);
+}
+
+TEST_F(LoaderTest, AReloadWhoseOldFiniFailedLoadsTheNewCodeAndReportsIt) {
+  loader_.Load(Fixture("broken_fini_fails"), {});
+  EXPECT_EQ(ProblemOf([&] { loader_.Reload("broken_fini_fails"); }),
+            "broken_fini_fails was reloaded, but on the way: broken_fini_fails: fini returned -1");
+  EXPECT_EQ(loader_.Bundles().size(), 1U);
+}
+
+TEST_F(LoaderTest, ARemoveWhoseFiniFailsIsAFailureAndTheBundleIsGone) {
+  loader_.Load(Fixture("broken_fini_fails"), {});
+  EXPECT_EQ(ProblemOf([&] { loader_.Process("remove broken_fini_fails"); }),
+            "broken_fini_fails: fini returned -1");
+  EXPECT_TRUE(loader_.Bundles().empty());
+}
+
+TEST_F(LoaderTest, TheArgumentsOfAFailedInitAreNotThoseOfAReload) {
+  loader_.Load(Fixture("broken_talks"), {"good"});
+  EXPECT_THAT(ProblemOf([&] { loader_.Init("broken_talks", {"fail"}); }),
+              StartsWith("broken_talks: init returned -1"));
+  EXPECT_EQ(loader_.Reload("broken_talks").arguments, host::Words{"good"});
+}
+
+TEST_F(LoaderTest, AFailedLoadLeavesNoServiceObject) {
+  EXPECT_THAT(ProblemOf([&] { loader_.Load(Fixture("broken_null_factory"), {}); }),
+              EndsWith(": the factory returned null"));
+  EXPECT_TRUE(host::ListServices().empty());
+  EXPECT_NE(ProblemOf([&] { loader_.Load(Fixture("broken_lazy_exterminator"), {"fail"}); }), "");
+  EXPECT_TRUE(host::ListServices().empty());
+}
+
+TEST_F(LoaderTest, OnlyInterfacesThatTheFailedInitLookedUpAreNamed) {
+  NS_BUNDLEMGR1::CheckIFBuf("LookedUpEarlier");
+  const std::string problem = ProblemOf([&] { loader_.Load(Fixture("broken_init_fails"), {}); });
+  EXPECT_THAT(problem, HasSubstr("; looked up and not registered: WantedInterface"));
+  EXPECT_THAT(problem, testing::Not(HasSubstr("LookedUpEarlier")));
+}
+
+TEST_F(LoaderTest, ABundleWhoseInterfaceAnotherOnePassesCallsOnToIsNeitherUnloadedNorReloaded) {
+  loader_.Load(Fixture("broken_talks"), {});
+  loader_.Load(Fixture("broken_wraps"), {});
+  const std::string inUse =
+      "broken_talks is in use: broken_wraps passes calls on to its interface; unload first what uses it";
+  EXPECT_EQ(ProblemOf([&] { loader_.Unload("broken_talks"); }), inUse);
+  EXPECT_EQ(ProblemOf([&] { loader_.Reload("broken_talks"); }), inUse);
+  loader_.Unload("broken_wraps");
+  EXPECT_EQ(ProblemOf([&] { loader_.Unload("broken_talks"); }), "");
+}
+
+TEST_F(LoaderTest, ABundleThatOnlyRegistersTheSameInterfaceDoesNotUseTheOther) {
+  loader_.Load(Fixture("broken_talks"), {});
+  loader_.Load(Fixture("broken_talks_too"), {});
+  EXPECT_EQ(ProblemOf([&] { loader_.Unload("broken_talks"); }), "");
+}
+
+TEST_F(LoaderTest, AnInactiveBundleIsSuspended) {
+  const std::string directive =
+      "dynamic NAME Service_Object * " + Fixture("broken_talks") + ":_make_broken_talks()";
+  const auto isActive = [](const char* name) {
+    return ACE_Service_Repository::instance()->find(name, nullptr, true) == 0;
+  };
+  for (const auto& [name, state, expected] :
+       {std::tuple{"plain", "", true}, std::tuple{"on", " active", true},
+        std::tuple{"off", " inactive", false}}) {
+    std::string text = directive + state;
+    loader_.Process(text.replace(text.find("NAME"), 4, name));
+    EXPECT_EQ(isActive(name), expected) << state;
+  }
+}
+
+TEST(FileIdentity, DiffersWhenAFileIsWrittenAgainWithTheSameSize) {
+  const TempDirectory dir;
+  const std::string file = dir.Write("a", "text");
+  const host::FileIdentity before = host::IdentityOf(file);
+  EXPECT_EQ(host::IdentityOf(file), before);
+  std::filesystem::last_write_time(file,
+                                   std::filesystem::last_write_time(file) + std::chrono::nanoseconds(1000));
+  EXPECT_NE(host::IdentityOf(file), before);
+}
+
+TEST(MappedLibrary, NeedsALibraryByItsNamePathOrFileName) {
+  host::MappedLibrary other;
+  other.path = "/a/libb.so.1";
+  other.soname = "libb.so";
+  for (const auto& [needed, expected] : {std::pair{"libb.so", true}, std::pair{"/a/libb.so.1", true},
+                                         std::pair{"libb.so.1", true}, std::pair{"libb", false}}) {
+    host::MappedLibrary user;
+    user.needed = {needed};
+    EXPECT_EQ(user.Needs(other), expected) << needed;
+  }
 }
 
 TEST_F(LoaderTest, AStaticDirectiveMayHaveArguments) {

@@ -138,6 +138,20 @@ class Loading(HostTest):
         self.assertEqual(done.returncode, 0, done)
         self.assertIn("is still mapped: it is linked with -z nodelete", done.stdout)
 
+    def test_a_link_whose_target_has_no_factory_either_is_told_by_the_links_name(self):
+        link = os.path.join(self.dir, "libother.so")
+        os.symlink(broken("no_factory"), link)
+        self.assert_fails(self.host("-b", link, "bundles"), 1, "has no factory _make_other;")
+
+    def test_the_output_of_a_failing_command_comes_before_its_problem(self):
+        done = subprocess.run([HOST, "-b", broken("fini_fails"), "unload", "broken_fini_fails"], stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, text=True, timeout=60, check=False)
+        self.assertEqual([line.split()[0] for line in done.stdout.splitlines()], ["unloaded", "bundle_host:"])
+
+    def test_a_constructor_prints_once_and_reads_the_hosts_input(self):
+        done = self.host("-b", broken("constructor_reads"), "log", stdin="ab")
+        self.assertEqual((done.returncode, done.stdout), (0, "constructor read a\nlog level: 0\n"))
+
     def test_a_second_bundle_of_one_name_is_refused(self):
         self.assert_fails(self.loaded("load", BUNDLE), 2, "a bundle ii_ascii_util is loaded already; unload it first")
 
@@ -185,6 +199,7 @@ class Loading(HostTest):
 
     def test_a_crash_is_reported_by_the_call_and_ends_the_process_by_its_signal(self):
         for kind, line in [("init_crashes", "crashed in init of broken_init_crashes: SIGSEGV"),
+                           ("init_overflows", "crashed in init of broken_init_overflows: SIGSEGV"),
                            ("factory_crashes", "crashed in the factory of broken_factory_crashes: SIGABRT"),
                            ("fini_crashes", "crashed in fini of broken_fini_crashes: SIGFPE")]:
             with self.subTest(kind=kind):
@@ -192,6 +207,16 @@ class Loading(HostTest):
                 self.assertIn(f"bundle_host: {line}\n", done.stderr)
                 if "Sanitizer" not in done.stderr:  # A sanitizer's handler ends the process with its own exit code.
                     self.assertEqual(done.returncode, -getattr(signal, line.rpartition(" ")[2]))
+
+    def test_a_crash_signal_from_another_process_ends_the_host_too(self):
+        with subprocess.Popen([HOST, "load", broken("init_hangs")], stdin=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                              stdout=subprocess.PIPE) as process:
+            self.assertEqual(process.stdout.readline(), "init begins\n")
+            process.send_signal(signal.SIGSEGV)
+            _, err = process.communicate(timeout=60)
+        self.assertIn("bundle_host: crashed in init of broken_init_hangs: SIGSEGV\n", err)
+        if "Sanitizer" not in err:
+            self.assertEqual(process.returncode, -signal.SIGSEGV)
 
     def test_a_bundle_can_be_loaded_under_valgrind(self):
         with open(HOST, "rb") as file:

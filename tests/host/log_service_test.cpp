@@ -10,7 +10,9 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <sstream>
 #include <thread>
@@ -108,6 +110,32 @@ TEST_F(LogToFile, ComplaintsOfAceAreCollectedWhenWanted) {
   ACE_ERROR((LM_ERROR, ACE_TEXT("two\n")));
   EXPECT_EQ(complaints.Text(), "one; two");
   EXPECT_EQ(Written(), "");
+}
+
+TEST_F(LogToFile, AnInnerCollectorOfComplaintsGivesWayToTheOuterOne) {
+  const host::LogOutput output(file_);
+  const host::AceComplaints outer;
+  {
+    const host::AceComplaints inner;
+    ACE_ERROR((LM_ERROR, ACE_TEXT("inner\n")));
+    EXPECT_EQ(inner.Text(), "inner");
+  }
+  ACE_ERROR((LM_ERROR, ACE_TEXT("outer\n")));
+  EXPECT_EQ(outer.Text(), "outer");
+  EXPECT_EQ(Written(), "");
+}
+
+TEST_F(LogToFile, TheFileIsClosedWithItsOutput) {
+  const auto openFiles = [] {
+    namespace fs = std::filesystem;
+    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+  };
+  const auto before = openFiles();
+  {
+    const host::LogOutput output(file_);
+    EXPECT_EQ(openFiles(), before + 1);
+  }
+  EXPECT_EQ(openFiles(), before);
 }
 
 TEST_F(LogToFile, LinesOfSeveralThreadsAllArriveWhole) {

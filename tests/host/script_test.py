@@ -90,6 +90,10 @@ class Run(HostTest):
     def test_the_column_is_that_of_an_indented_failing_command(self):
         self.assert_fails(self.host("run", "-", stdin=" \t nonsense\n"), 1, "stdin:1:4: no command 'nonsense'")
 
+    def test_a_second_console_may_follow_the_first(self):
+        done = self.host("run", self.write("consoles", "console\nconsole\n"), stdin="log\n")
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "log level: 0\n", ""))
+
     def test_a_console_within_a_console_is_refused(self):
         self.assert_fails(self.host("console", stdin="console\n"), 1, "stdin:1:1: console: a console is running already")
 

@@ -77,7 +77,7 @@ class TmuxSession(HostTest):
         self.type(f"load {AGENT} --feed {feed} --out {messages}")
         self.wait_for("loaded alarm_agent_example from")
         self.type("reload ii_ascii_util")
-        self.wait_for("ii_ascii_util is in use: linked against it: alarm_agent_example")
+        self.wait_for("ii_ascii_util is in use: alarm_agent_example is linked against it")
         self.type("reload alarm_agent_example")
         self.wait_for("reloaded alarm_agent_example from")
         self.type("unload alarm_agent_example", "reload ii_ascii_util", "call GetAlmCfgValue LINK RTR down 7")

@@ -74,6 +74,19 @@ class Replay(unittest.TestCase):
             self.assertGreaterEqual(row["recorded_ns"], 0)
             self.assertGreaterEqual(row["now_ns"], 0)
 
+    def test_the_recorded_bundle_is_neither_unloaded_nor_reloaded_before_the_recorder(self):
+        in_use = "ii_ascii_util is in use: ii_ascii_recorder passes calls on to its interface"
+        self.record(f"""unload ii_ascii_util
+expect-error '{in_use}'
+reload ii_ascii_util
+expect-error '{in_use}'
+call ToUpper abc
+expect ABC
+unload ii_ascii_recorder
+unload ii_ascii_util
+expect 'is unmapped'
+""")
+
     def test_a_wrong_operation_is_found_and_named(self):
         self.record()
         for operation in ("ToUpper", "ParseListMap"):
