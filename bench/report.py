@@ -58,7 +58,7 @@ def table(header, rows):
     return "\n".join("| " + " | ".join(row) + " |" for row in [header, ["---"] * len(header), *rows]) + "\n"
 
 
-def behind(times, bundles, limits):
+def slower(times, bundles, limits):
     """The rows in which a rival is ahead, the farthest first."""
     rows = []
     for name, entry in times.items():
@@ -112,7 +112,7 @@ def main():
     times, context = read(sys.argv[1])
     if not times:
         sys.exit(f"report.py: no results in {sys.argv[1]}; run scripts/bench.sh --report")
-    rows = behind(times, context["bundles"].split(","), remarks(sys.argv[2]))
+    rows = slower(times, context["bundles"].split(","), remarks(sys.argv[2]))
     print(f"""# Benchmarks
 
 What each operation takes beside what a caller could use instead. `scripts/bench.sh --report` writes this page. Every ratio

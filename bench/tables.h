@@ -137,7 +137,7 @@ std::int64_t AskText(const Question& question, Find find) {
   return by_hand::Str2Num(text).second;
 }
 
-/// A hash map of views into the mapped file, with room for its lines reserved.
+/// A hash map of views into the mapped file, with space for its lines reserved.
 template <class Map>
 class ViewTable {
  public:

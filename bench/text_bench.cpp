@@ -153,16 +153,16 @@ Text ConvertWithIconv(const Text& text) {
   char* from = const_cast<char*>(text.data());
   char* to = out.data();
   std::size_t left = text.size();
-  std::size_t room = out.size();
-  while (iconv(descriptor, &from, &left, &to, &room) == static_cast<std::size_t>(-1)) {
+  std::size_t space = out.size();
+  while (iconv(descriptor, &from, &left, &to, &space) == static_cast<std::size_t>(-1)) {
     *to++ = '?';
-    --room;
+    --space;
     const std::size_t length = (*from & 0x20) == 0 ? 2 : (*from & 0x10) == 0 ? 3 : 4;
     from += length;
     left -= length;
   }
   iconv_close(descriptor);
-  out.resize(out.size() - room);
+  out.resize(out.size() - space);
   return out;
 }
 

@@ -20,7 +20,7 @@ std::string Footer() {
   text << "Commands, also for files and the console:\n";
   PrintCommands(text);
   text
-      << "\n'bundle_host help COMMAND' tells more about one of these. Words of a line are separated by "
+      << "\n'bundle_host help COMMAND' describes one of these. Words of a line are separated by "
          "blanks;\n"
       << "between '...' or \"...\" every byte stands for itself; # at the start of a word begins a comment.\n"
       << "Exit code: 0 done, 1 failed, 2 wrong usage, 128+N ended by signal N. The environment variable "

@@ -21,7 +21,7 @@ fi
 [ $# -ge 2 ] || refuse "expected a target and a number of seconds"
 target=$1 seconds=$2
 shift 2
-[[ $seconds =~ ^[1-9][0-9]*$ ]] || refuse "'$seconds' is no number of seconds"
+[[ $seconds =~ ^[1-9][0-9]*$ ]] || refuse "'$seconds' is not a number of seconds"
 if [ "$target" = all ]; then
   targets=()
   for dictionary in fuzz/*/*.dict; do

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks the sources: clang-format on all, clang-tidy on those of src, host, tools and examples.
+# Checks the sources: words and clang-format on all, clang-tidy on those of src, host, tools and examples.
 #
 #   scripts/lint.sh [--help] [--format-only] [FILE...]
 #
@@ -25,7 +25,7 @@ done
 # Existing files, by pattern or as given.
 if [ $# -gt 0 ]; then
   for file in "$@"; do
-    [[ -f $file && $file =~ \.(h|cpp)$ ]] || refuse "'$file' is no .h or .cpp file below $PWD"
+    [[ -f $file && $file =~ \.(h|cpp)$ ]] || refuse "'$file' is not a .h or .cpp file below $PWD"
   done
   files=("$@")
 else
@@ -34,6 +34,7 @@ else
 fi
 
 scripts/setup.sh lint
+python3 tests/docs/words_test.py "$@"
 clang-format-14 --dry-run --Werror "${files[@]}"
 ! $format_only || exit 0
 

@@ -35,9 +35,9 @@ int OpenFeed(const std::string& path, const std::string& name) {
 }
 
 void AppendUpTo(std::size_t limit, std::string_view text, FeedLine& line) {
-  const std::size_t room = limit - line.text.size();
-  line.isWhole = line.isWhole && text.size() <= room;
-  line.text.append(text.substr(0, room));
+  const std::size_t space = limit - line.text.size();
+  line.isWhole = line.isWhole && text.size() <= space;
+  line.text.append(text.substr(0, space));
 }
 
 }  // namespace

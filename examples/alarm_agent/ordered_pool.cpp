@@ -42,7 +42,7 @@ bool OrderedPool::Take(FeedLine& line, std::uint64_t& number) {
 
 void OrderedPool::Deliver(std::uint64_t number, std::string result) {
   std::unique_lock<std::mutex> guard(resultLock_);
-  // The thread whose number is due is within the window, so at least one thread can go on.
+  // The thread whose number is due is within the window, so at least one thread can continue.
   dueMoved_.wait(guard, [&] { return number - due_ < kWindow; });
   finished_.emplace(number, std::move(result));
   while (!finished_.empty() && finished_.begin()->first == due_) {

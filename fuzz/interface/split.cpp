@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::Expect(util.SplitStr(text, separator, pieces) == 0, "SplitStr answers 0");
   std::vector<std::string> expected = {"kept"};
   literal::SplitStr(text, separator, expected);
-  fuzz::Expect(pieces == expected, "the pieces are those of the literal rules, behind what was there");
+  fuzz::Expect(pieces == expected, "the pieces of the literal rules are appended to the list");
   for (std::size_t i = 1; i < pieces.size(); ++i) {
     fuzz::Expect(pieces[i].size() <= text.size(), "no piece is longer than the text");
   }

@@ -1,7 +1,7 @@
 // Numbers in any base, valid or not.
 //
-// Holds for every text and base: result and value are those of the literal rules, whatever the value held
-// before. Input: a byte for the base (-3 to 60), text. AddressSanitizer replaces strtol by a function that
+// Holds for every text and base: result and value are those of the literal rules, for every previous
+// value. Input: a byte for the base (-3 to 60), text. AddressSanitizer replaces strtol by a function that
 // sets the end pointer to an arbitrary value for a rejected base, so its builds skip those bases.
 
 #include "fuzz/fuzz_input.h"

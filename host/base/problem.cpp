@@ -8,7 +8,7 @@ std::string CurrentExceptionText() {
   } catch (const std::exception& exception) {
     return exception.what();
   } catch (...) {
-    return "something that is no std::exception";
+    return "something that is not a std::exception";
   }
 }
 

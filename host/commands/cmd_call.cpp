@@ -159,7 +159,7 @@ void Time(Session& session, const Call& call, int repeats) {
 Action ParseTime(const Words& words) {
   const auto repeats = ParseInt(words[1]);
   if (!repeats || *repeats < 1 || *repeats > kMaxRepeats) {
-    throw UsageError("time: '" + words[1] + "' is no number of repeats from 1 to 100000000", 1);
+    throw UsageError("time: '" + words[1] + "' is not a number of repeats from 1 to 100000000", 1);
   }
   if (words[2] != "call") {
     throw UsageError("time: '" + words[2] + "' cannot be timed; only 'call' can", 2);

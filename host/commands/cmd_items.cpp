@@ -23,11 +23,11 @@ Action ParseItems(const Words& words) { return ParseListing(words, ItemTable); }
 
 Action ParseSet(const Words& words) {
   if (words[1].empty()) {
-    throw UsageError("set: '' is no item; give its name", 1);
+    throw UsageError("set: '' is not an item; give its name", 1);
   }
   const auto value = ParseInt(words[2]);
   if (!value) {
-    throw UsageError("set: '" + words[2] + "' is no integer from -2147483648 to 2147483647", 2);
+    throw UsageError("set: '" + words[2] + "' is not an integer from -2147483648 to 2147483647", 2);
   }
   return [name = words[1], value = *value](Session&) { SetItem(name, value); };
 }
@@ -35,9 +35,9 @@ Action ParseSet(const Words& words) {
 Action ParseUnset(const Words& words) {
   return [name = words[1]](Session&) {
     if (!UnsetItem(name)) {
-      throw Failure(
-          "unset: there is no item '" + name + "'" + DidYouMean(name, ItemNames(), "; 'items' lists them"),
-          1);
+      throw Failure("unset: there is no item '" + name + "'" +
+                        DidYouMean(name, ItemNames(), "; 'items' lists them"),
+                    1);
     }
   };
 }

@@ -62,7 +62,7 @@ std::vector<Command> LoadCommands() {
        1, kAnyNumber, Completes::kFiles, ParseLoad},
       {"init", "NAME [ARGUMENT...]", "call init of a loaded bundle once more", "", 1, kAnyNumber,
        Completes::kBundles, ParseInit},
-      {"reload", "NAME", "unload a bundle, load its file as it is now and initialise it",
+      {"reload", "NAME", "unload a bundle, load its file again and initialise it",
        "init gets the same arguments as before. Refused while another loaded bundle is linked against the "
        "library.\n",
        1, 1, Completes::kBundles, ParseReload},

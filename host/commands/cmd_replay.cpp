@@ -42,7 +42,7 @@ std::size_t ParseCount(const std::string& text) {
   std::size_t count = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
   if (error != std::errc() || end != text.data() + text.size()) {
-    throw UsageError("replay: --max-differences: '" + text + "' is no number from 0 on");
+    throw UsageError("replay: --max-differences: '" + text + "' is not a number from 0 on");
   }
   return count;
 }
@@ -70,7 +70,8 @@ std::size_t TakeOption(const Words& words, std::size_t at, ReplayCommand& comman
   } else if (command.options.file.empty() && word.compare(0, 2, "--") != 0) {
     command.options.file = word;
   } else {
-    throw UsageError("replay: '" + word + "' is no option of it; it takes one FILE, --operations NAME,..., " +
+    throw UsageError("replay: '" + word +
+                         "' is not an option of it; it takes one FILE, --operations NAME,..., " +
                          "--max-differences N, --compare-configuration and --json",
                      at);
   }

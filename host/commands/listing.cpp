@@ -4,7 +4,7 @@
 
 host::Action host::ParseListing(const Words& words, Table (*list)(const Session&)) {
   if (words.size() > 1 && words[1] != "--json") {
-    throw UsageError("'" + words[1] + "' is no argument of a listing; there is only --json", 1);
+    throw UsageError("'" + words[1] + "' is not an argument of a listing; there is only --json", 1);
   }
   return [list, print = words.size() > 1 ? PrintJson : PrintTable](Session& session) {
     print(session.out, list(session));

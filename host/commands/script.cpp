@@ -63,7 +63,7 @@ void RefuseForeignLine(const std::string& line) {
   const std::size_t start = StartOf(line);
   if (line[start] == '[') {
     throw LineError(start + 1,
-                    "a section of an INI file is no command; items are read from config_items.ini in the "
+                    "a section of an INI file is not a command; items are read from config_items.ini in the "
                     "configuration directory");
   }
   if (line[start] == ';') {

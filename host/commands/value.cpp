@@ -31,7 +31,7 @@ void RequireWholeEscapes(const Parameter& parameter, const std::string& argument
   for (std::size_t at = 0; (at = argument.find("\\x", at)) != std::string::npos; at += 2) {
     if (argument.find_first_not_of(kDigits, at + 2) < at + 4 || argument.size() < at + 4) {
       throw UsageError(parameter.name + ": '" + argument.substr(at, 4) +
-                       "' is no byte; write \\x and two hexadecimal digits, or \\x5c for a backslash");
+                       "' is not a byte; write \\x and two hexadecimal digits, or \\x5c for a backslash");
     }
   }
 }
@@ -45,7 +45,7 @@ ListMap ParseMap(const Parameter& parameter, const std::string& argument) {
     const std::size_t equals = entry.find('=');
     const auto [place, isNew] = map.try_emplace(UnescapeBytes(entry.substr(0, equals)));
     if (!isNew) {
-      Reject(parameter, argument, "not a map: a name stands in it twice");
+      Reject(parameter, argument, "not a map: it contains a name twice");
     }
     if (equals == std::string::npos) {
       continue;
@@ -98,7 +98,7 @@ Value ParseValue(const Parameter& parameter, const std::string& argument) {
       if (const auto number = ParseInt(argument)) {
         return std::int64_t{*number};
       }
-      Reject(parameter, argument, "no integer from -2147483648 to 2147483647");
+      Reject(parameter, argument, "not an integer from -2147483648 to 2147483647");
     case Kind::kMap:
       RequireWholeEscapes(parameter, argument);
       return ParseMap(parameter, argument);

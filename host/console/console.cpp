@@ -55,7 +55,7 @@ Action ParseConsole(const Words& /*words*/) { return RunConsole; }
 std::vector<Command> ConsoleCommands() {
   return {
       {"console", "", "read commands from the terminal, or from a pipe",
-       "A terminal has history and completion; a command that fails is reported and the console goes on. A "
+       "A terminal has history and completion; a command that fails is reported and the console continues. A "
        "pipe\n"
        "is read like a file.\n",
        0, 0, Completes::kNothing, ParseConsole},

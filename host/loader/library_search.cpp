@@ -83,7 +83,7 @@ std::vector<std::string> Candidates(const std::string& request, bool here,
 
 std::string FindLibrary(const std::string& request, bool here) {
   if (request.empty()) {
-    throw UsageError("'' is no library; give its path, or a name that the dynamic linker finds");
+    throw UsageError("'' is not a library; give its path, or a name that the dynamic linker finds");
   }
   const std::vector<std::string> directories = LibraryDirectories();
   for (const std::string& candidate : Candidates(request, here, directories)) {

@@ -231,7 +231,7 @@ void Loader::Process(const std::string& directive) {
   const std::vector<std::string> verbs{"dynamic", "static", "remove", "suspend", "resume"};
   if (std::find(verbs.begin(), verbs.end(), parts.verb) == verbs.end()) {
     throw Failure("'" + parts.verb +
-                  "' is no directive; there are dynamic, static, remove, suspend and resume");
+                  "' is not a directive; there are dynamic, static, remove, suspend and resume");
   }
   if (parts.verb == "dynamic") {
     // ACE would use any symbol of that name as the factory or object that the directive declares.
@@ -330,8 +330,8 @@ void Loader::NoteMapped() {
     files[library.path] = known == mappedFiles_.end() ? IdentityOf(library.path) : known->second;
   }
   mappedFiles_ = std::move(files);
-  for (auto path = leftBehind_.begin(); path != leftBehind_.end();) {
-    path = mappedFiles_.count(*path) == 0 ? leftBehind_.erase(path) : std::next(path);
+  for (auto path = stillMapped_.begin(); path != stillMapped_.end();) {
+    path = mappedFiles_.count(*path) == 0 ? stillMapped_.erase(path) : std::next(path);
   }
 }
 
@@ -342,7 +342,7 @@ void Loader::RefuseOldCode(const std::string& library) const {
   }
   const auto file = mappedFiles_.find(library);
   const bool isOld = file != mappedFiles_.end() && file->second != IdentityOf(library);
-  if (isOld || leftBehind_.count(library) != 0) {
+  if (isOld || stillMapped_.count(library) != 0) {
     throw Failure(library + " is still mapped" + (isOld ? ", and its file has changed since" : "") +
                   ": the code in memory would run, not the file's: " + WhyMapped(libraries, library));
   }
@@ -377,7 +377,7 @@ UnloadReport Loader::Unload(const std::string& name, bool force) {
     const AceComplaints complaints;
     const int result = ACE_Service_Config::remove(name.c_str());
     if (bundle.service != nullptr && IsListed(bundle.service)) {
-      report.problem = name + ": its exterminator left the service object behind; the host destroyed it";
+      report.problem = name + ": its exterminator did not destroy the service object; the host destroyed it";
       delete bundle.service;
     } else if (result != 0) {
       report.problem = WithReason(name + ": ACE could not remove it", complaints.Text());
@@ -392,7 +392,7 @@ UnloadReport Loader::Unload(const std::string& name, bool force) {
     report.whyMapped =
         other.empty() ? WhyMapped(libraries, bundle.library) : "bundle " + other + " was loaded from it";
     if (other.empty()) {
-      leftBehind_.insert(bundle.library);
+      stillMapped_.insert(bundle.library);
     }
   }
   NoteMapped();

@@ -132,8 +132,8 @@ class Loader {
 
   std::vector<LoadedBundle> bundles_;
   std::map<std::string, FileIdentity>
-      mappedFiles_;                   ///< by path: every mapped library's file when it was first seen
-  std::set<std::string> leftBehind_;  ///< paths that stayed mapped after an unload
+      mappedFiles_;                    ///< by path: every mapped library's file when it was first seen
+  std::set<std::string> stillMapped_;  ///< paths that stayed mapped after an unload
 };
 
 }  // namespace host

@@ -33,10 +33,10 @@ class Descriptor {
 
   void Reset() const { iconv(value_, nullptr, nullptr, nullptr, nullptr); }
 
-  /// Converts what fits into `room` bytes at `out` and advances all four. Returns 0, or the errno value that
+  /// Converts what fits into `space` bytes at `out` and advances all four. Returns 0, or the errno value that
   /// stopped it. A null `in` writes the final shift sequence of a stateful target and resets the descriptor.
-  int Step(char*& in, std::size_t& left, char*& out, std::size_t& room) const {
-    const std::size_t result = iconv(value_, in == nullptr ? nullptr : &in, &left, &out, &room);
+  int Step(char*& in, std::size_t& left, char*& out, std::size_t& space) const {
+    const std::size_t result = iconv(value_, in == nullptr ? nullptr : &in, &left, &out, &space);
     return result == static_cast<std::size_t>(-1) ? errno : 0;
   }
 
@@ -46,20 +46,20 @@ class Descriptor {
   iconv_t value_ = None();
 };
 
-/// A growing output text. The initial room holds a usual text as a whole: iconv repeats work whenever it
-/// runs out of room.
+/// A growing output text. The initial size holds a usual text as a whole: iconv repeats work whenever it
+/// runs out of space.
 class Output {
  public:
-  explicit Output(std::size_t room) : text_(room, '\0') {}
+  explicit Output(std::size_t space) : text_(space, '\0') {}
 
   /// Appends what `convert` writes, growing the text as needed. Returns 0 or the errno value other than
   /// E2BIG.
   int Write(const Descriptor& convert, char*& in, std::size_t& left) {
     for (;;) {
       char* out = text_.data() + length_;
-      std::size_t room = text_.size() - length_;
-      const int problem = convert.Step(in, left, out, room);
-      length_ = text_.size() - room;
+      std::size_t space = text_.size() - length_;
+      const int problem = convert.Step(in, left, out, space);
+      length_ = text_.size() - space;
       if (problem != E2BIG) {
         return problem;
       }
@@ -143,10 +143,10 @@ class Converter {
   std::size_t CharacterLength(char* in, std::size_t left) const {
     char character[4];
     char* out = character;
-    std::size_t room = sizeof character;
+    std::size_t space = sizeof character;
     const std::size_t before = left;
     measure_.Reset();
-    measure_.Step(in, left, out, room);
+    measure_.Step(in, left, out, space);
     return std::max<std::size_t>(before - left, 1);
   }
 

@@ -112,7 +112,7 @@ class ItemReader {
     }
     if (!ParseInt(value)) {
       Warn(start, name + ": '" + value +
-                      "' is no integer from -2147483648 to 2147483647; the item counts as missing");
+                      "' is not an integer from -2147483648 to 2147483647; the item counts as missing");
     }
     if (const std::string meant = DidYouMean(name, {kKnownItem}); name != kKnownItem && !meant.empty()) {
       Warn(start, "'" + name + "' looks misspelt" + meant);
@@ -154,7 +154,7 @@ std::vector<std::string> LoadItems(const std::string& file) {
   namespace fs = std::filesystem;
   // Checked before opening: opening a pipe would block until it has a writer.
   if (std::error_code none; fs::exists(file, none) && !fs::is_regular_file(file, none)) {
-    throw Failure(file + ": is no regular file");
+    throw Failure(file + ": is not a regular file");
   }
   ItemReader reader(file);
   reader.Read();

@@ -22,7 +22,7 @@ int ParseLogLevel(const std::string& text) {
   if (text == "0" || text == "1" || text == "2") {
     return text[0] - '0';
   }
-  throw UsageError("'" + text + "' is no log level; there are 0, 1, 2 and off");
+  throw UsageError("'" + text + "' is not a log level; there are 0, 1, 2 and off");
 }
 
 }  // namespace host

@@ -124,8 +124,8 @@ class Backend : public ACE_Log_Msg_Backend {
       }
       const std::string reason = std::generic_category().message(errno);
       hasGivenUp_ = true;
-      WriteTo(stderr,
-              OneLine("bundle_host: " + name_ + ": cannot be written: " + reason) + "; the log goes on here");
+      WriteTo(stderr, OneLine("bundle_host: " + name_ + ": cannot be written: " + reason) +
+                          "; the log continues here");
     }
     WriteTo(stderr, line);
   }

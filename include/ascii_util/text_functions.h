@@ -28,9 +28,9 @@ namespace NS_ASCII {
 /// The decimal text of `number`: no padding, no plus sign, no grouping.
 [[nodiscard]] PLATFORM_API std::string Num2Str(int number);
 
-/// Converts `text` from UTF-8 to ISO-8859-1 with the platform's converter and returns its output, whatever
-/// result it reports. How characters outside ISO-8859-1 and malformed bytes are converted is up to the
-/// platform.
+/// Converts `text` from UTF-8 to ISO-8859-1 with the platform's converter and returns its output, also when
+/// the converter reports a failure. How characters outside ISO-8859-1 and malformed bytes are converted is up
+/// to the platform.
 [[nodiscard]] PLATFORM_API std::string utf8toiso8859(std::string text);
 
 /// Converts `text` to ISO-8859-1 and percent-encodes it in the manner of web forms.
@@ -44,8 +44,8 @@ namespace NS_ASCII {
 
 /// Decodes '+' to space and percent escapes to bytes; converts no code set.
 ///
-/// The two characters after a '%', or the one before the next '%', are consumed, whatever they are, and read
-/// as C++ streams read a hexadecimal integer: a sign, white space and "0x" are accepted, one digit is enough,
+/// The two characters after a '%', or the one before the next '%', are consumed and read as C++
+/// streams read a hexadecimal integer: a sign, white space and "0x" are accepted, one digit is enough,
 /// no digit gives NUL ("%zz"). An empty or blank escape repeats the byte of the escape before it, NUL at
 /// first; a '%' at the very end is dropped.
 /// So this is not the inverse of `GetURLEncoding`: "a%ab" is 'a' and the byte 0xAB.

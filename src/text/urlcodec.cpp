@@ -150,7 +150,7 @@ unsigned char ReadEscape(unsigned first, unsigned second, std::size_t length, un
 
 std::string Convert(const std::string& text) {
   std::string converted;
-  // Required: the converter's output is the result, whatever the converter returns.
+  // Required: the converter's output is the result, also when the converter reports a failure.
   static_cast<void>(KelpGlobalUtils::KelpCodeSetConvert("UTF-8", "ISO-8859-1", text, converted));
   return converted;
 }

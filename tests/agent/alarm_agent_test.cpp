@@ -234,7 +234,7 @@ TEST_F(AlarmAgentTest, BadInputIsRefusedWithOneLine) {
   EXPECT_EQ(dir_.Read("feed"), Alarm(1));
 }
 
-TEST_F(AlarmAgentTest, MessagesThatCannotBeWrittenAreToldOnce) {
+TEST_F(AlarmAgentTest, MessagesThatCannotBeWrittenAreReportedOnce) {
   ASSERT_EQ(Load("ii_ascii_util"), 0);
   const std::string feed = dir_.Write("feed", Alarm(1) + Alarm(2) + Alarm(3));
   ASSERT_EQ(Load("alarm_agent_example", "--feed " + feed + " --out /dev/full"), 0);

@@ -21,7 +21,7 @@ class SetUtil : public NS_ASCII::AsciiUtilInterfaceImpl {
   bool IsTransQueltEnabled() override { return isTranslated; }
   std::int64_t GetAlmCfgValue(std::int64_t& value, const std::string& key1, const std::string& key2,
                               const std::string& key3, const int& numKey) override {
-    if (isNoNumber) return 1;
+    if (isNotANumber) return 1;
     const auto entry = values.find(key1 + ' ' + key2 + ' ' + key3 + ' ' + std::to_string(numKey));
     value = entry == values.end() ? 0 : entry->second;
     return 0;
@@ -33,7 +33,7 @@ class SetUtil : public NS_ASCII::AsciiUtilInterfaceImpl {
 
   std::map<std::string, std::int64_t> values = {{"COM BTS LOS 7", 1}};
   bool isTranslated = false;
-  bool isNoNumber = false;  ///< every query finds a value that is not a number
+  bool isNotANumber = false;  ///< every query finds a value that is not a number
   std::vector<std::string> debugLog;
 };
 
@@ -109,14 +109,14 @@ TEST_F(MessageComposerTest, AnAlarmThatIsNotConfiguredIsIndeterminate) {
   EXPECT_EQ(Compose(kShortAlarm).substr(20, 17), "INDETERMINATE COM");
 }
 
-TEST_F(MessageComposerTest, AConfiguredSeverityThatIsNoNumberIsNotGuessed) {
-  util_.isNoNumber = true;
+TEST_F(MessageComposerTest, AConfiguredSeverityThatIsNotANumberIsNotGuessed) {
+  util_.isNotANumber = true;
   EXPECT_EQ(Compose(kShortAlarm).substr(20, 13), "SEVERITY? COM");
 }
 
-TEST_F(MessageComposerTest, AnAlarmThatCeasedIsClearedWhateverIsConfigured) {
+TEST_F(MessageComposerTest, AnAlarmThatCeasedIsClearedForEveryConfiguration) {
   EXPECT_EQ(Compose(std::string(kShortAlarm) + ",TEXT=link down: ceased").substr(20, 11), "CLEARED COM");
-  util_.isNoNumber = true;
+  util_.isNotANumber = true;
   EXPECT_EQ(Compose(std::string(kShortAlarm) + ",TEXT=Ceased").substr(20, 11), "CLEARED COM");
 }
 
@@ -193,7 +193,7 @@ TEST_F(MessageComposerTest, ALineThatWasTooLongIsMalformed) {
   EXPECT_EQ(composer_.Compose({17, kAlarm, false}), Malformed("longer than 65536 characters"));
 }
 
-TEST_F(MessageComposerTest, AMalformedLineIsAlsoToldToTheDebugLog) {
+TEST_F(MessageComposerTest, AMalformedLineIsAlsoReportedInTheDebugLog) {
   Compose("x");
   EXPECT_THAT(util_.debugLog,
               ElementsAre("line 17 of the feed is not an alarm: not every part is KEY=VALUE"));

@@ -39,7 +39,7 @@ TEST(TextHash, IsTheSameForTheSameTexts) {
   }
 }
 
-TEST(TextHash, ReadsNothingBehindTheText) {
+TEST(TextHash, ReadsNothingAfterTheText) {
   for (std::size_t length = 0; length < 40; ++length) {
     const std::string text(length, 'a');
     EXPECT_EQ(HashOf({std::string_view(text + "bbbbbbbbbbbbbbbb").substr(0, length)}),
@@ -63,7 +63,7 @@ TEST(TextHash, SeesEveryByteOfATextAndItsPlace) {
   }
 }
 
-TEST(TextHash, TellsAllTextsOfTwoBytesApart) {
+TEST(TextHash, DistinguishesAllTextsOfTwoBytes) {
   std::set<std::uint32_t> hashes;
   for (int first = 0; first < 256; ++first) {
     for (int second = 0; second < 256; ++second) {

@@ -35,7 +35,7 @@ TEST(AlarmTextPool, KeepsEachTextOnce) {
   EXPECT_EQ(pool.Text(b), "b");
 }
 
-TEST(AlarmTextPool, TellsTextsApartByteByByte) {
+TEST(AlarmTextPool, DistinguishesTextsByteByByte) {
   AlarmTextPool pool;
   const std::vector<std::string> texts = {
       "",    "a", "A", "a ", "ab", " a", std::string(1, '\0'), std::string("a\0b", 3), std::string("a\0c", 3),
@@ -78,7 +78,7 @@ TEST(AlarmTextPool, ReportsItsTextsAndItsSlots) {
 }
 
 // Searches with the hash of the stored text, as if both texts had that hash.
-TEST(AlarmTextPool, TellsTextsOfOneHashApart) {
+TEST(AlarmTextPool, DistinguishesTextsOfOneHash) {
   AlarmTextPool pool;
   const AlarmTextPool::Ref ref = pool.Intern("text");
   const std::uint32_t hash = pool.HashOf("text");
@@ -103,7 +103,7 @@ TEST(AlarmTextPool, CopiesTheText) {
   AlarmTextPool pool;
   std::string text = "before";
   const auto ref = pool.Intern(text);
-  text = "behind";
+  text = "changed";
   EXPECT_EQ(pool.Text(ref), "before");
 }
 

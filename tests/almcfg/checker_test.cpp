@@ -34,7 +34,7 @@ TEST(Checker, SaysWhatAValueWrapsTo) {
   EXPECT_THAT(CheckWhole("A\tB\tC\t7\t99999999999999999999\n").at(0).message, HasSubstr("callers get -1"));
 }
 
-TEST(Checker, AcceptsWhateverTheConversionAcceptsAsValue) {
+TEST(Checker, AcceptsEveryValueThatTheConversionAccepts) {
   EXPECT_THAT(Check("A\tB\tC\t7\t+5\nA\tB\tC\t8\t007\n"), IsEmpty());
   EXPECT_THAT(Check("A\tB\tC\t7\t5x\n"), ElementsAre("1:9+2 value-not-integer"));
   EXPECT_THAT(Check("A\tB\tC\t7\t0b1\n"), ElementsAre("1:9+3 value-not-integer"));
@@ -67,7 +67,7 @@ TEST(Checker, LooksForTheFaultThatTheBundleMet) {
   EXPECT_THAT(Check("A/B/C/D/E/F//\tB\tC\t7\t1\n"), ElementsAre("1:11+3 too-many-alternatives"));
 }
 
-TEST(Checker, TellsTheColumnsOfABadAlternativeApart) {
+TEST(Checker, DistinguishesTheColumnsOfABadAlternative) {
   EXPECT_THAT(CheckWhole("A//B\tA//B\tC\t7\t1\n").at(0).message, HasSubstr("column 1"));
   EXPECT_THAT(CheckWhole("A/B\tA//B\tC\t7\t1\n").at(0).message, HasSubstr("column 2"));
 }

@@ -49,7 +49,7 @@ std::string Recorded(const std::string& key1, const std::string& key2, const std
          std::to_string(number) + R"(],"result":0,"out":[0],"thread":1,"start":2,"ns":3})" + "\n";
 }
 
-TEST(Coverage, SaysWhatIsServedWhatIsNotAndWhatNobodyAskedFor) {
+TEST(Coverage, SaysWhatIsServedWhatIsNotAndWhatNoQueryAskedFor) {
   const Outcome outcome = Coverage("COM\tBTS\tLOS\t7\t1234\nCOM\tOLT\tLOS\t7\nQOS\tSGSN\tJITTER\t60\t2\n");
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_EQ(outcome.out,
@@ -117,7 +117,7 @@ TEST(Coverage, ListsTheMostFrequentQueriesFirst) {
   EXPECT_EQ(report["notServed"][1]["count"], 7);
 }
 
-TEST(Coverage, NamesTheLinesAndAlternativesThatNobodyAskedFor) {
+TEST(Coverage, NamesTheLinesAndAlternativesThatNoQueryAskedFor) {
   const nlohmann::json report = CoverageJson("COM\tBTS\tLOS\t7\nENV\tHUB\tDOOR\t15\n");
   EXPECT_EQ(report["lines"], 4);
   ASSERT_EQ(report["unasked"].size(), 3U);
@@ -133,14 +133,14 @@ TEST(Coverage, FailsOnAQueryThatIsNotServedOnlyWhenStrict) {
   EXPECT_EQ(Coverage("COM\tBTS\tLOS\t7\nQOS\tSGSN\tJITTER\t60\n", {"--strict"}).exitCode, 0);
 }
 
-TEST(Coverage, SkipsLinesThatAreNoQueryAndSaysWhichOnes) {
+TEST(Coverage, SkipsLinesThatAreNotQueriesAndSaysWhichOnes) {
   const Outcome outcome = Coverage("# comment\n\na\tb\tc\na\tb\tc\tx\na\tb\tc\t1\t-1\nCOM\tBTS\tLOS\t7\n");
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_THAT(outcome.err, HasSubstr("almcfg: CALLS:3:1: neither a record nor KEY1, KEY2, KEY3, NUMBER"));
   EXPECT_THAT(outcome.err,
-              HasSubstr("almcfg: CALLS:4:7: the fourth column is no 32-bit decimal integer; the line is"));
+              HasSubstr("almcfg: CALLS:4:7: the fourth column is not a 32-bit decimal integer; the line is"));
   EXPECT_THAT(outcome.err,
-              HasSubstr("almcfg: CALLS:5:9: the count is no decimal integer; the line is skipped\n"));
+              HasSubstr("almcfg: CALLS:5:9: the count is not a decimal integer; the line is skipped\n"));
   EXPECT_THAT(outcome.out, StartsWith("calls:       1 of"));
 }
 

@@ -184,7 +184,7 @@ std::string BlockOf(const std::string& page, const std::string& first) {
   return text.substr(start, text.find("```\n", start) - start);
 }
 
-TEST(Page, ShowsACommitHookThatKeepsFindingsOutWhateverTheFileIsCalled) {
+TEST(Page, ShowsACommitHookThatKeepsFindingsOutUnderEveryFileName) {
   const TempFile hook(BlockOf("docs/alarm-config.md", "#!/bin/bash"));
   const TempFile script(R"(set -e
     work=$(mktemp -d)
@@ -192,8 +192,8 @@ TEST(Page, ShowsACommitHookThatKeepsFindingsOutWhateverTheFileIsCalled) {
     cd "$work"
     export PATH="$(dirname "$2"):$PATH" GIT_CONFIG_GLOBAL=/dev/null GIT_CONFIG_NOSYSTEM=1
     git init -q
-    git config user.name nobody
-    git config user.email nobody@example
+    git config user.name tester
+    git config user.email tester@example
     install -D "$1" .git/hooks/pre-commit
     for file in AlarmConfig.csv $'\303\204 AlarmConfig.csv'; do
       printf 'A\tB\tC\t07\t1\n' >"$file"

@@ -98,7 +98,7 @@ TEST(Page, GivesTheFindingsOfALineToTheLinesKey) {
                                                 "1"}}));
 }
 
-TEST(Page, PutsALineWithoutAKeyWhereItStands) {
+TEST(Page, PutsALineWithoutAKeyInTheOrderOfTheFile) {
   const json lines = LinesOf(PageOfInput("A\tB\tC\t7\t1\nlost\tlost\nZ\tB\tC\t7\t1\n"));
   ASSERT_EQ(lines.size(), 3U);
   EXPECT_EQ(lines[0][4], "A");
@@ -139,7 +139,7 @@ TEST(Page, GivesEachFilesFindingsToThatFile) {
   EXPECT_EQ(lines[1][3].size(), 1U);
 }
 
-TEST(Page, GivesARowTheGravestSeverityWhereverItStandsAmongTheFindings) {
+TEST(Page, GivesARowTheGravestSeverityOfItsFindings) {
   const json lines = LinesOf(PageOfInput("A/\tB\tC\t07\t1\r\nlost\r\nC/\tB\tC\t7\t1\n"));
   ASSERT_EQ(lines.size(), 3U);
   ASSERT_EQ(lines[0][3].size(), 3U) << lines[0];
@@ -253,7 +253,7 @@ TEST(Page, HasThePresentTimeWithoutAFixedOne) {
   EXPECT_LE(before, after);
 }
 
-TEST(Page, IsNotWrittenWhenTheFixedTimeIsNoTime) {
+TEST(Page, IsNotWrittenWhenTheFixedTimeIsInvalid) {
   for (const char* const wrong : {"", "now", "17 ", "-", "99999999999999999999", "9223372036854775807"}) {
     const Environment time("SOURCE_DATE_EPOCH", wrong);
     const Outcome outcome = RunAlmcfg({"show", "--format", "html", "-"}, "A\tB\tC\t7\t1\n");

@@ -79,7 +79,7 @@ TEST(Snippet, CountsWhatIsShownAndNotTheBytes) {
   EXPECT_EQ(snippet.width, 2U);
 }
 
-TEST(Snippet, MarksThePlaceBehindTheLine) {
+TEST(Snippet, MarksThePlaceAfterTheLine) {
   const Snippet snippet = MakeSnippet("abc", 4, 1, Blanks::kAtEdges, 100);
   EXPECT_EQ(snippet.indent, 3U);
   EXPECT_EQ(snippet.width, 1U);

@@ -31,7 +31,7 @@ int Exit(const std::vector<std::string>& arguments, const std::string& input = "
   return RunAlmcfg(arguments, input).exitCode;
 }
 
-TEST(ExitCode, OfCheckTellsFindingsFromNotRunning) {
+TEST(ExitCode, OfCheckDistinguishesFindingsFromNotRunning) {
   EXPECT_EQ(Exit({"check", "-"}, kGood), 0);
   EXPECT_EQ(Exit({"check", "-"}, kWarning), 0);
   EXPECT_EQ(Exit({"check", "--strict", "-"}, kWarning), 1);
@@ -115,7 +115,7 @@ TEST(CommandLine, NamesAnOptionThatIsUnknownOrInTheWrongPlace) {
             "almcfg: lookup: no option \"--foo=1\"; a file or key that starts with \"-\" goes after \"--\"");
 }
 
-TEST(CommandLine, MistakesAreOneLineWhateverTheyQuote) {
+TEST(CommandLine, MistakesAreOneLineAlsoWhenTheyQuoteLineFeeds) {
   const std::string odd = "a\nb\x1b[31m";
   for (const std::vector<std::string>& arguments :
        std::vector<std::vector<std::string>>{{odd},
@@ -319,7 +319,7 @@ TEST(EndlessLoad, IsReportedByLookupAndDiffInEveryFormat) {
   EXPECT_EQ(answer["restart"], nullptr);
 }
 
-TEST(Diff, TellsARewrittenValueFromAChangedAnswer) {
+TEST(Diff, DistinguishesARewrittenValueFromAChangedAnswer) {
   const TempFile running("A\tB\tC\t7\t5\n");
   const TempFile rewritten("A\tB\tC\t7\t05\n");
   const Outcome outcome = RunAlmcfg({"diff", running.path(), rewritten.path()});
@@ -410,7 +410,7 @@ TEST(Lookup, SaysThatAMissingKeyGetsASuccessfulZeroAndWhatIsNear) {
             "             A→B→C→7→1\n");
 }
 
-TEST(Lookup, SaysWhenTheValueIsNoInteger) {
+TEST(Lookup, SaysWhenTheValueIsNotAnInteger) {
   const Outcome outcome =
       RunAlmcfg({"lookup", "--format", "json", "-", "A", "B", "C", "7"}, "A\tB\tC\t7\t15x\n");
   EXPECT_EQ(outcome.exitCode, 1);
@@ -427,7 +427,7 @@ TEST(Lookup, TakesNegativeNumbersAndKeysThatLookLikeOptions) {
   EXPECT_THAT(RunAlmcfg({"check", "-1.csv"}).out, HasSubstr("-1.csv:1:1: error: No such file"));
 }
 
-TEST(Lookup, TakesEveryKeyAsItStands) {
+TEST(Lookup, TakesEveryKeyUnchanged) {
   const std::vector<std::string> keys{"[x]",  "[x,y]", "[]", "{}",  "{x}", "%%",  "++",
                                       "\"\"", "\"x\"", "''", "`x`", "/x",  "x=y", "check"};
   std::string content = "A\tB\tx\t7\t1\n";
@@ -473,13 +473,13 @@ TEST(Lookup, NamesAtMostFiveNeighboursInTheOrderOfTheFile) {
   }
 }
 
-TEST(Lookup, TakesAnEmptyKeyAsItStands) {
+TEST(Lookup, TakesAnEmptyKeyUnchanged) {
   const Outcome outcome = RunAlmcfg({"lookup", "-", "", "B", "C", "7"}, kGood);
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_THAT(outcome.out, testing::StartsWith("key:       \"\", \"B\", \"C\", \"7\"\n"));
 }
 
-TEST(CommandLine, TakesEveryFileNameAsItStands) {
+TEST(CommandLine, TakesEveryFileNameUnchanged) {
   for (const std::string name : {"[x]", "[x,y]", "[]", "{}", "%%", "++", "\"\"", "''", "x=y", "check"}) {
     const Outcome outcome = RunAlmcfg({"check", name});
     EXPECT_EQ(outcome.exitCode, 2) << name;
@@ -487,7 +487,7 @@ TEST(CommandLine, TakesEveryFileNameAsItStands) {
   }
 }
 
-TEST(CommandLine, TakesOptionsBeforeBetweenAndBehindFiles) {
+TEST(CommandLine, TakesOptionsBeforeBetweenAndAfterFiles) {
   const TempFile file(kGood);
   const std::string all =
       RunAlmcfg({"check", "--format", "json", "--strict", file.path(), "-"}, kWarning).out;

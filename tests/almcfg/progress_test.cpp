@@ -128,7 +128,7 @@ class SlowCheck {
   std::string shown_;
 };
 
-TEST(Progress, AppearsOnTheTerminalOfALongRunAndLeavesNothingBehind) {
+TEST(Progress, AppearsOnTheTerminalOfALongRunAndIsErasedAtItsEnd) {
   SlowCheck check;
   EXPECT_TRUE(check.FeedUntil(" lines read"));
   const std::string shown = check.Finish();

@@ -151,7 +151,7 @@ TEST(SourceText, RefusesAFileWhoseReadingFails) {
 
 TEST(SourceText, TakesTheNullDeviceForAnEmptyFile) { EXPECT_EQ(Read("/dev/null").lineCount(), 0U); }
 
-TEST(SourceText, RefusesAPipeThatNobodyWritesToInsteadOfWaiting) {
+TEST(SourceText, RefusesAPipeWithoutAWriterInsteadOfWaiting) {
   const TempFile file("");
   unlink(file.path().c_str());
   ASSERT_EQ(mkfifo(file.path().c_str(), 0600), 0);
@@ -161,20 +161,20 @@ TEST(SourceText, RefusesAPipeThatNobodyWritesToInsteadOfWaiting) {
 /// Root may read everything, so the test runs as another user while this object lives.
 class WithoutRights {
  public:
-  WithoutRights() : changed_(geteuid() == 0 && seteuid(kNobody) == 0) {}
+  WithoutRights() : changed_(geteuid() == 0 && seteuid(kUnprivileged) == 0) {}
   ~WithoutRights() { EXPECT_EQ(changed_ ? seteuid(0) : 0, 0); }
   WithoutRights(const WithoutRights&) = delete;
   WithoutRights& operator=(const WithoutRights&) = delete;
 
  private:
-  static constexpr uid_t kNobody = 65534;
+  static constexpr uid_t kUnprivileged = 65534;
   bool changed_;
 };
 
 TEST(SourceText, RefusesAFileThatTheUserMayNotRead) {
   const TempFile file("a\n");
   ASSERT_EQ(chmod(file.path().c_str(), 0), 0);
-  const WithoutRights nobody;
+  const WithoutRights unprivileged;
   EXPECT_EQ(ErrorOf(file.path()).obstacle, Obstacle::kNotOpened);
 }
 

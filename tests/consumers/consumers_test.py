@@ -170,7 +170,7 @@ class PkgConfig(Consumer):
             self.assertIn("LINK DOWN", output.splitlines())
 
     @unittest.skipUnless(HAS_TOOLS, "the host is not installed")
-    def test_commands_of_the_page_work_as_they_stand(self):
+    def test_commands_of_the_page_work_unchanged(self):
         page = (PROJECT / "docs/interface.md").read_text()
         commands = re.search(r"^```sh\n(.*?)^```", page, re.MULTILINE | re.DOTALL).group(1)
         directory = fresh("page")

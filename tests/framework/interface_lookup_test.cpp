@@ -192,7 +192,7 @@ TEST_F(FetchInterfaceSearch, CachesTheFirstOfTwoMatchesAndReturnsTheSecond) {
   EXPECT_EQ(Fetch(), InterfaceOf(one));
 }
 
-TEST_F(FetchInterfaceSearch, GoesOnInTheNextBundleAfterTheFirstMatch) {
+TEST_F(FetchInterfaceSearch, ContinuesInTheNextBundleAfterTheFirstMatch) {
   ServiceObject* const one = NewLogObject();
   ServiceObject* const two = NewLogObject();
   ServiceObject* const three = NewLogObject();

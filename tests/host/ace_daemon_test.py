@@ -72,7 +72,7 @@ class AceDaemon(unittest.TestCase):
         for options, problem in [
             ("--config-dir /nonexistent", "configuration directory /nonexistent/: No such file or directory"),
             ("--config-dri x", "no option '--config-dri'; did you mean --config-dir?"),
-            ("--config-dir examples/config --log-level 9", "'9' is no log level; there are 0, 1, 2 and off"),
+            ("--config-dir examples/config --log-level 9", "'9' is not a log level; there are 0, 1, 2 and off"),
         ]:
             with self.subTest(options=options):
                 daemon = self.start(PLATFORM % options)

@@ -84,7 +84,7 @@ TEST_F(BundlePlatform, ReportsADoubtfulItemInItsLog) {
   EXPECT_EQ(Init({"--config-dir", Dir(), "--log-file", Dir() + "/log"}), 0);
   std::stringstream log;
   log << std::ifstream(Dir() + "/log").rdbuf();
-  EXPECT_NE(log.str().find("bundle_platform: " + Dir() + "/config_items.ini:2:1: A: 'x' is no integer"),
+  EXPECT_NE(log.str().find("bundle_platform: " + Dir() + "/config_items.ini:2:1: A: 'x' is not an integer"),
             std::string::npos)
       << log.str();
 }
@@ -99,7 +99,7 @@ TEST_F(BundlePlatform, RejectsAWrongOptionWithOneLineInTheProgramsLog) {
   EXPECT_EQ(ProblemOf({"--log-level", "1", "--log-level", "1"}),
             "bundle_platform: --log-level is given twice\n");
   EXPECT_EQ(ProblemOf({"--log-level", "3"}),
-            "bundle_platform: '3' is no log level; there are 0, 1, 2 and off\n");
+            "bundle_platform: '3' is not a log level; there are 0, 1, 2 and off\n");
 }
 
 TEST_F(BundlePlatform, RejectsWhatCannotBeOpenedWithOneLineInTheProgramsLog) {

@@ -46,10 +46,10 @@ class Call(HostTest):
 
     def test_a_wrong_argument_is_named_and_nothing_is_loaded(self):
         done = self.host("--bundle", BUNDLE, "call", "Str2Num", "1", "ten")
-        self.assert_fails(done, 2, "Str2Num: argument 2, base: 'ten' is no integer")
+        self.assert_fails(done, 2, "Str2Num: argument 2, base: 'ten' is not an integer")
         self.assertEqual(done.stdout, "")
 
-    def test_a_wrong_number_of_arguments_is_told_with_the_right_one(self):
+    def test_a_wrong_number_of_arguments_is_reported_with_the_right_one(self):
         self.assert_fails(self.loaded("call", "ToUpper"), 2, "ToUpper takes 1 argument, not 0: ToUpper text:text")
 
     def test_an_unknown_operation_says_what_was_meant(self):

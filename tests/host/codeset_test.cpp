@@ -126,7 +126,7 @@ TEST(CodeSet, TextsThatBecomeLongerAreWhole) {
   }
 }
 
-TEST(CodeSet, AQuestionMarkFindsRoomToo) {
+TEST(CodeSet, TheOutputGrowsForAQuestionMarkToo) {
   for (std::size_t times = 0; times < 100; ++times) {
     const std::string hiragana = Repeated("\xE3\x81\x82", times) + '\xFF';
     EXPECT_EQ(Convert("UTF-8", "UTF-32LE", hiragana).text,
@@ -134,13 +134,13 @@ TEST(CodeSet, AQuestionMarkFindsRoomToo) {
   }
 }
 
-TEST(CodeSet, AStatefulTargetIsEndedAndBegunAnew) {
+TEST(CodeSet, AStatefulTargetIsEndedAndBegunAgain) {
   const std::string hiragana = "\x1B$B$\"\x1B(B";
   EXPECT_EQ(Convert("UTF-8", "ISO-2022-JP", "\xE3\x81\x82").text, hiragana);
   EXPECT_EQ(Convert("UTF-8", "ISO-2022-JP", "\xE3\x81\x82").text, hiragana);
 }
 
-TEST(CodeSet, AStatefulSourceIsBegunAnew) {
+TEST(CodeSet, AStatefulSourceIsBegunAgain) {
   EXPECT_EQ(Convert("ISO-2022-JP", "UTF-8", "\x1B$B$\"").text, "\xE3\x81\x82");
   EXPECT_EQ(Convert("ISO-2022-JP", "UTF-8", "$\"").text, "$\"");
 }

@@ -42,7 +42,8 @@ class CommandLine : public testing::Test {
 };
 
 TEST(ParseCommand, FindsWhatIsWrongWithoutRunningAnything) {
-  EXPECT_EQ(ProblemOf({"set", "NeverSet", "x"}), "2: set: 'x' is no integer from -2147483648 to 2147483647");
+  EXPECT_EQ(ProblemOf({"set", "NeverSet", "x"}),
+            "2: set: 'x' is not an integer from -2147483648 to 2147483647");
   EXPECT_EQ(ProblemOf({"set", "NeverSet", "1"}), "none");
   for (const std::string& name : host::ItemNames()) {
     EXPECT_NE(name, "NeverSet");
@@ -58,7 +59,7 @@ TEST(ParseCommand, SaysHowManyArgumentsACommandTakes) {
 
 TEST(ParseCommand, NamesTheWrongWordOfACommandWithinACommand) {
   EXPECT_EQ(ProblemOf({"time", "5", "call", "Str2Num", "1", "ten"}),
-            "5: Str2Num: argument 2, base: 'ten' is no integer from -2147483648 to 2147483647");
+            "5: Str2Num: argument 2, base: 'ten' is not an integer from -2147483648 to 2147483647");
   EXPECT_EQ(ProblemOf({"call", "--json", "Nope"}), "2: no operation 'Nope'; 'help call' lists them");
 }
 

@@ -25,8 +25,8 @@ class ConfigItems : public testing::Test {
   std::string Load(const std::string& text) {
     std::ofstream(file_, std::ios::binary) << text;
     std::string all;
-    const auto add = [&](const std::string& told) {
-      all += told.substr(told.find(file_) + file_.size()) + "|";
+    const auto add = [&](const std::string& line) {
+      all += line.substr(line.find(file_) + file_.size()) + "|";
     };
     try {
       for (const std::string& warning : host::LoadItems(file_)) add(warning);
@@ -63,9 +63,10 @@ TEST_F(ConfigItems, AMissingItemCannotBeRead) {
   EXPECT_FALSE(CorbaConfigItems::Instance()->GetIntItemInfo("Missing", value));
 }
 
-TEST_F(ConfigItems, AnItemThatIsNoIntegerIsReportedListedAndCannotBeRead) {
-  EXPECT_EQ(Load("[items]\n Word = abc\n"),
-            ":2:2: Word: 'abc' is no integer from -2147483648 to 2147483647; the item counts as missing|");
+TEST_F(ConfigItems, AnItemThatIsNotAnIntegerIsReportedListedAndCannotBeRead) {
+  EXPECT_EQ(
+      Load("[items]\n Word = abc\n"),
+      ":2:2: Word: 'abc' is not an integer from -2147483648 to 2147483647; the item counts as missing|");
   int value = 5;
   EXPECT_FALSE(CorbaConfigItems::Instance()->GetIntItemInfo("Word", value));
   EXPECT_EQ(host::ListItems().at("Word"), "abc");
@@ -121,8 +122,8 @@ TEST_F(ConfigItems, OnlyARegularFileIsRead) {
       return problem.what();
     }
   };
-  EXPECT_EQ(problemOf("/dev/null"), "/dev/null: is no regular file");
-  EXPECT_EQ(problemOf("/"), "/: is no regular file");
+  EXPECT_EQ(problemOf("/dev/null"), "/dev/null: is not a regular file");
+  EXPECT_EQ(problemOf("/"), "/: is not a regular file");
   EXPECT_EQ(problemOf("/nonexistent/a"), "/nonexistent/a: cannot be opened: No such file or directory");
 }
 

@@ -97,7 +97,7 @@ class ConsoleAtATerminal(unittest.TestCase):
         self.addCleanup(shutil.rmtree, config_dir)
         return self.start("--config-dir", config_dir, "--bundle", BUNDLE)
 
-    def test_tab_completes_a_command_and_puts_a_blank_behind_it(self):
+    def test_tab_completes_a_command_and_adds_a_blank(self):
         terminal = self.start()
         terminal.type("hel\tlog\r")
         self.assertIn("log [LEVEL]\r\n  show or set the lowest level", terminal.wait_for(PROMPT))
@@ -125,7 +125,7 @@ class ConsoleAtATerminal(unittest.TestCase):
         listed = terminal.wait_for(PROMPT)
         self.assertRegex(listed, r"GetAlmCfgValue  GetKeyValue  GetMapList  GetSvcName  GetTimeStamp")
 
-    def test_tab_passes_over_names_that_cannot_be_typed_as_they_are(self):
+    def test_tab_leaves_out_names_that_need_escapes(self):
         directory = tempfile.mkdtemp()
         self.addCleanup(shutil.rmtree, directory)
         for name in ("a b.so", "a\x1b[31m.so", "a'.so", "a\xe9.so", "afile.so", "agate.so"):
@@ -137,7 +137,7 @@ class ConsoleAtATerminal(unittest.TestCase):
         terminal.type("f\t\r")
         self.assertIn(f"{directory}/afile.so: cannot be loaded", terminal.wait_for(PROMPT))
 
-    def test_tab_goes_on_into_a_directory(self):
+    def test_tab_continues_into_a_directory(self):
         directory = tempfile.mkdtemp()
         self.addCleanup(shutil.rmtree, directory)
         os.mkdir(os.path.join(directory, "sub"))
@@ -183,9 +183,9 @@ class ConsoleAtATerminal(unittest.TestCase):
 
     def test_a_wrong_argument_has_its_column(self):
         terminal = self.start()
-        self.assertIn("column 7: set: 'b' is no integer", terminal.run("set A b"))
+        self.assertIn("column 7: set: 'b' is not an integer", terminal.run("set A b"))
 
-    def test_ctrl_c_abandons_the_line_and_the_console_goes_on(self):
+    def test_ctrl_c_abandons_the_line_and_the_console_continues(self):
         terminal = self.start()
         terminal.type("set Gone 1\x03")
         terminal.wait_for("^C")
@@ -202,7 +202,7 @@ class ConsoleAtATerminal(unittest.TestCase):
         terminal.type("quit\r")
         self.assertEqual(terminal.wait_for_end(), 0)
 
-    def test_a_wrong_command_says_what_was_meant_and_the_console_goes_on(self):
+    def test_a_wrong_command_says_what_was_meant_and_the_console_continues(self):
         terminal = self.start()
         self.assertIn("no command 'bundels'; did you mean bundles?", terminal.run("bundels"))
         self.assertIn("log level: 0", terminal.run("log"))

@@ -14,13 +14,13 @@ TEST(Directive, ADynamicOneNamesServiceLibraryAndFactory) {
   EXPECT_EQ(parts.factory, "_make_b");
 }
 
-TEST(Directive, BlanksMayStandAroundTheStarAndTheColon) {
+TEST(Directive, BlanksAroundTheStarAndTheColonAreAllowed) {
   const auto parts = ParseDirective("dynamic N Service_Object*lib : _make_b ()");
   EXPECT_EQ(parts.library, "lib");
   EXPECT_EQ(parts.factory, "_make_b");
 }
 
-TEST(Directive, BehindTheFactoryStandTheStateAndTheArgumentsAndNothingElse) {
+TEST(Directive, AfterTheFactoryOnlyTheStateAndTheArgumentsAreAllowed) {
   const std::string start = "dynamic N Service_Object * lib:_make_b()";
   for (const char* end : {"", " ", " active", " inactive 'a b'", "\"a 'b' c\" \r", "''"}) {
     EXPECT_EQ(ParseDirective(start + end).library, "lib") << end;

@@ -27,7 +27,7 @@ host::InterfaceName Listed(const std::string& name) {
   return found == list.end() ? host::InterfaceName{} : *found;
 }
 
-TEST(Registry, ANameThatNobodyRegisteredHasNoBuffer) { EXPECT_EQ(CheckIFBuf("Nobody"), nullptr); }
+TEST(Registry, AnUnregisteredNameHasNoBuffer) { EXPECT_EQ(CheckIFBuf("Unregistered"), nullptr); }
 
 TEST(Registry, ARegisteredInterfaceIsTheFirstOfItsBuffer) {
   Named one;

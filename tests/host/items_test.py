@@ -13,18 +13,18 @@ class Items(HostTest):
         self.assert_fails(self.loaded("items"), 1, "config_items.ini:2:1: neither a [SECTION]")
         os.remove(self.config + "/config_items.ini")
         os.mkfifo(self.config + "/config_items.ini")
-        self.assert_fails(self.loaded("items"), 1, "config_items.ini: is no regular file")
+        self.assert_fails(self.loaded("items"), 1, "config_items.ini: is not a regular file")
         os.remove(self.config + "/config_items.ini")
         os.symlink("nowhere", self.config + "/config_items.ini")
         self.assert_fails(self.loaded("items"), 1, "config_items.ini: cannot be opened: No such file or directory")
         os.remove(self.config + "/config_items.ini")
         self.assertEqual(self.loaded("items").stdout, "ITEM  VALUE  READABLE\n")
 
-    def test_an_item_that_is_no_integer_is_told_and_counts_as_missing(self):
+    def test_an_item_that_is_not_an_integer_is_reported_and_counts_as_missing(self):
         self.write("config/config_items.ini", "[items]\nBig=2147483648\nIsTransQuelt=0 ; off\nOther=1\n")
         done = self.loaded("call", "IsTransQueltEnabled")
         self.assertEqual((done.returncode, done.stdout), (0, "result: true\n"))
-        reason = "' is no integer from -2147483648 to 2147483647; the item counts as missing\n"
+        reason = "' is not an integer from -2147483648 to 2147483647; the item counts as missing\n"
         self.assertEqual(done.stderr, f"bundle_host: {self.config}/config_items.ini:2:1: Big: '2147483648{reason}"
                                       f"bundle_host: {self.config}/config_items.ini:3:1: IsTransQuelt: '0 ; off{reason}")
 
@@ -42,7 +42,7 @@ class Items(HostTest):
         self.write("config/config_items.ini", "[items]\nIsTransQuelt=0\n\n  IsTransQuelt = 1\n")
         self.assert_fails(self.loaded("items"), 1, "config_items.ini:4:3: 'IsTransQuelt' is set a second time; keep one of the lines")
 
-    def test_an_item_that_looks_misspelt_is_reported_and_the_program_goes_on(self):
+    def test_an_item_that_looks_misspelt_is_reported_and_the_program_continues(self):
         self.write("config/config_items.ini", "[items]\n IsTransQuelet=1\n")
         done = self.loaded("call", "IsTransQueltEnabled")
         self.assertEqual((done.returncode, done.stdout), (0, "result: true\n"))

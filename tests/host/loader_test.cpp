@@ -290,7 +290,7 @@ TEST(MappedLibrary, NeedsALibraryByItsNamePathOrFileName) {
 }
 
 TEST_F(LoaderTest, AStaticDirectiveMayHaveArguments) {
-  EXPECT_THAT(ProblemOf([&] { loader_.Process("static nobody \"a\""); }), StartsWith("the directive failed"));
+  EXPECT_THAT(ProblemOf([&] { loader_.Process("static absent \"a\""); }), StartsWith("the directive failed"));
 }
 
 TEST_F(LoaderTest, AConstructorThatDoesNotReturnIsStoppedInTheChild) {

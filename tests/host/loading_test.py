@@ -12,24 +12,24 @@ from host_case import BUNDLE, HOST, HostTest, broken
 
 
 class Loading(HostTest):
-    def test_a_missing_library_is_told(self):
+    def test_a_missing_library_is_reported(self):
         self.assert_fails(self.host("-b", "/none.so", "bundles"), 1, "/none.so: no such library")
         self.assert_fails(self.host("-b", "none", "bundles"), 1, "none: no such library; looked in the working directory and where the "
                           f"dynamic linker looks (LD_LIBRARY_PATH and the system's directories), in {os.path.dirname(os.path.realpath(HOST))}")
 
-    def test_a_file_that_is_no_library_is_told(self):
+    def test_a_file_that_is_not_a_library_is_reported(self):
         path = self.write("libtext.so", "text")
         self.assert_fails(self.host("-b", path, "bundles"), 1, "libtext.so: cannot be loaded")
 
-    def test_a_missing_factory_is_told_with_what_it_should_be(self):
+    def test_a_missing_factory_is_reported_with_what_it_should_be(self):
         self.assert_fails(self.host("-b", broken("no_factory"), "bundles"), 1, "has no factory _make_broken_no_factory")
 
-    def test_a_failing_init_leaves_nothing_behind(self):
+    def test_a_failing_init_unloads_everything(self):
         missing = "; looked up and not registered: WantedInterface"
         for kind, reason in [("init_fails", ": init returned -1 (a reason of init)" + missing),
                              ("null_factory", ": the factory returned null\n"),
                              ("throwing", ": init threw: no wheels" + missing),
-                             ("factory_throws", ": the factory threw: something that is no std::exception\n")]:
+                             ("factory_throws", ": the factory threw: something that is not a std::exception\n")]:
             # The throwing factory leaks its allocation.
             quiet = {"ASAN_OPTIONS": "detect_leaks=0"}
             with self.subTest(kind=kind):
@@ -44,7 +44,7 @@ class Loading(HostTest):
         done = self.host("--config-dir", self.config, "load", broken("talks"), "fail")
         self.assertIn("broken_talks: init returned -1; its log records may say more", done.stderr)
 
-    def test_a_failing_fini_is_told_and_does_not_keep_a_bundle_loaded(self):
+    def test_a_failing_fini_is_reported_and_does_not_keep_a_bundle_loaded(self):
         for kind, reason in [("fini_fails", "fini returned -1"), ("fini_throws", "fini threw: no brakes")]:
             with self.subTest(kind=kind):
                 done = self.host("-b", broken(kind), "unload", f"broken_{kind}")
@@ -72,7 +72,7 @@ class Loading(HostTest):
                   os.path.join(self.dir, "glibc-hwcaps/x86-64-v2/libii_ascii_util.so"))
         self.assert_fails(self.host("-b", "ii_ascii_util", "bundles", environment=path), 1, "or the file is cut short (is it still being written?)")
 
-    def test_a_huge_file_is_no_library_and_not_read(self):
+    def test_a_huge_file_is_not_a_library_and_not_read(self):
         path = self.write("libhuge.so", "")
         os.truncate(path, 1 << 40)
         self.assert_fails(self.host("-b", path, "bundles"), 1, "libhuge.so: cannot be loaded: ")
@@ -109,7 +109,7 @@ class Loading(HostTest):
         path = {"LD_LIBRARY_PATH": self.dir + ":" + os.environ.get("LD_LIBRARY_PATH", "")}
         self.assert_fails(self.host("-b", "library", "bundles", environment=path), 1, "has no factory _make_library;")
 
-    def test_a_library_of_the_other_byte_order_is_told_in_the_linkers_words(self):
+    def test_a_library_of_the_other_byte_order_is_reported_in_the_linkers_words(self):
         path = os.path.join(self.dir, "libii_ascii_util.so")
         with open(BUNDLE, "rb") as whole:
             library = bytearray(whole.read())
@@ -119,21 +119,21 @@ class Loading(HostTest):
             file.write(library)
         self.assert_fails(self.host("-b", path, "bundles"), 1, "ELF file data encoding not ")
 
-    def test_a_directory_is_no_library(self):
+    def test_a_directory_is_not_a_library(self):
         self.assert_fails(self.host("-b", self.dir, "bundles"), 1, "Is a directory")
 
-    def test_an_object_that_its_exterminator_leaves_behind_is_told_and_destroyed(self):
+    def test_an_object_that_its_exterminator_does_not_destroy_is_reported_and_destroyed(self):
         library = broken("lazy_exterminator")
         done = self.host("run", "-", stdin=f"load {library}\nunload broken_lazy_exterminator\n")
         self.assertIn("libbroken_lazy_exterminator.so is unmapped", done.stdout)
         self.assertEqual(done.returncode, 1)
-        self.assertIn("its exterminator left the service object behind", done.stderr)
+        self.assertIn("its exterminator did not destroy the service object", done.stderr)
 
     def test_what_a_bundle_complains_about_while_it_loads_well_is_logged(self):
         done = self.host("-b", broken("lazy_exterminator"), "bundles")
         self.assertIn(" [-] ACE:0 -: a warning of init\n", done.stderr)
 
-    def test_a_library_that_stays_mapped_is_told_with_the_reason(self):
+    def test_a_library_that_stays_mapped_is_reported_with_the_reason(self):
         done = self.host("-b", broken("pinned"), "unload", "broken_pinned")
         self.assertEqual(done.returncode, 0, done)
         self.assertIn("is still mapped: it is linked with -z nodelete", done.stdout)
@@ -188,7 +188,7 @@ class Loading(HostTest):
         self.assertEqual([line for line in done.stdout.splitlines() if "fini" in line],
                          ["broken_talks_too: fini", "broken_talks: fini"])
 
-    def test_a_constructor_that_ends_the_process_is_reported_and_the_host_goes_on(self):
+    def test_a_constructor_that_ends_the_process_is_reported_and_the_host_continues(self):
         for kind, reason in [("constructor_crashes", "the process that tries it ends by SIGSEGV; a constructor crashes, or"),
                              ("constructor_exits", "a constructor ends the process, with exit code 3")]:
             with self.subTest(kind=kind):
@@ -253,12 +253,12 @@ class Loading(HostTest):
         done = self.host("-c", self.config, "--log-level", "off", "--svc-conf", conf, "bundles", "--json")
         self.assertEqual([row["name"] for row in json.loads(done.stdout)], ["util"])
 
-    def test_a_wrong_directive_is_told_with_its_place(self):
+    def test_a_wrong_directive_is_reported_with_its_place(self):
         for text, place, reason in [
-            ("\n\n  nonsense here\n", ":3:3: ", "'nonsense' is no directive"),
-            ("nonsense\n", ":1:1: ", "'nonsense' is no directive"),
-            ("static nobody\n", ":1:1: ", "the directive failed"),
-            ("suspend nobody\n", ":1:1: ", "no bundle 'nobody' is loaded; 'bundles' lists them"),
+            ("\n\n  nonsense here\n", ":3:3: ", "'nonsense' is not a directive"),
+            ("nonsense\n", ":1:1: ", "'nonsense' is not a directive"),
+            ("static absent\n", ":1:1: ", "the directive failed"),
+            ("suspend absent\n", ":1:1: ", "no bundle 'absent' is loaded; 'bundles' lists them"),
             ("suspend\n", ":1:1: ", "'suspend' needs the name of a service"),
             (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util \"\"\n", ":1:1: ", "write dynamic NAME"),
             (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util() actve \"\"\n", ":1:1: ", "write dynamic NAME"),
@@ -276,8 +276,8 @@ class Loading(HostTest):
             (f"dynamic active Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "active: no name for a bundle"),
             (f"dynamic {'a' * 4097} Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", " is too long a name"),
             (f"dynamic 1a Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "1a: no name for a bundle"),
-            ("remove nobody\n", ":1:1: ", "no bundle 'nobody' is loaded"),
-            ("\xef\xbb\xbfremove nobody\n", ":1:1: ", "a byte order mark"),
+            ("remove absent\n", ":1:1: ", "no bundle 'absent' is loaded"),
+            ("\xef\xbb\xbfremove absent\n", ":1:1: ", "a byte order mark"),
         ]:
             with self.subTest(text=text):
                 conf = self.write("svc.conf", text)
@@ -311,7 +311,7 @@ class Loading(HostTest):
         self.assertEqual(out, "initialised ii_ascii_util\nresult: 0\nvalue: 16\n")
 
     def test_unloading_an_unknown_bundle_says_what_was_meant(self):
-        self.assert_fails(self.loaded("init", "nobody"), 1, "no bundle 'nobody' is loaded; 'bundles' lists them")
+        self.assert_fails(self.loaded("init", "absent"), 1, "no bundle 'absent' is loaded; 'bundles' lists them")
         self.assert_fails(self.loaded("unload", "ii_asci_util"), 1, "no bundle 'ii_asci_util' is loaded; did you mean ii_ascii_util?")
 
 

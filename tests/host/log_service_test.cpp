@@ -97,7 +97,7 @@ TEST_F(LogToFile, ALongTextIsWhole) {
   EXPECT_THAT(Written(), testing::HasSubstr(": " + text + "\n"));
 }
 
-TEST_F(LogToFile, WhatAceComplainsAboutStandsThereToo) {
+TEST_F(LogToFile, ContainsAcesOwnMessagesToo) {
   const host::LogOutput output(file_);
   ACE_ERROR((LM_ERROR, ACE_TEXT("ace says %d\n"), 7));
   EXPECT_THAT(Written(), testing::HasSubstr(" [-] ACE:0 -: ace says 7\n"));
@@ -221,15 +221,16 @@ TEST_F(LogToFile, AFileThatCannotBeWrittenIsReportedOnceAndReplacedByStandardErr
   testing::internal::CaptureStderr();
   logger_->Log("unit", "f", 1, 1, "one");
   logger_->Log("unit", "f", 2, 1, "two");
-  EXPECT_THAT(testing::internal::GetCapturedStderr(),
-              testing::MatchesRegex(
-                  "bundle_host: /dev/full: cannot be written: No space left on device; the log goes on here\n"
-                  "[^ ]+ \\[1\\] unit:1 f: one\n"
-                  "[^ ]+ \\[1\\] unit:2 f: two\n"));
+  EXPECT_THAT(
+      testing::internal::GetCapturedStderr(),
+      testing::MatchesRegex(
+          "bundle_host: /dev/full: cannot be written: No space left on device; the log continues here\n"
+          "[^ ]+ \\[1\\] unit:1 f: one\n"
+          "[^ ]+ \\[1\\] unit:2 f: two\n"));
   EXPECT_FALSE(output.IsComplete());
 }
 
-TEST_F(LogToFile, AFileBehindOneThatCouldNotBeWrittenIsWrittenAgain) {
+TEST_F(LogToFile, AFileThatReplacesAnUnwritableOneIsWritten) {
   testing::internal::CaptureStderr();
   {
     const host::LogOutput full("/dev/full");
@@ -242,7 +243,7 @@ TEST_F(LogToFile, AFileBehindOneThatCouldNotBeWrittenIsWrittenAgain) {
   EXPECT_TRUE(output.IsComplete());
 }
 
-TEST_F(LogToFile, ACaptureKeepsRecordsWhateverTheLevel) {
+TEST_F(LogToFile, ACaptureKeepsRecordsOfEveryLevel) {
   const host::LogOutput output(file_);
   host::SetLogLevel(host::kLogOff);
   const host::LogCapture capture;

@@ -114,7 +114,7 @@ std::string Problem(const std::vector<std::string>& words) {
 
 TEST(OperationArguments, AProblemNamesTheArgumentAndWhatWasExpected) {
   EXPECT_EQ(Problem({"Str2Num", "42", "ten"}),
-            "2: Str2Num: argument 2, base: 'ten' is no integer from -2147483648 to 2147483647");
+            "2: Str2Num: argument 2, base: 'ten' is not an integer from -2147483648 to 2147483647");
   EXPECT_EQ(Problem({"ToUpper"}), "0: ToUpper takes 1 argument, not 0: ToUpper text:text -> text");
   EXPECT_EQ(Problem({"SplitStr", "a", ""}),
             "2: SplitStr: argument 2, separator: '' is empty, and the operation would never end");

@@ -16,17 +16,17 @@ class Options(HostTest):
             (["nonsense"], "no command 'nonsense'; 'help' lists them"),
             (["help", "nonsense"], "no command 'nonsense'; 'help' lists them"),
             (["call", "nonsense"], "no operation 'nonsense'; 'help call' lists them"),
-            (["load", ""], "'' is no library; give its path"),
+            (["load", ""], "'' is not a library; give its path"),
             (["bundels"], "no command 'bundels'; did you mean bundles?"),
             (["consol"], "did you mean console?"),
-            (["--log-level", "7", "help"], "--log-level: '7' is no log level; there are 0, 1, 2 and off"),
+            (["--log-level", "7", "help"], "--log-level: '7' is not a log level; there are 0, 1, 2 and off"),
             (["--bundle"], "--bundle"),
             (["run"], "run takes 1 argument, not 0: run FILE"),
-            (["bundles", "--jason"], "'--jason' is no argument of a listing"),
-            (["set", "A", "b"], "set: 'b' is no integer"),
-            (["time", "0", "call", "IsValid"], "'0' is no number of repeats"),
+            (["bundles", "--jason"], "'--jason' is not an argument of a listing"),
+            (["set", "A", "b"], "set: 'b' is not an integer"),
+            (["time", "0", "call", "IsValid"], "'0' is not a number of repeats"),
             (["time", "5", "bundles", "x"], "'bundles' cannot be timed"),
-            (["set", "", "1"], "set: '' is no item; give its name"),
+            (["set", "", "1"], "set: '' is not an item; give its name"),
             (["--svc-conf", "", "bundles"], "--svc-conf: the name is empty"),
             (["-c", "", "bundles"], "--config-dir: the name is empty"),
             (["--log-file", "", "bundles"], "--log-file: the name is empty"),
@@ -46,7 +46,7 @@ class Options(HostTest):
         done = self.host("-b", broken("pinned"), "-f", conf, "-c", self.config, "--log-level", "off", "bundles", "--json")
         self.assertEqual([row["name"] for row in json.loads(done.stdout)], ["util", "broken_pinned"])
 
-    def test_an_unreadable_configuration_directory_is_told(self):
+    def test_an_unreadable_configuration_directory_is_reported(self):
         self.assert_fails(self.host("-c", self.dir + "/none", "bundles"), 1, "/none/: No such file or directory")
 
     def test_the_environment_names_the_configuration_directory_too(self):
@@ -66,14 +66,14 @@ class LogFile(HostTest):
         with open(log, encoding="ascii") as file:
             self.assertRegex(file.read(), r" \[1\] asciiutilifimpl:53 unknown: acces QueltTools \n$")
 
-    def test_a_log_file_that_cannot_be_opened_is_told(self):
+    def test_a_log_file_that_cannot_be_opened_is_reported(self):
         self.assert_fails(self.host("--log-file", self.dir, "bundles"), 1, "cannot be opened for writing")
 
-    def test_a_log_file_that_cannot_be_written_is_told_once_and_no_record_is_lost(self):
+    def test_a_log_file_that_cannot_be_written_is_reported_once_and_no_record_is_lost(self):
         done = self.host("--config-dir", self.config, "--log-file", "/dev/full", "--bundle", BUNDLE, "call", "IsTransQueltEnabled")
         self.assertEqual((done.returncode, done.stdout), (1, "result: false\n"))
         problem, *records = done.stderr.splitlines()
-        self.assertEqual(problem, "bundle_host: /dev/full: cannot be written: No space left on device; the log goes on here")
+        self.assertEqual(problem, "bundle_host: /dev/full: cannot be written: No space left on device; the log continues here")
         self.assertEqual([record.split(": ", 1)[1] for record in records], ["run successfull!! ", "acces QueltTools "])
 
     def test_the_records_of_a_console_call_are_shown_and_reach_the_file(self):
@@ -84,7 +84,7 @@ class LogFile(HostTest):
         with open(log, encoding="ascii") as file:
             self.assertEqual([line.split(": ", 1)[-1] for line in file], ["kept\n", "run successfull!! \n", "acces QueltTools \n"])
 
-    def test_a_log_file_that_was_given_up_does_not_make_records_stand_twice(self):
+    def test_a_log_file_that_was_given_up_does_not_write_records_twice(self):
         done = self.host("--config-dir", self.config, "--log-file", "/dev/full", "--bundle", BUNDLE, "console",
                          stdin="call IsTransQueltEnabled\n")
         self.assertEqual(done.stdout.count("acces QueltTools"), 1)

@@ -23,7 +23,7 @@ TEST(PlatformText, SprintfWritesATextThatFits) {
   EXPECT_STREQ(buffer, "1234");
 }
 
-TEST(PlatformText, SprintfTakesEveryFormatAndBeginsAnewWithTheValues) {
+TEST(PlatformText, SprintfTakesEveryFormatAndReadsTheValuesAgain) {
   char buffer[30];
   EXPECT_EQ(sprintf_s(buffer, sizeof buffer, "%d-%s-%5s|%x", 12, "a", "b", 255U), 13);
   EXPECT_STREQ(buffer, "12-a-    b|ff");
@@ -35,7 +35,7 @@ TEST(PlatformText, SprintfIsNegativeWhenTheTextDoesNotFitAndLeavesAnEmptyOne) {
   EXPECT_STREQ(buffer, "");
 }
 
-TEST(PlatformText, SprintfWithoutRoomIsNegative) {
+TEST(PlatformText, SprintfWithoutSpaceIsNegative) {
   char buffer[1] = {'x'};
   EXPECT_LT(sprintf_s(buffer, 0, "a"), 0);
   EXPECT_EQ(buffer[0], 'x');

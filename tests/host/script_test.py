@@ -12,7 +12,7 @@ class Expect(HostTest):
     def script(self, text, *options):
         return self.host(*options, *self.with_bundle("run", "-"), stdin=text)
 
-    def test_a_script_goes_on_when_the_last_command_printed_the_text(self):
+    def test_a_script_continues_when_the_last_command_printed_the_text(self):
         done = self.script("call Str2Num 12a 10\nexpect 'result: false'\n\n# both lines\nexpect 'value: 12'\nset Done 1\nitems\n")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertIn("Done", done.stdout)
@@ -23,7 +23,7 @@ class Expect(HostTest):
         self.assertNotIn("log level", done.stdout)
         self.assert_fails(self.script("set A 1\nexpect A\n"), 1, "stdin:2:1: expected 'A', but the last command printed nothing")
 
-    def test_a_number_or_word_that_goes_on_is_another_one(self):
+    def test_a_longer_number_or_word_does_not_match(self):
         for printed, expected, holds in [("15", "result: 15", True), ("15", "result: 1", False), ("15", "5", False),
                                          ("a_b", "a", False), ("a-b", "a", True), ("x", "result: x", True)]:
             with self.subTest(printed=printed, expected=expected):
@@ -31,7 +31,7 @@ class Expect(HostTest):
                 self.assertEqual(done.returncode, 0 if holds else 1, done)
 
     def test_a_command_may_fail_when_expect_error_follows(self):
-        done = self.script("call Nonsense\n\n# wanted\nexpect-error \"no operation 'Nonsense'\"\nunset nobody\n"
+        done = self.script("call Nonsense\n\n# wanted\nexpect-error \"no operation 'Nonsense'\"\nunset absent\n"
                            "expect-error 'there is no item'\nlog\n")
         self.assertEqual((done.returncode, done.stderr, done.stdout), (0, "", "log level: off\n"))
 
@@ -56,7 +56,7 @@ class Expect(HostTest):
         self.assertEqual(done.stdout, "log level: off\nlog level: off\n")
         self.assertEqual([line.split("; ")[0] for line in done.stderr.splitlines()],
                          ["bundle_host: stdin:1:1: no command 'nonsense'",
-                          "bundle_host: stdin:4:7: set: 'x' is no integer from -2147483648 to 2147483647",
+                          "bundle_host: stdin:4:7: set: 'x' is not an integer from -2147483648 to 2147483647",
                           "bundle_host: stdin:8:1: no command 'nonsense'",
                           "bundle_host: stdin: 3 of 7 commands failed"])
         self.assertEqual(done.returncode, 1)
@@ -121,7 +121,7 @@ class CallsFromAPipe(HostTest):
         self.assert_fails(self.loaded("call", "--json", "-", stdin="Str2Num 1  x\n"), 1, "stdin:1:12: Str2Num: argument 2, base")
         self.assertEqual(done.stdout, "result: 1\n")
 
-    def test_expect_error_is_no_call_that_lets_the_one_before_it_fail(self):
+    def test_expect_error_does_not_let_the_call_before_it_fail(self):
         done = self.loaded("call", "-", stdin="Nonsense\nexpect-error Nonsense\n")
         self.assert_fails(done, 1, "stdin:1:1: no operation 'Nonsense'")
 
@@ -143,9 +143,9 @@ class CallsFromAPipe(HostTest):
 
     def test_an_escape_without_two_digits_is_refused(self):
         for text in ["\\xZZ", "\\x4", "a\\x", "\\xg0"]:
-            self.assert_fails(self.loaded("call", "ToUpper", text), 2, "is no byte; write \\x and two hexadecimal digits")
-        self.assert_fails(self.loaded("call", "ParseListMap", "A=\\xZZ"), 2, "text: '\\xZZ' is no byte")
-        self.assert_fails(self.loaded("call", "GetMapList", "A=\\xZZ", "A"), 2, "map: '\\xZZ' is no byte")
+            self.assert_fails(self.loaded("call", "ToUpper", text), 2, "is not a byte; write \\x and two hexadecimal digits")
+        self.assert_fails(self.loaded("call", "ParseListMap", "A=\\xZZ"), 2, "text: '\\xZZ' is not a byte")
+        self.assert_fails(self.loaded("call", "GetMapList", "A=\\xZZ", "A"), 2, "map: '\\xZZ' is not a byte")
         self.assertEqual(self.call("ToUpper", "a\\x5cx41\\y"), "result: A\\x5cX41\\x5cY\n")
 
     def test_time_makes_as_many_calls_as_it_says(self):
@@ -167,25 +167,25 @@ class Files(HostTest):
         self.assertEqual(done.stdout, "result: 1\n")
         self.assert_fails(done, 1, f"{file}:3:6: no operation 'Nonsense'")
 
-    def test_a_quote_that_is_not_closed_is_told_with_line_and_column(self):
+    def test_a_quote_that_is_not_closed_is_reported_with_line_and_column(self):
         self.assert_fails(self.loaded("run", "-", stdin="\ncall ToUpper 'a\n"), 1, "stdin:2:14: the quote ' is not closed")
 
-    def test_a_file_of_another_kind_is_told(self):
+    def test_a_file_of_another_kind_is_reported(self):
         for text, message in [
             ("\xef\xbb\xbfcall IsValid\n", ":1:1: a byte order mark; save the file without one"),
             ("; items\n[items]\n", ":1:1: a comment starts with '#', not with ';'"),
-            ("\n [items]\nA=1\n", ":2:2: a section of an INI file is no command; items are read from config_items.ini"),
+            ("\n [items]\nA=1\n", ":2:2: a section of an INI file is not a command; items are read from config_items.ini"),
         ]:
             with self.subTest(text=text):
                 file = self.write("commands", text)
                 self.assert_fails(self.loaded("run", file), 1, file + message)
 
-    def test_a_directory_is_no_file_of_commands_or_directives(self):
+    def test_a_directory_is_not_a_file_of_commands_or_directives(self):
         for arguments in (["run", self.dir], ["--svc-conf", self.dir, "bundles"]):
             with self.subTest(arguments=arguments):
                 self.assert_fails(self.host(*arguments), 1, f"{self.dir}: is a directory; a file is needed")
 
-    def test_a_line_without_an_end_is_told_and_not_read_into_memory(self):
+    def test_a_line_without_an_end_is_reported_and_not_read_into_memory(self):
         path = self.write("endless", "")
         os.truncate(path, 1 << 40)
         for arguments in (["run", path], ["--svc-conf", path, "bundles"], ["run", "/dev/zero"]):
@@ -205,12 +205,12 @@ class Files(HostTest):
         self.assertEqual(self.loaded("run", "-", stdin="\nlog\nlog").stdout, "log level: off\nlog level: off\n")
         self.assertEqual(self.loaded("run", "-").stdout, "")
 
-    def test_a_line_with_control_characters_is_told_in_one_plain_line(self):
+    def test_a_line_with_control_characters_is_reported_in_one_plain_line(self):
         self.assert_fails(self.loaded("run", "-", stdin="\x1b[31mred\n"), 1, "stdin:1:1: no command '\\x1b[31mred'")
         self.assert_fails(self.loaded("run", "-", stdin="set a\0b 1\n"), 1, "stdin:1:6: a NUL byte")
-        self.assert_fails(self.host("--log-level", "a\nb", "help"), 2, "'a\\x0ab' is no log level")
+        self.assert_fails(self.host("--log-level", "a\nb", "help"), 2, "'a\\x0ab' is not a log level")
 
-    def test_a_huge_word_is_told_in_a_bounded_line(self):
+    def test_a_huge_word_is_reported_in_a_bounded_line(self):
         done = self.loaded("run", "-", stdin="x" * 5_000_000 + "\n")
         self.assert_fails(done, 1, "stdin:1:1: no command 'xxx")
         self.assertLess(len(done.stderr), 2100)
@@ -220,7 +220,7 @@ class Files(HostTest):
         self.assert_fails(done, 1, "there is no item 'bbb")
         self.assertIn("'items' lists them", done.stderr)
 
-    def test_standard_input_that_cannot_be_read_is_told(self):
+    def test_standard_input_that_cannot_be_read_is_reported(self):
         directory = os.open(self.dir, os.O_RDONLY)
         self.addCleanup(os.close, directory)
         done = subprocess.run([HOST, "run", "-"], stdin=directory, capture_output=True, text=True, timeout=60, check=False)
@@ -233,18 +233,18 @@ class Files(HostTest):
 
     def test_a_wrong_argument_has_its_own_column(self):
         for line, column, reason in [
-            ("  call Str2Num '1 2' ten", 22, "Str2Num: argument 2, base: 'ten' is no integer"),
-            ("time 5 call Str2Num 1 ten", 23, "Str2Num: argument 2, base: 'ten' is no integer"),
+            ("  call Str2Num '1 2' ten", 22, "Str2Num: argument 2, base: 'ten' is not an integer"),
+            ("time 5 call Str2Num 1 ten", 23, "Str2Num: argument 2, base: 'ten' is not an integer"),
             ("call  touper a", 7, "no operation 'touper'; did you mean ToUpper?"),
             ("time 5 call Trim", 13, "Trim takes 1 argument, not 0"),
-            ("time x call Trim a", 6, "'x' is no number of repeats"),
+            ("time x call Trim a", 6, "'x' is not a number of repeats"),
             ("time 5 run x", 8, "'run' cannot be timed"),
-            ("set A b", 7, "'b' is no integer"),
-            ("log  7", 6, "'7' is no log level"),
-            ("items -json", 7, "'-json' is no argument of a listing"),
+            ("set A b", 7, "'b' is not an integer"),
+            ("log  7", 6, "'7' is not a log level"),
+            ("items -json", 7, "'-json' is not an argument of a listing"),
             ("help nonsense", 6, "no command 'nonsense'"),
-            ("unset  nobody", 8, "there is no item 'nobody'"),
-            ("unload nobody", 8, "no bundle 'nobody' is loaded"),
+            ("unset  absent", 8, "there is no item 'absent'"),
+            ("unload absent", 8, "no bundle 'absent' is loaded"),
             ("  set A", 3, "set takes 2 arguments, not 1"),
         ]:
             with self.subTest(line=line):

@@ -51,7 +51,7 @@ class Signals(HostTest):
         code, out, err = self.end(process)
         self.assertEqual((code, out, err), (143, "", "bundle_host: stdin:2:1: interrupted by SIGTERM\n"))
 
-    def test_keep_going_does_not_go_on_after_a_signal(self):
+    def test_keep_going_stops_after_a_signal(self):
         process = self.start("--keep-going", "run", "-")
         process.stdin.write("nonsense\n")
         self.wait_for_input(process)

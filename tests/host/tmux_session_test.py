@@ -88,7 +88,7 @@ class TmuxSession(HostTest):
         self.type("quit")
         self.wait_for("exit code 0")
 
-    def test_ctrl_c_stops_the_command_and_the_session_goes_on(self):
+    def test_ctrl_c_stops_the_command_and_the_session_continues(self):
         self.start("-b", BUNDLE)
         self.interrupt("time 100000000 call IsValid")
         self.wait_for("interrupted by SIGINT")

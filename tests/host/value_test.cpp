@@ -27,7 +27,7 @@ TEST(Value, AMapIsNamesWithListsOfItems) {
   EXPECT_TRUE(std::get<ListMap>(ParseValue({"map", Kind::kMap}, "")).empty());
 }
 
-TEST(Value, ANameThatStandsTwiceInAMapIsRefused) {
+TEST(Value, ANameThatAMapContainsTwiceIsRefused) {
   EXPECT_THROW(ParseValue({"map", Kind::kMap}, "A=1,A=2"), host::UsageError);
 }
 
@@ -44,7 +44,7 @@ TEST(Value, ATextThatMustNotBeEmptyIsRefusedWhenItIs) {
   EXPECT_THROW(ParseValue({"t", Kind::kText, false}, ""), host::UsageError);
 }
 
-TEST(Value, SingleValuesArePrintedBehindTheirLabel) {
+TEST(Value, SingleValuesArePrintedAfterTheirLabel) {
   EXPECT_EQ(Printed(true), "  x: true\n");
   EXPECT_EQ(Printed(std::int64_t{-1}), "  x: -1\n");
   EXPECT_EQ(Printed(std::string("a\n ")), "  x: a\\x0a\\x20\n");

@@ -41,7 +41,7 @@ TEST_F(IsTransQueltEnabled, IsTrueWhenTheItemIsAbsent) {
                                                 Said(57, 1, "Trans QueltTools ")));
 }
 
-TEST_F(IsTransQueltEnabled, ForgetsWhatAFailedReadLeftBehind) {
+TEST_F(IsTransQueltEnabled, IgnoresTheValueThatAFailedReadLeft) {
   framework.unreadable = 0;
   EXPECT_TRUE(impl.IsTransQueltEnabled());
   EXPECT_THAT(framework.Messages(), ElementsAre(Said(49, 0, "read conf item IsTransQuelt failed."),
@@ -80,7 +80,7 @@ TEST_F(GetAlmCfgValue, AnswersTheConfiguredNumber) {
   EXPECT_EQ(Queried(impl, "empty", 7), "0 0");
 }
 
-TEST_F(GetAlmCfgValue, LeavesTheValueAloneWhenTheTextIsNoNumber) {
+TEST_F(GetAlmCfgValue, LeavesTheValueAloneWhenTheTextIsNotANumber) {
   Configure("blank", "7", "15 ");
   Configure("letter", "7", "x");
   EXPECT_EQ(Queried(impl, "blank", 7), "1 777");

@@ -44,7 +44,7 @@ TEST_F(GetKeyValue, AnswersAnEmptyValueWithTheRestOfTheText) {
   EXPECT_EQ(impl.GetKeyValue("A", "A=,A=2"), ",A=2");
 }
 
-TEST_F(GetKeyValue, TakesTheFirstPairAndEverythingBehindItsFirstEqualsSign) {
+TEST_F(GetKeyValue, TakesTheFirstPairAndEverythingAfterItsFirstEqualsSign) {
   EXPECT_EQ(impl.GetKeyValue("A", "A=1,A=2"), "1");
   EXPECT_EQ(impl.GetKeyValue("A", "A=b=c"), "b=c");
   EXPECT_EQ(impl.GetKeyValue("", "=1"), "");
@@ -74,7 +74,7 @@ TEST_F(GetKeyValue, ComparesKeysUpToTheirFirstNul) {
   EXPECT_EQ(impl.GetKeyValue("A", std::string("A\0y=1", 5)), "1");
 }
 
-TEST_F(GetKeyValue, GoesOnBehindAValueThatStartsWithNul) {
+TEST_F(GetKeyValue, ContinuesAfterAValueThatStartsWithNul) {
   EXPECT_EQ(impl.GetKeyValue("A", std::string("A=\0,B", 5)), std::string("\0,B", 3));
 }
 
@@ -92,7 +92,7 @@ TEST_F(GetKeyValue, AgreesWithTheLiteralRuleOnEveryShortText) {
   });
 }
 
-TEST_F(GetKeyValue, IgnoresWhateverStandsBetweenTheNulOfAPairsKeyAndItsEqualsSign) {
+TEST_F(GetKeyValue, IgnoresTheTextBetweenTheNulOfAPairsKeyAndItsEqualsSign) {
   for (int byte = 0; byte < 256; ++byte) {
     const char c = static_cast<char>(byte);
     if (c != ',' && c != '=') {
@@ -128,7 +128,7 @@ TEST_F(IsKeyValueAboveOne, ReadsTheNumberThatTheValueStartsWith) {
   EXPECT_FALSE(impl.IsKeyValueAboveOne("N", "N="));
 }
 
-TEST_F(IsKeyValueAboveOne, ConvertsThroughTheVirtualTableWhateverThatAnswers) {
+TEST_F(IsKeyValueAboveOne, ConvertsThroughTheVirtualTableAlsoWhenItIsReplaced) {
   OwnStr2Num own;
   EXPECT_FALSE(own.IsKeyValueAboveOne("N", "N=text,M=1"));
   EXPECT_FALSE(own.IsKeyValueAboveOne("N", "M=1"));

@@ -80,11 +80,11 @@ TEST_F(Str2Num, KeepsTheLow32Bits) {
 
 TEST_F(Str2Num, ReadsNumbersOfEveryLength) {
   for (const std::string sign : {"", "-", "+"}) {
-    for (const std::string behind : {"", " ", "x"}) {
+    for (const std::string suffix : {"", " ", "x"}) {
       for (std::int64_t number : {0LL, 1LL, 42LL, 2147483647LL, 2147483648LL, 2147483649LL, 9876543210LL}) {
-        const std::string text = sign + std::to_string(number) + behind;
+        const std::string text = sign + std::to_string(number) + suffix;
         const int low = static_cast<int>(sign == "-" ? -number : number);
-        EXPECT_EQ(Converted(impl, text, 10), (behind.empty() ? "true " : "false ") + std::to_string(low))
+        EXPECT_EQ(Converted(impl, text, 10), (suffix.empty() ? "true " : "false ") + std::to_string(low))
             << text;
       }
     }

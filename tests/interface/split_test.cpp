@@ -84,7 +84,7 @@ TEST_F(SplitStr, AppendsToTheList) {
   EXPECT_THAT(pieces, ElementsAre("a", "b", "c", ""));
 }
 
-TEST_F(SplitStr, UsesTheRoomThatTheListHas) {
+TEST_F(SplitStr, UsesTheCapacityThatTheListHas) {
   Texts pieces;
   pieces.reserve(10);
   const std::string* const place = pieces.data();
@@ -94,7 +94,7 @@ TEST_F(SplitStr, UsesTheRoomThatTheListHas) {
   EXPECT_EQ(pieces.data(), place);
 }
 
-TEST_F(SplitStr, MakesRoomForAllPiecesAtOnceAndAtLeastDoublesTheList) {
+TEST_F(SplitStr, ReservesForAllPiecesAtOnceAndAtLeastDoublesTheList) {
   for (std::size_t separators = 0; separators < 20; ++separators) {
     Texts pieces(3);
     impl.SplitStr(std::string(separators, ','), ",", pieces);

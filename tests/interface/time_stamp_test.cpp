@@ -20,7 +20,7 @@ class GetTimeStamp : public InterfaceTest {
 
 constexpr std::time_t kYear10000 = 253402300800;
 
-TEST_F(GetTimeStamp, WritesTheTimeInUtcWhateverTheTimeZone) {
+TEST_F(GetTimeStamp, WritesTheTimeInUtcInEveryTimeZone) {
   clockReads = 1794733904;
   for (const char* const zone : {"UTC", "America/New_York", "XYZ-5:30"}) {
     setenv("TZ", zone, 1);

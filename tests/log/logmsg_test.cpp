@@ -76,7 +76,7 @@ TEST_F(LogMessageTest, TakesALoggerThatIsNullForMissingAndAsksAgain) {
   EXPECT_THAT(framework.Calls(), ElementsAre(kAsk, kGet, kAsk, kGet));
 }
 
-TEST_F(LogMessageTest, SwallowsWhateverTheLogServiceThrows) {
+TEST_F(LogMessageTest, SwallowsEveryExceptionOfTheLogService) {
   framework.On("GetLogger", [] { throw std::runtime_error("log service"); });
   EXPECT_NO_THROW(LogMessage({"tag", 1, 2, "dropped"}));
   framework.On("GetLogger", [] { throw 5; });
@@ -87,7 +87,7 @@ TEST_F(LogMessageTest, SwallowsWhateverTheLogServiceThrows) {
   EXPECT_THAT(framework.Messages(), SizeIs(1));
 }
 
-TEST_F(LogMessageTest, SwallowsAMissingInterfaceWhoeverReportsIt) {
+TEST_F(LogMessageTest, SwallowsAMissingInterfaceFromEveryStep) {
   framework.On("CheckIFBuf", [] { throw NS_BUNDLEMGR1::InterfaceNotExistException(); });
   EXPECT_NO_THROW(LogMessage({"tag", 1, 2, "dropped"}));
   framework.On("CheckIFBuf", [] {});

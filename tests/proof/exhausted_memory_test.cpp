@@ -298,7 +298,7 @@ void MakeAndDestroy() {
   destroy(object);
 }
 
-TEST_F(ExhaustedMemory, TheFactoryLeavesNothingBehind) {
+TEST_F(ExhaustedMemory, AFailedFactoryFreesEverything) {
   MakeAndDestroy();  // The registry's buffer for the name stays, and with it the memory for one entry.
   const int failures = FailEach(MakeAndDestroy, [this] {
     EXPECT_TRUE(framework.BufferOf("AsciiUtilInterface")->empty());

@@ -84,7 +84,7 @@ TEST_F(Races, TheFirstLookupsOfManyThreadsMakeOneStore) {
   });
 }
 
-TEST_F(Races, WhatOneThreadMadeIsWholeForAnotherThatIsToldNothing) {
+TEST_F(Races, WhatOneThreadMadeIsWholeForAnotherWithoutSynchronisation) {
   framework.intItems["IsTransQuelt"] = 1;
   framework.logger = [] { return new recording::Logger; };
   framework.SetRecording(false);  // Its journal has a lock.

@@ -133,7 +133,7 @@ TEST_F(RecordingFileTest, TheHeadOfEachFileHasTheChecksumOfTheConfigurationAtTha
   EXPECT_THAT(Content(path_), HasSubstr(R"("alarm_config":"4294967295 0")"));
 }
 
-TEST_F(RecordingFileTest, WhatIsNoRegularFileIsRefusedAndLeftAlone) {
+TEST_F(RecordingFileTest, WhatIsNotARegularFileIsRefusedAndLeftAlone) {
   EXPECT_EQ(RefusalOf(dir_.path()), dir_.path().string() + ": not a regular file: Invalid argument");
   std::filesystem::create_symlink(dir_.Write("target", "kept"), path_);
   EXPECT_THAT(RefusalOf(path_), HasSubstr("not a regular file"));

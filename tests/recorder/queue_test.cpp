@@ -36,7 +36,7 @@ TEST(RecordQueue, DropsAndCountsWhatDoesNotFit) {
   EXPECT_FALSE(batch.isLast);
 }
 
-TEST(RecordQueue, HasRoomAgainAfterABatchAndCountsFromZero) {
+TEST(RecordQueue, HasCapacityAgainAfterABatchAndCountsFromZero) {
   RecordQueue queue;
   queue.Open(8);
   queue.Push("too long for it");

@@ -111,7 +111,7 @@ TEST(RecordingReader, ListsAndMapsAreReadBack) {
   EXPECT_EQ(record.out, Values{(TextList{"x", "y"})});
 }
 
-TEST(RecordingReader, AnExceptionStandsInThePlaceOfTheResult) {
+TEST(RecordingReader, AnExceptionIsWrittenInPlaceOfTheResult) {
   const Record record = RecordOf(
       R"({"op":"SplitStr","in":["a",","],"threw":{"type":"std::bad_alloc","what":"no memory"},"out":[[]])" +
       kEnd);
@@ -178,13 +178,13 @@ TEST(RecordingReader, IntegersMustFitTheirType) {
             R"(1: "result" is not an integer from -9223372036854775808 to 9223372036854775807)");
 }
 
-TEST(RecordingReader, ACharacterThatIsNoByteIsAProblem) {
+TEST(RecordingReader, ACharacterAboveOneByteIsAProblem) {
   EXPECT_EQ(ProblemOf(R"({"op":"ToUpper","in":["\u0100"]})"), R"(1: "in" holds a character above U+00FF)");
   EXPECT_EQ(ProblemOf(R"({"op":"GetMapList","in":[{"\u20ac":[]},"a"]})"),
             R"(1: "in" holds a character above U+00FF)");
 }
 
-TEST(RecordingReader, LinesAreCountedAndReadingGoesOnAfterAProblem) {
+TEST(RecordingReader, LinesAreCountedAndReadingContinuesAfterAProblem) {
   std::istringstream file("junk\n" + recording_format::TailLine({"a", 1, 0}) + R"({"op":)");
   recording_format::Reader reader(file);
   EXPECT_TRUE(std::holds_alternative<Problem>(*reader.Next()));

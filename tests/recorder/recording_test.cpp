@@ -295,7 +295,7 @@ TEST_F(RecordingTest, ACallThatEndsAfterTheRecordingIsLeftOut) {
   EXPECT_EQ(Stop().records.size(), 0U);
 }
 
-TEST_F(RecordingTest, WhatTheQueueHasNoRoomForIsDroppedAndCounted) {
+TEST_F(RecordingTest, WhatDoesNotFitIntoTheQueueIsDroppedAndCounted) {
   Start(1000);
   EXPECT_EQ(front_.ToUpper(std::string(2000, 'x')), "<" + std::string(2000, 'x') + ">");
   EXPECT_EQ(front_.ToUpper("abc"), "<abc>");

@@ -108,7 +108,7 @@ TEST_F(GetUrlEncoding, LeavesALineFeedBeforeAPlainCharacterAndALoneCarriageRetur
 TEST_F(GetUrlEncoding, EncodesACharacterOfIso8859AsOneByte) { EXPECT_EQ(GetURLEncoding("\xC3\xA9"), "%e9"); }
 
 // Required: the escape of U+00A9 starts with "%a", so the carriage return is encoded as before a line feed.
-TEST_F(GetUrlEncoding, TakesTheEscapeBehindACarriageReturnForALineFeed) {
+TEST_F(GetUrlEncoding, TakesTheEscapeAfterACarriageReturnForALineFeed) {
   EXPECT_EQ(GetURLEncoding("\r\xC2\xA9"), "%0d%0a9");
   framework.convert = recording::CopyThrough;
   EXPECT_EQ(GetURLEncoding("\r\xA0"), "%0d%0a0");
@@ -179,7 +179,7 @@ TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnLongTexts) {
   }
 }
 
-TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnEveryByteWhereverItStandsInAPlainText) {
+TEST_F(GetUrlEncoding, AgreesWithTheLiteralRuleOnEveryByteInEveryPlaceOfAPlainText) {
   framework.SetRecording(false);
   framework.convert = recording::CopyThrough;
   for (const char plain : {'a', 'Z', '0', '.'}) {
@@ -245,7 +245,7 @@ TEST_F(GetUrlDecoding, DecodesPlusAndEscapes) {
 }
 
 // The two characters after a '%' are always consumed, also when the second is not a digit.
-TEST_F(GetUrlDecoding, DropsTheCharacterBehindAOneDigitEscape) {
+TEST_F(GetUrlDecoding, DropsTheCharacterAfterAOneDigitEscape) {
   EXPECT_EQ(GetURLDecoding("x%9y"), "x\t");
   EXPECT_EQ(GetURLDecoding("x%9yz"), "x\tz");
   EXPECT_EQ(GetURLDecoding("%ax"), "\n");
@@ -367,12 +367,12 @@ TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleOnLongTexts) {
 }
 
 // An escape may begin in one block of the text and end in the next, or at the end of the text.
-TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleWhereverAnEscapeStands) {
+TEST_F(GetUrlDecoding, AgreesWithTheLiteralRuleForEscapesInEveryPlace) {
   for (const char* const escape :
        {"%", "%4", "%41", "%%", "%%%41", "%4%41", "%-1", "% 7", "%zz", "+", "%41%"}) {
     for (std::size_t place = 0; place < 70; ++place) {
-      for (const std::size_t behind : {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{70}}) {
-        const std::string text = std::string(place, 'a') + escape + std::string(behind, 'b');
+      for (const std::size_t length : {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{70}}) {
+        const std::string text = std::string(place, 'a') + escape + std::string(length, 'b');
         ASSERT_EQ(GetURLDecoding(text), literal::GetURLDecoding(text)) << text;
       }
     }

@@ -127,7 +127,7 @@ void RecorderService::PutInFront(AsciiUtilInterface& implementation) {
   interface_ = &TheFront();
   NS_BUNDLEMGR1::SetIFBuf(kInterfaceName, interface_);
   const std::vector<ServiceInterface*> now = Registered();
-  isKeptBehind_ = std::find(now.begin(), now.end(), implementation_) != now.end();
+  isKeptAfter_ = std::find(now.begin(), now.end(), implementation_) != now.end();
   if (now.empty() || now.front() != interface_) {
     throw SetupError("the platform's registry does not let a later registration lead");
   }
@@ -138,7 +138,7 @@ void RecorderService::TakeOut() {
   // before the recorder's interface is withdrawn, so that no lookup fails. A registry that keeps several has
   // it still, or has withdrawn it because its bundle was unloaded.
   const std::vector<ServiceInterface*> now = Registered();
-  if (!isKeptBehind_ && !now.empty() && now.front() == interface_) {
+  if (!isKeptAfter_ && !now.empty() && now.front() == interface_) {
     NS_BUNDLEMGR1::SetIFBuf(kInterfaceName, implementation_);
   }
   UnRegistSvc();

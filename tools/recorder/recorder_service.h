@@ -44,7 +44,7 @@ class RecorderService : public NS_BUNDLEMGR1::ServiceObjectBase {
   void TakeOut();
 
   NS_ASCII::AsciiUtilInterface* implementation_ = nullptr;  ///< borrowed; null while nothing is recorded
-  bool isKeptBehind_ = false;  ///< the registry lists the implementation after the recorder's interface
+  bool isKeptAfter_ = false;  ///< the registry lists the implementation after the recorder's interface
 };
 
 }  // namespace recorder

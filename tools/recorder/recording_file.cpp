@@ -21,7 +21,7 @@ namespace recorder {
 namespace {
 
 /// Bytes of the limit that are reserved for the tail, which is shorter.
-constexpr std::uint64_t kTailRoom = 128;
+constexpr std::uint64_t kTailSize = 128;
 
 /// Lines are written in blocks of about this size.
 constexpr std::size_t kBlock = std::size_t{256} << 10;
@@ -78,7 +78,7 @@ void RecordingFile::Append(std::string_view line) {
 }
 
 void RecordingFile::Add(std::string_view line) {
-  if (limit_ != 0 && records_ != 0 && size_ + line.size() + kTailRoom > limit_) {
+  if (limit_ != 0 && records_ != 0 && size_ + line.size() + kTailSize > limit_) {
     Finish();
     Open();  // Renames the file that was finished.
   }

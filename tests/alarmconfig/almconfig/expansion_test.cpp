@@ -19,7 +19,7 @@ class ListToRecord : public AlarmConfigTest {};
 class ExpandField : public AlarmConfigTest {};
 class AddLine : public AlarmConfigTest {};
 
-TEST_F(ListToRecord, PutsColumnThreeBehindColumnFour) {
+TEST_F(ListToRecord, PutsColumnThreeAfterColumnFour) {
   AlarmConfigRecord record;
   EXPECT_EQ(config.ListToRecord({"1", "2", "3", "4", "5"}, record, "line"), 0);
   EXPECT_EQ(record.key1, "1");

@@ -36,17 +36,17 @@ TEST_F(LineLength, CountsACarriageReturnTowardsTheLimit) {
 
 // Required: only the end of the file ends a load, and the stream never reaches it after an over-long line.
 // The author of the file must keep to the limit.
-TEST_F(LineLength, NeverEndsBehindALineOf1023Characters) {
+TEST_F(LineLength, NeverEndsAfterALineOf1023Characters) {
   const std::string path = directory.Write("long.csv", LineOf(1023) + "\n");
   EXPECT_EQ(child::EndOf([&] { config.LoadConfig(path.c_str()); }), child::End::kEndless);
 }
 
-TEST_F(LineLength, NeverEndsBehindALastLineOf1023CharactersWithoutALineFeed) {
+TEST_F(LineLength, NeverEndsAfterALastLineOf1023CharactersWithoutALineFeed) {
   const std::string path = directory.Write("long.csv", LineOf(1023));
   EXPECT_EQ(child::EndOf([&] { config.LoadConfig(path.c_str()); }), child::End::kEndless);
 }
 
-TEST_F(LineLength, NeverEndsBehindALongComment) {
+TEST_F(LineLength, NeverEndsAfterALongComment) {
   const std::string path = directory.Write("long.csv", "#" + std::string(1022, '-') + "\n");
   EXPECT_EQ(child::EndOf([&] { config.LoadConfig(path.c_str()); }), child::End::kEndless);
 }
@@ -58,7 +58,7 @@ TEST_F(LineLength, TakesTheFirst1022CharactersOfALongLineForALine) {
   EXPECT_EQ(child::ExitCodeOf([&] { config.LoadConfig(path.c_str()); }), 7);
 }
 
-TEST_F(LineLength, NeverReadsTheLineBehindALongOne) {
+TEST_F(LineLength, NeverReadsTheLineAfterALongOne) {
   framework.On("LogF", [] { _exit(9); });
   const std::string path = directory.Write("long.csv", LineOf(1023) + "\nA//B\tk\tc\t1\tv\n");
   EXPECT_EQ(child::EndOf([&] { config.LoadConfig(path.c_str()); }), child::End::kEndless);

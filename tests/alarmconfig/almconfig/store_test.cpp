@@ -37,7 +37,7 @@ TEST_F(InsertRecord, LetsTheLastValueWin) {
   EXPECT_THAT(Entries(config), ElementsAre("A|k|c|1=new"));
 }
 
-TEST_F(InsertRecord, TellsKeysApartByteByByte) {
+TEST_F(InsertRecord, DistinguishesKeysByteByByte) {
   config.InsertRecord({"A", "k", "7", "c", "seven"});
   config.InsertRecord({"A", "k", "07", "c", "nought seven"});
   config.InsertRecord({"A ", "k", "7", "c", "blank"});

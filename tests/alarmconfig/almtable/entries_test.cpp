@@ -42,7 +42,7 @@ TEST(AlarmTable, FindsAnEntryByAllFourFields) {
   EXPECT_EQ(table.size(), 1U);
 }
 
-TEST(AlarmTable, TellsFieldsApartWhereTheirTextsRunTogether) {
+TEST(AlarmTable, DistinguishesFieldsWhoseTextsRunTogether) {
   AlarmTable table;
   table.Insert({"ab", "c", "d", "1"}, "first");
   EXPECT_EQ(Answer(table, {"a", "bc", "d", "1"}), "(none)");
@@ -53,7 +53,7 @@ TEST(AlarmTable, TellsFieldsApartWhereTheirTextsRunTogether) {
 }
 
 // Searches with the hash of the stored key, as if both keys had that hash: each field is compared in full.
-TEST(AlarmTable, TellsKeysOfOneHashApart) {
+TEST(AlarmTable, DistinguishesKeysOfOneHash) {
   AlarmTable table;
   const AlarmKey stored{"ab", "cd", "ef", "12"};
   table.Insert(stored, "value");
@@ -72,7 +72,7 @@ TEST(AlarmTable, TellsKeysOfOneHashApart) {
   }
 }
 
-TEST(AlarmTable, AnswersTheSameWhateverTheHashKey) {
+TEST(AlarmTable, AnswersTheSameForEveryHashKey) {
   std::vector<std::string> all;
   for (int i = 0; i < 3; ++i) {
     AlarmTable table;
@@ -186,7 +186,7 @@ TEST(AlarmTable, InsertsSeveralKeysAtOnceAsOneByOne) {
   EXPECT_EQ(Answer(table, {"a", "b", "c", "16"}), "new");
   EXPECT_EQ(Answer(table, {"a", "b", "c", "17"}), "newest");
   EXPECT_EQ(Answer(table, {"x", "", "", ""}), "newest");
-  table.InsertAll(std::vector<AlarmKey>(), "nobody's");
+  table.InsertAll(std::vector<AlarmKey>(), "unused");
   EXPECT_EQ(table.size(), 1001U);
 }
 

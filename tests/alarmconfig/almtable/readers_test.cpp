@@ -123,7 +123,7 @@ TEST(AlarmTableUnderReaders, AnswersAnOlderValueOrTheNewestAndNeverGoesBack) {
 }
 
 // Each step publishes something else: the slots, an entry, more slots, a value.
-TEST(AlarmTableUnderReaders, ShowsWhatIsInsertedWholeToAThreadThatIsToldNothing) {
+TEST(AlarmTableUnderReaders, ShowsWholeEntriesToAThreadWithoutSynchronisation) {
   AlarmTable found;
   AlarmTable visited;
   struct Step {

@@ -122,7 +122,7 @@ class Shown(Page):
         classes = self.browser.run('[...document.querySelectorAll("tbody tr")].map((row) => row.className)')
         self.assertEqual(classes, ["", "", "warning", "", "error", "note", "", "error"])
 
-    def test_files_are_told_apart_by_short_names(self):
+    def test_files_are_distinguished_by_short_names(self):
         self.open("A\tB\tC\t7\t1\n", "B\tB\tC\t7\t1\n", names=["north/a.csv", "south/a.csv"])
         sources = self.browser.run('[...document.querySelectorAll("td.source")].map((cell) => cell.textContent)')
         self.assertEqual(sources, ["north/a.csv:1", "south/a.csv:1"])

@@ -194,7 +194,7 @@ class Checker {
     }
     const bool beforeComment = line_.text.find('#') == mark.size();
     Add(Code::kByteOrderMark, 1, mark.size(),
-        beforeComment ? "the file starts with a byte order mark, so this line is no comment for the loader"
+        beforeComment ? "the file starts with a byte order mark, so this line is not a comment for the loader"
                       : "the file starts with a byte order mark, which belongs to the first key",
         mark == kUtf8Mark ? "save the file without byte order mark"
                           : "save the file as plain text, not as UTF-16");

@@ -100,9 +100,9 @@ void ReadTable(std::istream& file, LineProblems& problems, Calls& calls) {
       problems.Add(number, 1,
                    "neither a record nor KEY1, KEY2, KEY3, NUMBER and perhaps a count between TABs");
     } else if (!ParseNumber(columns[3].text, wanted)) {
-      problems.Add(number, columns[3].at + 1, "the fourth column is no 32-bit decimal integer");
+      problems.Add(number, columns[3].at + 1, "the fourth column is not a 32-bit decimal integer");
     } else if (columns.size() == 5 && !ParseNumber(columns[4].text, count)) {
-      problems.Add(number, columns[4].at + 1, "the count is no decimal integer");
+      problems.Add(number, columns[4].at + 1, "the count is not a decimal integer");
     } else {
       calls.counts[{std::string(columns[0].text), std::string(columns[1].text), std::string(columns[2].text),
                     wanted}] += count;

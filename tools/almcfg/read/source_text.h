@@ -33,7 +33,7 @@ struct Line {
 };
 
 /// A file's text in memory, cut into lines. Only the start of an over-long line is kept, so that a file
-/// without line feeds needs about one kilobyte, whatever its size.
+/// without line feeds needs about one kilobyte, for every size.
 ///
 /// Ownership: views into the lines stay valid until this object, or the object it is moved to, is destroyed.
 class SourceText {

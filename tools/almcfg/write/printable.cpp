@@ -61,8 +61,8 @@ bool IsMarkedBlank(std::string_view text, std::size_t at) {
   while (first > 0 && text[first - 1] == ' ') {
     --first;
   }
-  const std::size_t behind = std::min(text.find_first_not_of(' ', at), text.size());
-  return first == 0 || IsEdge(text, first - 1) || IsEdge(text, behind) || behind - first > 1;
+  const std::size_t end = std::min(text.find_first_not_of(' ', at), text.size());
+  return first == 0 || IsEdge(text, first - 1) || IsEdge(text, end) || end - first > 1;
 }
 
 /// The mark that is shown for the byte; empty when the byte has none.

@@ -11,7 +11,7 @@
 /// the direction of writing, or be invisible. Pure functions.
 namespace almcfg {
 
-/// One character of a text as it is shown. Views into the text.
+/// One character of a text, escaped for display. Views into the text.
 struct Glyph {
   std::size_t offset = 0;  ///< its first byte in the text
   std::size_t width = 0;   ///< columns that it takes on a terminal

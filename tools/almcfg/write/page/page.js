@@ -67,7 +67,7 @@
   function range() {
     if (isPrinting) return { start: 0, end: Math.min(view.length, kMostPrinted), top: 0, bottom: 0 };
     const { visible, first, total } = measure();
-    const above = rows.scrollTop / rowHeight;   // As many rows have room above the view's top,
+    const above = rows.scrollTop / rowHeight;   // As many rows fit above the view's top,
     const below = (total - rows.scrollTop) / rowHeight;   // and below it.
     const wanted = Math.floor((first - kMargin) / kMargin) * kMargin;
     const start = Math.max(0, wanted, Math.floor(first - above + 0.01));
