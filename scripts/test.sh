@@ -4,7 +4,7 @@
 #   scripts/test.sh [--help] [PRESET] [CTEST-OPTION...]
 #
 # PRESET is a preset of CMakePresets.json: release (default), debug, asan, tsan or coverage. What follows it goes to
-# ctest: `scripts/test.sh asan -R AlarmTable` runs the tests of one unit under the sanitizers.
+# ctest: `scripts/test.sh asan -R almtable` runs the tests of one unit under the sanitizers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -7,7 +7,20 @@
 #include <new>
 #include <vector>
 
+#include "tests/private_member.h"
 #include "tests/random_text.h"
+
+namespace private_member {
+struct NextUnit {
+  friend constexpr auto Of(NextUnit);
+};
+template struct Opened<NextUnit, &NS_ASCII::AlarmArena::next_>;
+
+struct BytesOf32Bits {
+  friend constexpr auto Of(BytesOf32Bits);
+};
+template struct Opened<BytesOf32Bits, &NS_ASCII::AlarmArena::BytesOf<std::uint32_t>>;
+}  // namespace private_member
 
 namespace {
 
@@ -55,8 +68,9 @@ TEST(AlarmArena, ReservesChunksThatDouble) {
 
 // With 32-bit sizes the size of a 4 GiB chunk would otherwise wrap to 0.
 TEST(AlarmArena, RefusesAChunkWhoseSizeDoesNotFit) {
-  EXPECT_EQ(AlarmArena::BytesOf<std::uint32_t>(0x3FFFFFFF), 0xFFFFFFFCU);
-  EXPECT_THROW(AlarmArena::BytesOf<std::uint32_t>(0x40000000), std::bad_alloc);
+  constexpr auto kBytesOf = Of(private_member::BytesOf32Bits());
+  EXPECT_EQ(kBytesOf(0x3FFFFFFF), 0xFFFFFFFCU);
+  EXPECT_THROW(kBytesOf(0x40000000), std::bad_alloc);
 }
 
 TEST(AlarmArena, KeepsAPieceInOneChunk) {
@@ -82,20 +96,16 @@ TEST(AlarmArena, ThrowsWhenAPieceFitsNoChunkAndIsThenUnchanged) {
   EXPECT_EQ(arena.Allocate(4), 2U);
 }
 
-TEST(AlarmArena, HasANumberOf32BitsForEveryUnitOfItsChunks) {
-  EXPECT_LE(AlarmArena::FirstOf(AlarmArena::kChunks), std::uint64_t{1} << 32);
-  EXPECT_GT(AlarmArena::FirstOf(AlarmArena::kChunks + 1), std::uint64_t{1} << 32);
-}
-
 // Filling the arena would take 16 GiB, so the test sets the next free unit itself.
 TEST(AlarmArena, ThrowsWhenItsNumbersHaveRunOut) {
   constexpr std::uint64_t kEnd = (std::uint64_t{1} << 32) - 4096;
   AlarmArena arena;
-  arena.next_ = kEnd;
+  std::uint64_t& next = arena.*Of(private_member::NextUnit());
+  next = kEnd;
   EXPECT_THROW(arena.Allocate(1), std::bad_alloc);
-  arena.next_ = kEnd - 1;
+  next = kEnd - 1;
   EXPECT_THROW(arena.Allocate(5), std::bad_alloc);
-  EXPECT_EQ(arena.next_, kEnd - 1);
+  EXPECT_EQ(next, kEnd - 1);
   EXPECT_EQ(arena.ReservedBytes(), 0U);
 }
 

@@ -101,10 +101,20 @@ class Commands(unittest.TestCase):
                     done = subprocess.run(["bash", "-n"], input="\n".join(lines), text=True, check=False, stderr=subprocess.PIPE)
                     self.assertEqual(done.stderr, "", f"{page.name}:{start}")
 
+    def listed_tests(self):
+        listed = subprocess.run(["ctest", "-N"], cwd=BUILD, text=True, check=True, stdout=subprocess.PIPE).stdout
+        return re.findall(r"^ *Test +#\d+: (\S+)", listed, re.MULTILINE)
+
+    def test_units_of_the_bundle_have_tests_of_their_name(self):
+        tests = self.listed_tests()
+        for source in sorted((PROJECT / "src").rglob("*.cpp")):
+            name = f"{source.parent.name}.{source.stem}."
+            self.assertTrue(any(test.startswith(name) for test in tests),
+                            f"no test's name starts with {name}: name the test program of {source.name} {source.stem}_test")
+
     def test_presets_and_tests_exist(self):
         presets = {preset["name"] for preset in json.loads((PROJECT / "CMakePresets.json").read_text())["configurePresets"]}
-        listed = subprocess.run(["ctest", "-N"], cwd=BUILD, text=True, check=True, stdout=subprocess.PIPE).stdout
-        tests = re.findall(r"^ *Test +#\d+: (\S+)", listed, re.MULTILINE)
+        tests = self.listed_tests()
         for page in PAGES:
             text = page.read_text()
             for preset in re.findall(r"--preset (\w+)", text):

@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "src/interface/listmap.h"
 #include "tests/child_process.h"
 #include "tests/freed_memory.h"
 #include "tests/interface/interface_fixture.h"
@@ -14,44 +15,44 @@ namespace {
 using interface_test::InterfaceTest;
 using interface_test::Texts;
 using NS_ASCII::AsciiUtilInterfaceImpl;
+using NS_ASCII::SplitAtFirst;
 using ::testing::ElementsAre;
 using testing_text::RandomText;
 
-class SplitFirst : public InterfaceTest {};
 class SplitStr : public InterfaceTest {};
 
-TEST_F(SplitFirst, LeavesBothTextsAloneWithoutADelimiter) {
+TEST(SplitAtFirst, LeavesBothTextsAloneWithoutADelimiter) {
   std::string head = "head";
   std::string tail = "tail";
-  EXPECT_FALSE(impl.SplitFirst("kv", head, tail, "="));
-  EXPECT_FALSE(impl.SplitFirst("k=v", head, tail, ""));
-  EXPECT_FALSE(impl.SplitFirst(std::string("k\0v", 3), head, tail, ""));
-  EXPECT_FALSE(impl.SplitFirst("", head, tail, "="));
+  EXPECT_FALSE(SplitAtFirst("kv", head, tail, "="));
+  EXPECT_FALSE(SplitAtFirst("k=v", head, tail, ""));
+  EXPECT_FALSE(SplitAtFirst(std::string("k\0v", 3), head, tail, ""));
+  EXPECT_FALSE(SplitAtFirst("", head, tail, "="));
   EXPECT_EQ(head + tail, "headtail");
 }
 
-TEST_F(SplitFirst, SplitsAtTheFirstDelimiter) {
+TEST(SplitAtFirst, SplitsAtTheFirstDelimiter) {
   std::string head = "head";
   std::string tail = "tail";
-  EXPECT_TRUE(impl.SplitFirst("k=v", head, tail, "="));
+  EXPECT_TRUE(SplitAtFirst("k=v", head, tail, "="));
   EXPECT_EQ(head + '|' + tail, "k|v");
-  EXPECT_TRUE(impl.SplitFirst("k=", head, tail, "="));
+  EXPECT_TRUE(SplitAtFirst("k=", head, tail, "="));
   EXPECT_EQ(head + '|' + tail, "k|");
-  EXPECT_TRUE(impl.SplitFirst("=v", head, tail, "="));
+  EXPECT_TRUE(SplitAtFirst("=v", head, tail, "="));
   EXPECT_EQ(head + '|' + tail, "|v");
-  EXPECT_TRUE(impl.SplitFirst("a=b=c", head, tail, "="));
+  EXPECT_TRUE(SplitAtFirst("a=b=c", head, tail, "="));
   EXPECT_EQ(head + '|' + tail, "a|b=c");
 }
 
 // Required: the tail starts as many characters later as the set has, instead of one.
-TEST_F(SplitFirst, SkipsAsManyCharactersAsTheSetHas) {
+TEST(SplitAtFirst, SkipsAsManyCharactersAsTheSetHas) {
   std::string head;
   std::string tail = "tail";
-  EXPECT_TRUE(impl.SplitFirst("k=xyz", head, tail, ":="));
+  EXPECT_TRUE(SplitAtFirst("k=xyz", head, tail, ":="));
   EXPECT_EQ(head + '|' + tail, "k|yz");
-  EXPECT_TRUE(impl.SplitFirst("k=x", head, tail, ":="));
+  EXPECT_TRUE(SplitAtFirst("k=x", head, tail, ":="));
   EXPECT_EQ(head + '|' + tail, "k|");
-  EXPECT_THROW(impl.SplitFirst("long=", head, tail, ":="), std::out_of_range);
+  EXPECT_THROW(SplitAtFirst("long=", head, tail, ":="), std::out_of_range);
   EXPECT_EQ(head + '|' + tail, "long|");
 }
 

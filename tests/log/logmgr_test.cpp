@@ -15,7 +15,20 @@
 #include <utility>
 #include <vector>
 
+#include "tests/private_member.h"
 #include "tests/recording_fixture.h"
+
+namespace private_member {
+struct Storage {
+  friend constexpr auto Of(Storage);
+};
+template struct Opened<Storage, &NS_ASCII::LogMgr::storage_>;
+
+struct ObtainOwnLogger {
+  friend constexpr auto Of(ObtainOwnLogger);
+};
+template struct Opened<ObtainOwnLogger, &NS_ASCII::LogMgr::ObtainOwnLogger>;
+}  // namespace private_member
 
 namespace {
 
@@ -99,6 +112,13 @@ class LogMgrTest : public recording::FrameworkTest {
 
 class PosStorageTest : public LogMgrTest {};
 
+PosStorage& StorageOf(LogMgr* manager) { return manager->*Of(private_member::Storage()); }
+
+/// The thread key, a protected member of ACE's class.
+struct KeyOf : PosStorage {
+  static ACE_thread_key_t Storage(const PosStorage& storage) { return storage.*&KeyOf::key_; }
+};
+
 /// Runs `work` on a new thread and waits for it.
 template <class Work>
 void OnAnotherThread(Work work) {
@@ -123,7 +143,7 @@ TEST_F(LogMgrTest, LogsAtLevelZeroWithAnEmptyPosition) {
 }
 
 TEST_F(LogMgrTest, LogsThePositionOfTheCallingThread) {
-  PosForDbg* const mine = LogMgr::Instance()->storage_.Record();
+  PosForDbg* const mine = StorageOf(LogMgr::Instance()).Record();
   mine->file = "file";
   mine->func = "func";
   mine->line = 12;
@@ -140,15 +160,14 @@ TEST_F(LogMgrTest, DropsMessagesWhenItGotNoLogger) {
   EXPECT_THAT(framework.Messages(), IsEmpty());
 }
 
-TEST_F(LogMgrTest, ObtainsItsLoggerAndSaysWhetherItGotOne) {
+TEST_F(LogMgrTest, SaysWhetherItGotALogger) {
   LogMgr* const manager = LogMgr::Instance();
+  const auto obtainOwnLogger = Of(private_member::ObtainOwnLogger());
   delete lastLogger;
-  EXPECT_TRUE(manager->ObtainOwnLogger());
-  EXPECT_EQ(manager->logger_, lastLogger);
+  EXPECT_TRUE((manager->*obtainOwnLogger)());
   delete lastLogger;
   framework.logger = [] { return nullptr; };
-  EXPECT_FALSE(manager->ObtainOwnLogger());
-  EXPECT_EQ(manager->logger_, nullptr);
+  EXPECT_FALSE((manager->*obtainOwnLogger)());
 }
 
 // Unlike the shared logger, a missing logger is not requested again.
@@ -221,7 +240,7 @@ TEST_F(LogMgrTest, ReleaseDoesNothingWhenTheStaticObjectLockCannotBeTaken) {
 }
 
 TEST_F(LogMgrTest, ReleaseDestroysTheCallingThreadsRecord) {
-  watched = LogMgr::Instance()->storage_.Record();
+  watched = StorageOf(LogMgr::Instance()).Record();
   watchedFreed = 0;
   LogMgr::Release();
   EXPECT_EQ(watchedFreed, 1);
@@ -296,8 +315,8 @@ TEST_F(PosStorageTest, CloseDestroysTheCallingThreadsRecordBeforeItFreesTheKey) 
 // At process exit other threads and later exit handlers still log.
 TEST_F(LogMgrTest, LogsWithAnEmptyPositionAfterTheStorageIsClosed) {
   LogMgr* const manager = LogMgr::Instance();
-  manager->storage_.Record()->file = "file";
-  manager->storage_.Close();
+  StorageOf(manager).Record()->file = "file";
+  StorageOf(manager).Close();
   manager->LogPos("mine");
   OnAnotherThread([&] { manager->LogPos("another thread's"); });
   EXPECT_THAT(framework.Messages(),
@@ -335,7 +354,7 @@ TEST_F(PosStorageTest, HasNoRecordWithoutAThreadKeyAndTriesAgain) {
   LogMgr* const manager = LogMgr::Instance();
   {
     const AllKeys none;
-    EXPECT_EQ(manager->storage_.Record(), nullptr);
+    EXPECT_EQ(StorageOf(manager).Record(), nullptr);
     manager->LogPos("dropped");
     EXPECT_THAT(framework.Messages(), IsEmpty());
   }
@@ -397,7 +416,7 @@ TEST_F(PosStorageTest, ReportsNothingWhenTheKeyWasFreedMeanwhile) {
   manager->LogPos("first");
   OnAnotherThread([&] {
     const AceLog log;
-    closedByNextAllocation = &manager->storage_;
+    closedByNextAllocation = &StorageOf(manager);
     manager->LogPos("second");
     EXPECT_EQ(closedByNextAllocation, nullptr);
     EXPECT_THAT(log.entries, IsEmpty());
@@ -408,12 +427,12 @@ TEST_F(PosStorageTest, ReportsNothingWhenTheKeyWasFreedMeanwhile) {
 // The test frees the storage's key, which makes its slots invalid.
 TEST_F(PosStorageTest, ReportsASlotThatCannotBeStored) {
   LogMgr* const manager = LogMgr::Instance();
-  delete manager->storage_.Record();  // This thread's record; without the key ACE cannot reach it.
+  delete StorageOf(manager).Record();  // This thread's record; without the key ACE cannot reach it.
   OnAnotherThread([&] {
     AceLog log;
-    pthread_key_delete(manager->storage_.key_);
+    pthread_key_delete(KeyOf::Storage(StorageOf(manager)));
     watchedFreed = 0;
-    EXPECT_EQ(manager->storage_.Record(), nullptr);
+    EXPECT_EQ(StorageOf(manager).Record(), nullptr);
     ExpectSlotReport(log.entries);
     log.entries.clear();
     manager->LogPos("dropped");

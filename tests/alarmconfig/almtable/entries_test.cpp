@@ -10,8 +10,17 @@
 #include <vector>
 
 #include "tests/alarmconfig/almtable/answers.h"
+#include "tests/alarmconfig/equal_hashes.h"
 #include "tests/literal_rules.h"
+#include "tests/private_member.h"
 #include "tests/random_text.h"
+
+namespace private_member {
+struct AddNode {
+  friend constexpr auto Of(AddNode);
+};
+template struct Opened<AddNode, &NS_ASCII::AlarmTable::AddNode>;
+}  // namespace private_member
 
 namespace {
 
@@ -52,23 +61,21 @@ TEST(AlarmTable, DistinguishesFieldsWhoseTextsRunTogether) {
   EXPECT_EQ(Answer(table, {"a", "bc", "d", "1"}), "second");
 }
 
-// Searches with the hash of the stored key, as if both keys had that hash: each field is compared in full.
+// Each field is compared in full.
 TEST(AlarmTable, DistinguishesKeysOfOneHash) {
+  const EqualHashes equalHashes;
   AlarmTable table;
-  const AlarmKey stored{"ab", "cd", "ef", "12"};
-  table.Insert(stored, "value");
-  const std::uint32_t hash = table.HashOf(stored);
-  std::size_t slot = 0;
-  EXPECT_NE(table.Locate(*table.array_, stored, hash, slot), 0U);
-  for (const AlarmKey& other :
-       {AlarmKey{"aX", "cd", "ef", "12"}, AlarmKey{"Xb", "cd", "ef", "12"}, AlarmKey{"ab", "cX", "ef", "12"},
-        AlarmKey{"ab", "Xd", "ef", "12"}, AlarmKey{"ab", "cd", "eX", "12"}, AlarmKey{"ab", "cd", "Xf", "12"},
-        AlarmKey{"ab", "cd", "ef", "1X"}, AlarmKey{"ab", "cd", "ef", "X2"}, AlarmKey{"ab", "cd", "ef", "1"},
-        AlarmKey{"ab", "cd", "e", "f1"}, AlarmKey{"a", "bc", "de", "f1"}, AlarmKey{"abc", "d", "ef", "12"},
-        AlarmKey{"ab", "cde", "f", "12"}, AlarmKey{"ab", "cd", "ef1", "2"},
-        AlarmKey{"ab", "cd", "ef12", ""}}) {
-    EXPECT_EQ(table.Locate(*table.array_, other, hash, slot), 0U)
-        << other.key1 << '/' << other.key2 << '/' << other.key3 << '/' << other.numKey;
+  const std::vector<AlarmKey> keys = {
+      {"ab", "cd", "ef", "12"}, {"aX", "cd", "ef", "12"}, {"Xb", "cd", "ef", "12"}, {"ab", "cX", "ef", "12"},
+      {"ab", "Xd", "ef", "12"}, {"ab", "cd", "eX", "12"}, {"ab", "cd", "Xf", "12"}, {"ab", "cd", "ef", "1X"},
+      {"ab", "cd", "ef", "X2"}, {"ab", "cd", "ef", "1"},  {"ab", "cd", "e", "f1"},  {"a", "bc", "de", "f1"},
+      {"abc", "d", "ef", "12"}, {"ab", "cde", "f", "12"}, {"ab", "cd", "ef1", "2"}, {"ab", "cd", "ef12", ""}};
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    EXPECT_EQ(Answer(table, keys[i]), "(none)") << i;
+    table.Insert(keys[i], std::to_string(i));
+  }
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    EXPECT_EQ(Answer(table, keys[i]), std::to_string(i));
   }
 }
 
@@ -92,10 +99,10 @@ TEST(AlarmTable, RefusesAFieldOf4GiBAndAnswersAsBefore) {
   table.Insert({"a", "b", "c", "1"}, "value");
   const std::size_t reserved = table.ReservedBytes();
   const std::string_view tooLong("", std::size_t{1} << 32);
-  const NS_ASCII::AlarmArena::Ref value = table.values_.Intern("new");
+  const auto addNode = Of(private_member::AddNode());
   for (const AlarmKey& key : {AlarmKey{tooLong, "", "", ""}, AlarmKey{"", tooLong, "", ""},
                               AlarmKey{"", "", tooLong, ""}, AlarmKey{"", "", "", tooLong}}) {
-    EXPECT_THROW(table.AddNode(key, value), std::bad_alloc);
+    EXPECT_THROW((table.*addNode)(key, 1), std::bad_alloc);
   }
   EXPECT_EQ(table.size(), 1U);
   EXPECT_EQ(table.ReservedBytes(), reserved);
