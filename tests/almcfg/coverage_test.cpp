@@ -196,8 +196,8 @@ TEST(CoveragePage, SaysInItsHeadHowManyCallsWereServed) {
   const TempFile calls("COM\tBTS\tLOS\t7\t1234\nno\tsuch\talarm\t1\t3\nQOS\tSGSN\tJITTER\t60\t2\n");
   EXPECT_THAT(
       RunAlmcfg({"show", "--format", "html", "--calls", calls.path(), config.path()}).out,
-      HasSubstr("<p>1,239 calls of GetAlmCfgValue: 1,234 served, 3 not served, 2 with a value that is no "
-                "integer.</p>"));
+      HasSubstr("<p>1,239 calls of GetAlmCfgValue: 1,234 served, 3 not served, 2 with a value that is not "
+                "an integer.</p>"));
 }
 
 TEST(CoveragePage, IsRefusedForOtherFormatsAndFilesWithoutAQuery) {

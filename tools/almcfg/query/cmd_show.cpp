@@ -41,7 +41,7 @@ void AddCalls(const LoadedTable& table, const Calls& calls, PageContent& content
   content.countCalls = [&calls](const Entry& entry) { return CountOf(calls, entry.key); };
   content.callSummary = Counted(served + notServed + noInteger, "call") +
                         " of GetAlmCfgValue: " + Grouped(served) + " served, " + Grouped(notServed) +
-                        " not served, " + Grouped(noInteger) + " with a value that is no integer.";
+                        " not served, " + Grouped(noInteger) + " with a value that is not an integer.";
 }
 
 std::unique_ptr<TableWriter> MakeWriter(const Options& options, const Outputs& outputs,
