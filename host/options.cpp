@@ -1,3 +1,5 @@
+// Parses the program's command line and prints its help. No state, the result is a copy. Main thread only.
+
 #include "host/options.h"
 
 #include <CLI/CLI.hpp>

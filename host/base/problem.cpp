@@ -1,3 +1,5 @@
+// Describes the exception that is being handled. No state; any thread may call.
+
 #include "host/base/problem.h"
 
 namespace host {

@@ -1,3 +1,6 @@
+// Opens /dev/null for standard descriptors that are closed; they stay open until the process ends. Called
+// once, by `main`.
+
 #include "host/base/standard_streams.h"
 
 #include <fcntl.h>

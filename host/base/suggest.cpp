@@ -1,3 +1,5 @@
+// Finds the name of the smallest edit distance. No state; any thread may call.
+
 #include "host/base/suggest.h"
 
 #include <algorithm>

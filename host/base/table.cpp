@@ -1,3 +1,5 @@
+// Prints listings as aligned columns or as JSON. No state; any thread may call with a stream of its own.
+
 #include "host/base/table.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Escapes bytes as \xNN and back. No state, the results are copies; any thread may call.
+
 #include "host/base/text_escape.h"
 
 #include <charconv>

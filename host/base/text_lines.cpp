@@ -1,3 +1,6 @@
+// Reads a file line by line and adds the place to problems. The object owns the stream. One thread at a
+// time.
+
 #include "host/base/text_lines.h"
 
 #include <cerrno>

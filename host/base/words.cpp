@@ -1,3 +1,5 @@
+// Splits command lines into words. No state, the results are copies; any thread may call.
+
 #include "host/base/words.h"
 
 #include "host/base/problem.h"

@@ -1,3 +1,6 @@
+// Joins the groups of commands to one table, and parses command lines by it. The table is made on first
+// use and never changes. Main thread only.
+
 #include "host/commands/command.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// The signal handlers and the number of the first signal, which belongs to the process. Handlers run on
+// any thread; the other functions belong to the main thread.
+
 #include "host/commands/interrupt.h"
 
 #include <fcntl.h>

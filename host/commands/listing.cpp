@@ -1,3 +1,5 @@
+// The actions of commands that print a table. An action owns its function. Main thread only.
+
 #include "host/commands/listing.h"
 
 #include "host/base/problem.h"

@@ -1,3 +1,6 @@
+// The table of operations and the conversion of their arguments. The table is made on first use and never
+// changes; callees are borrowed for a call. Main thread only.
+
 #include "host/commands/operations.h"
 
 #include <array>

@@ -1,3 +1,6 @@
+// Makes recorded calls again and counts equal and different answers. The interface is borrowed, the result
+// is a copy. Main thread only.
+
 #include "host/commands/replay.h"
 
 #include <cxxabi.h>

@@ -1,3 +1,5 @@
+// Runs command lines and command files on a borrowed session. Main thread only.
+
 #include "host/commands/script.h"
 
 #include <unistd.h>

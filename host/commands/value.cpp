@@ -1,3 +1,5 @@
+// Parses and prints arguments and out values. No state, the values are copies; any thread may call.
+
 #include "host/commands/value.h"
 
 #include <ostream>

@@ -1,3 +1,6 @@
+// Finds completions in the table of commands, the session and the file system. The results are copies.
+// Main thread only.
+
 #include "host/console/completion.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Reads lines by libedit and keeps the history file. The object owns the editor's state. Main thread only.
+
 #include "host/console/line_editor.h"
 
 #include <fcntl.h>

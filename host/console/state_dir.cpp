@@ -1,3 +1,6 @@
+// Finds and creates the directory of the history. No state; any thread may call while the environment does
+// not change.
+
 #include "host/console/state_dir.h"
 
 #include <cstdlib>

@@ -1,3 +1,6 @@
+// Reports slow and crashing calls. The object owns the timer's thread and the crash handlers; at most one
+// exists at a time.
+
 #include "host/loader/call_watch.h"
 
 #include <signal.h>

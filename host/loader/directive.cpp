@@ -1,3 +1,5 @@
+// Parses one directive. No state, the result is a copy; any thread may call.
+
 #include "host/loader/directive.h"
 
 #include <algorithm>

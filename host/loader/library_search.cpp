@@ -1,3 +1,5 @@
+// Lists where a library may be, and tries the candidates. No state. One thread at a time.
+
 #include "host/loader/library_search.h"
 
 #include <algorithm>

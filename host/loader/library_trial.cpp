@@ -1,3 +1,6 @@
+// Starts the child process that loads a library, reads its report and stops it after the limit. The
+// process owns the name of the trial program. One thread at a time.
+
 #include "host/loader/library_trial.h"
 
 #include <fcntl.h>

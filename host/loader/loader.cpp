@@ -1,3 +1,6 @@
+// Loads, reloads and unloads bundles by ACE's directives. The object owns its list of bundles, ACE owns
+// the services. One thread at a time.
+
 #include "host/loader/loader.h"
 
 #include <ace/ARGV.h>

@@ -1,3 +1,6 @@
+// Reads the dynamic linker's list of libraries and the process's mappings. A handle owns one reference to
+// its library, everything else is a copy. One thread at a time.
+
 #include "host/loader/mapped_library.h"
 
 #include <dlfcn.h>

@@ -1,3 +1,5 @@
+// Passes the directives of a file to a borrowed loader. One thread at a time.
+
 #include "host/loader/svc_conf.h"
 
 #include <string_view>

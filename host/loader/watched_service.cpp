@@ -1,3 +1,6 @@
+// Makes ACE's calls of `init` and `fini` under a watch. The record owns the service object. One thread at
+// a time.
+
 #include "host/loader/watched_service.h"
 
 #include <utility>

@@ -1,3 +1,6 @@
+// The list of bundles and their service objects. The process owns the list, objects are borrowed. The list
+// has a lock of its own, changes also take `_g_actualmutex`; any thread may call.
+
 #include "host/platform/bundle_mgr.h"
 
 #include <ace/Guard_T.h>

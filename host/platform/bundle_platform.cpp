@@ -1,3 +1,6 @@
+// Sets up and ends the platform, also as a service object of ACE's configurator. The object owns the log
+// output and the log service. One thread at a time.
+
 #include "host/platform/bundle_platform.h"
 
 #include <ace/Log_Msg.h>

@@ -1,3 +1,6 @@
+// The configuration directory and items, which belong to the process and have a lock of their own. Any
+// thread may call.
+
 #include "host/platform/config_items.h"
 
 #include <algorithm>

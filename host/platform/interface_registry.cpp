@@ -1,3 +1,6 @@
+// The registry, which owns its buffers until the process ends and borrows the interfaces. It has a lock of
+// its own, changes also take `_g_actualmutex`; any thread may call.
+
 #include "host/platform/interface_registry.h"
 
 #include <ace/Guard_T.h>

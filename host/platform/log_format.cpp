@@ -1,3 +1,5 @@
+// Checks and fills in printf formats. No state, the results are copies; any thread may call.
+
 #include "host/platform/log_format.h"
 
 #include <cstdio>

@@ -1,3 +1,5 @@
+// The lowest level that is written: an atomic number of the process. Any thread may call.
+
 #include "host/platform/log_level.h"
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// The log service and its loggers, which it never releases. Any thread may log.
+
 #include "host/platform/log_service.h"
 
 #include <cstdarg>

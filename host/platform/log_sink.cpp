@@ -1,3 +1,6 @@
+// Formats log records and passes them to ACE, a file and open captures. The state belongs to the process
+// and has a lock of its own; any thread may log.
+
 #include "host/platform/log_sink.h"
 
 #include <ace/Log_Msg.h>

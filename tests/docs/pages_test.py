@@ -110,6 +110,13 @@ class Everywhere(unittest.TestCase):
                 checked += 1
         self.assertGreater(checked, 10)
 
+    def test_sources_start_with_what_they_do(self):
+        sources = [path for top in ("src", "host", "tools") for path in (PROJECT / top).rglob("*") if path.suffix in SOURCES]
+        self.assertGreater(len(sources), 150)
+        wrong = [path.relative_to(PROJECT).as_posix() for path in sources
+                 if not (path.read_text().startswith("// ") if path.suffix == ".cpp" else "\n/// " in path.read_text())]
+        self.assertEqual(wrong, [], "write at the top what the file does, who owns what and which threads may call")
+
     def test_scripts_that_pages_name_are_there_and_say_what_they_do(self):
         named = {name for page in PAGES for name in re.findall(r"\bscripts/\w+\.sh\b", page.read_text())}
         there = {f"scripts/{path.name}" for path in (PROJECT / "scripts").glob("*.sh")}

@@ -1,3 +1,5 @@
+// Parses the command line by CLI11. No state, the result is a copy. Called once, by `main`.
+
 #include "tools/almcfg/options.h"
 
 #include <algorithm>

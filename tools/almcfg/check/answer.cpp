@@ -1,3 +1,5 @@
+// Calls the bundle's conversion of numbers. No state; any thread may call.
+
 #include "tools/almcfg/check/answer.h"
 
 #include <string>

@@ -1,3 +1,6 @@
+// Classifies and converts the texts of columns. No state; views refer to the argument. Any thread may
+// call.
+
 #include "tools/almcfg/check/cell_text.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Checks the lines of one file. Table, text and sink are borrowed for the call. One thread at a time.
+
 #include "tools/almcfg/check/checker.h"
 
 #include <algorithm>

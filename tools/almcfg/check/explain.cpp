@@ -1,3 +1,5 @@
+// Finds a rule's section in the compiled-in page. No state, the result is a copy; any thread may call.
+
 #include "tools/almcfg/check/explain.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Explains rejected lines. No state, findings are copies; any thread may call.
+
 #include "tools/almcfg/check/explain_rejected.h"
 
 #include <algorithm>

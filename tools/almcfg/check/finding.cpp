@@ -1,3 +1,5 @@
+// The catalogue of rules, which is constant, and the totals. Any thread may read the catalogue.
+
 #include "tools/almcfg/check/finding.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Finds what is odd about accepted lines. No state, findings are copies; any thread may call.
+
 #include "tools/almcfg/check/lint_accepted.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Reads recordings and lists of queries into a map of copies. One thread at a time.
+
 #include "tools/almcfg/query/calls.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Reads files into a table, which the caller owns, and reports their problems. One thread at a time.
+
 #include "tools/almcfg/query/load_files.h"
 
 #include <ostream>

@@ -1,3 +1,6 @@
+// Compares a key with the keys in force. The table is borrowed; neighbours refer to its texts. One thread
+// at a time.
+
 #include "tools/almcfg/query/nearest.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Opens, checks and reads files; each is closed before the call ends. One thread at a time.
+
 #include "tools/almcfg/read/input_file.h"
 
 #include <fcntl.h>

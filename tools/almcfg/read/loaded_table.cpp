@@ -1,3 +1,6 @@
+// Loads files and indexes their keys. The table owns the texts. One thread loads; then any number may
+// read.
+
 #include "tools/almcfg/read/loaded_table.h"
 
 #include <algorithm>

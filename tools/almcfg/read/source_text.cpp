@@ -1,3 +1,5 @@
+// Cuts a file's bytes into lines, which the object owns. One thread at a time.
+
 #include "tools/almcfg/read/source_text.h"
 
 #include <algorithm>

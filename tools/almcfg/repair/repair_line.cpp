@@ -1,3 +1,5 @@
+// Repairs one line, step by step. No state, the results are copies. One thread at a time.
+
 #include "tools/almcfg/repair/repair_line.h"
 
 #include <algorithm>

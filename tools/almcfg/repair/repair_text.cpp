@@ -1,3 +1,6 @@
+// Repairs the lines of a file and compares the answers with those of the original. The result is a copy.
+// One thread at a time.
+
 #include "tools/almcfg/repair/repair_text.h"
 
 #include <algorithm>

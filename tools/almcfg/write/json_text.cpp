@@ -1,3 +1,5 @@
+// Converts bytes to JSON texts. No state, the results are copies; any thread may call.
+
 #include "tools/almcfg/write/json_text.h"
 
 #include "tools/almcfg/write/printable.h"

@@ -1,3 +1,6 @@
+// Escapes and marks characters for the terminal. No state; glyphs refer to the argument. Any thread may
+// call.
+
 #include "tools/almcfg/write/printable.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Draws and erases the progress line. The object owns the line of the terminal. One thread at a time.
+
 #include "tools/almcfg/write/progress.h"
 
 #include <iostream>

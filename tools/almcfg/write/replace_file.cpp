@@ -1,3 +1,5 @@
+// Writes a temporary file and renames it over the original one. No file stays open. One thread at a time.
+
 #include "tools/almcfg/write/replace_file.h"
 
 #include <fcntl.h>

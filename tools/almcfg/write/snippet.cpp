@@ -1,3 +1,5 @@
+// Cuts lines to the width of the terminal. No state, the results are copies; any thread may call.
+
 #include "tools/almcfg/write/snippet.h"
 
 #include <algorithm>

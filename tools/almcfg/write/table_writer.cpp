@@ -1,3 +1,5 @@
+// The TSV and JSON outputs of `almcfg show`. Writers borrow their stream. One thread at a time.
+
 #include "tools/almcfg/write/table_writer.h"
 
 #include <ostream>

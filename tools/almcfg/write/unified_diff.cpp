@@ -1,3 +1,5 @@
+// Writes differences to a borrowed stream. No state. One thread at a time.
+
 #include "tools/almcfg/write/unified_diff.h"
 
 #include <algorithm>
