@@ -8,10 +8,10 @@
 #include "framework/service_object_base.h"
 #include "framework/visibility.h"
 
-/// The framework's bundles, as far as an interface lookup uses them.
+/// The part of the framework's bundle manager that an interface lookup uses.
 ///
 /// Binary contract: an operation is called by its slot in the virtual table, counted from 1 with the two
-/// destructor entries included. Reserved operations fill the slots whose framework operations are unknown.
+/// destructor entries included. `ReservedN` fills slot N, whose framework operation is unknown.
 ///
 /// Ownership: bundles and service objects belong to the framework; returned pointers are borrowed.
 /// Threads: any.

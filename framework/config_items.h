@@ -12,7 +12,7 @@ namespace NS_BUNDLEMGR1 {
 PLATFORM_API std::string GetCfgDirPath();
 
 /// The process-wide store of configuration items. Any thread may read; a changed item is seen by the next
-/// read.
+/// read. The name is the framework's; nothing here uses CORBA.
 class PLATFORM_API CorbaConfigItems {
  public:
   /// The one store of the process; never null.

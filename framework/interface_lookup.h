@@ -24,7 +24,7 @@ struct InterfaceRef {
   /// an interface elsewhere appends it, so that the next lookup takes the fast path.
   std::vector<ServiceInterface*>* buffer = nullptr;
 
-  /// Serialises searches; in production always `_g_actualmutex`. Never null.
+  /// Serialises searches; in production always `_g_actualmutex`. Must be set before a lookup.
   ACE_Thread_Mutex* lock = nullptr;
 
   /// The bundle to search; empty to search every loaded bundle.
@@ -33,7 +33,8 @@ struct InterfaceRef {
   /// The service object to examine in each bundle; empty to examine all of them.
   std::string serviceName;
 
-  /// The caller's pointer to its null interface; a lookup does not use it.
+  /// The address of the caller's pointer to its null interface. Part of the framework's arguments; a lookup
+  /// does not use it.
   NULLServiceInterface** nullInterface = nullptr;
 };
 
@@ -56,7 +57,7 @@ inline void CopyTo(std::vector<ServiceInterface*>* out, const std::vector<Servic
 [[noreturn]] inline void ThrowNotExist() {
   InterfaceNotExistException missing;
   missing.code = kInterfaceNotExist;
-  // A named object, since its code must be set; copying its streams may throw.
+  // Not a temporary, because `code` is set first. The check also warns because copying the streams may throw.
   throw missing;  // NOLINT(cert-err09-cpp,cert-err60-cpp,cert-err61-cpp,misc-throw-by-value-catch-by-reference)
 }
 
@@ -76,9 +77,9 @@ T* InterfaceOf(ServiceObjectBase* object) {
   return object == nullptr ? nullptr : dynamic_cast<T*>(object->GetInterface());
 }
 
-/// Searches `bundles` in order. A match is appended to an empty buffer and the search continues; without a
-/// buffer, or with one that is not empty, the match is returned. Required: with an empty buffer and two
-/// matches the first is cached and the second is returned. Returns null when no match was returned.
+/// Searches `bundles` in order. With an empty buffer, the first match is appended to it and the search
+/// continues. A match is returned when there is no buffer, or the buffer is not empty. Required: with an
+/// empty buffer and two matches the first is cached and the second is returned. Otherwise returns null.
 template <class T>
 T* Search(const std::list<Bundle*>& bundles, const std::string& serviceName,
           std::vector<ServiceInterface*>* buffer) {
@@ -116,6 +117,7 @@ T* Fetch(InterfaceRef& ref, std::vector<ServiceInterface*>* out) {
   }
   if (!IsFilled(ref.buffer)) ThrowNotExist();
   CopyTo(out, *ref.buffer);
+  // Checked again: the lock is not held any more, so the buffer may have changed.
   if (!IsFilled(ref.buffer)) ThrowNotExist();
   return FirstOf<T>(*ref.buffer);
 }
@@ -146,9 +148,8 @@ T* Fetch(InterfaceRef& ref, std::vector<ServiceInterface*>* out) {
 ///
 /// Throws only `InterfaceNotExistException`, when there is no such interface. Any other exception ends the
 /// process through the unexpected-exception handler.
-/// Threads: any. At most one of several concurrent lookups fills an empty buffer, but the others read the
-/// buffer without the lock; a platform on which the first lookups may coincide should return null instead of
-/// an empty buffer.
+/// Threads: any. A lookup first reads the buffer without the lock while another lookup may append to it,
+/// which is a data race. A platform avoids it if its `CheckIFBuf` returns null instead of an empty buffer.
 template <class T>
 T* FetchInterface(InterfaceRef& ref, std::vector<ServiceInterface*>* out = nullptr) {
   try {

@@ -12,17 +12,19 @@
 /// The process-wide registry of interfaces by name. Names are byte strings, compared exactly.
 namespace NS_BUNDLEMGR1 {
 
-/// Registers `interface` under `name` and returns 0. The registry borrows the pointer; its owner withdraws
-/// it. If the name is registered again, lookups find the interface that was registered last.
+/// Registers `interface` under `name` and returns 0. The registry borrows the pointer;
+/// `ServiceObjectBase::UnRegistSvc` removes it. If the name is registered again, lookups find the interface
+/// that was registered last.
 PLATFORM_API int SetIFBuf(const std::string& name, ServiceInterface* interface);
 
-/// The interfaces registered under `name`; the preferred one comes first. Null when there are none. The
+/// The interfaces registered under `name`; the one registered last comes first. Null when there are none. The
 /// buffer belongs to the registry and stays valid until the process ends, its elements until their bundles
-/// are unloaded. An interface lookup may append to it while it holds `_g_actualmutex`.
+/// are unloaded. A later registration may use another buffer. An interface lookup may append to a buffer
+/// while it holds `_g_actualmutex`.
 PLATFORM_API std::vector<ServiceInterface*>* CheckIFBuf(const std::string& name);
 
-/// The framework's global mutex. Held while an interface search runs and while a null interface is created,
-/// never across a call into a log service.
+/// The framework's global mutex, by the framework's name. Held while an interface search runs and while a
+/// null interface is created, never during a call into a log service.
 PLATFORM_API extern ACE_Thread_Mutex _g_actualmutex;
 
 }  // namespace NS_BUNDLEMGR1

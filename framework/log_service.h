@@ -10,10 +10,10 @@
 /// The platform's log service, registered in the interface registry as "LogSvcInterface".
 ///
 /// Binary contract: operations are called by their slot in the virtual table, counted from 1 with the two
-/// destructor entries included. Reserved operations fill the slots whose framework operations are unknown.
+/// destructor entries included. `ReservedN` fills slot N, whose framework operation is unknown.
 ///
-/// Texts are byte strings; `file` is a source unit's name, `func` a function's, `line` a source line,
-/// `level` a small number whose meaning the service defines.
+/// Texts are byte strings. `file` is the name of a source unit, `func` the name of a function, `line` the
+/// number of a source line, `level` a small number whose meaning the service defines.
 /// Threads: any.
 namespace NS_LOG_SERVICE1 {
 
@@ -48,7 +48,7 @@ class PLATFORM_API LogSvcInterface : public NS_BUNDLEMGR1::ServiceInterface {
                             const std::string& channel) = 0;
 };
 
-/// A thread's debug position: the place in the source at which the thread last set it.
+/// A thread's debug position: the source position that the thread last set for its debug messages.
 struct PLATFORM_API PosForDbg {
   std::string file;       ///< source file name
   std::string func;       ///< function name

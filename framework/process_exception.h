@@ -9,10 +9,11 @@
 
 namespace NS_BUNDLEMGR1 {
 
-/// The framework's base exception: two numbers and four texts. `what()` is the standard library's.
+/// The framework's base exception: two numbers and four texts, whose meaning the thrower defines. `what()` is
+/// not overridden.
 ///
-/// Copying moves the readable text of all four streams out of the source, so the source is not constant:
-/// throw a temporary or a named object, and catch by reference.
+/// Copying moves the unread text of all four streams out of the source, so the copy constructor takes a
+/// non-const reference: throw a temporary or a named object, and catch by reference.
 ///
 /// Threads: one thread at a time for each object.
 class PLATFORM_API ProcessException : public std::exception {

@@ -27,8 +27,8 @@ class PLATFORM_API ServiceInterface {
   virtual std::int64_t IsValid() = 0;
 };
 
-/// Forbids derivation from the class that inherits it virtually: the most derived class would have to
-/// construct this base, and only the friend class may.
+/// Forbids derivation from `NULLServiceInterface`, like `final` of C++11: the most derived class must
+/// construct this virtual base, and only the friend class may.
 class PLATFORM_API FinalClass {
  private:
   friend class NULLServiceInterface;

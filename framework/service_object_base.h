@@ -26,29 +26,29 @@ class PLATFORM_API ServiceObjectBase : public ACE_Service_Object {
   /// stored. From here on the framework lists the object as `service` of `bundle`.
   ServiceObjectBase(const char* bundle, const char* service);
 
-  /// Calls `UnRegistSvc` if the object is still listed, and removes the interface.
+  /// Calls `UnRegistSvc` if the object is still listed, and destroys the interface.
   ~ServiceObjectBase() override;
 
   ServiceObjectBase(const ServiceObjectBase&) = delete;
   ServiceObjectBase& operator=(const ServiceObjectBase&) = delete;
 
-  /// Removes the object from its bundle's list and its interface from the interface registry. Returns 0, or
-  /// -1 when it was not listed.
+  /// Removes the object from its bundle's list and its interface from the interface registry; destroys
+  /// neither. Returns 0, or -1 when it was not listed.
   virtual int UnRegistSvc();
 
   /// The service name given at construction.
   virtual const char* GetName() const;
 
-  /// A hook for derived classes; does nothing here.
+  /// A hook for derived classes, which the framework may call; does nothing here.
   virtual void SvcHook();
 
   /// The interface that the object publishes; null when it has none.
   virtual ServiceInterface* GetInterface();
 
-  /// Makes the object's interface, stores it and returns it; registers nothing. The base returns null.
+  /// Creates the object's interface, stores it and returns it; registers nothing. The base returns null.
   virtual ServiceInterface* CreateInterface();
 
-  /// Destroys the interface, if there is one, and sets the pointer to null.
+  /// Destroys the interface, if there is one, and sets the pointer to null. Does not change the registry.
   virtual void RemoveInterface();
 
  protected:

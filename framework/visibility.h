@@ -1,11 +1,11 @@
 #ifndef FRAMEWORK_VISIBILITY_H_
 #define FRAMEWORK_VISIBILITY_H_
 
-/// Marks a type or function that crosses library borders.
+/// Marks a type or function that crosses library boundaries.
 ///
 /// The libraries of this project are compiled with hidden visibility. Types that one library creates and
 /// another casts or catches must have default visibility, and so must functions that the dynamic linker
-/// resolves between libraries. It is a macro because C++ cannot name an attribute in another way.
+/// resolves between libraries. It is a macro because C++ has no other way to give an attribute a name.
 #define PLATFORM_API __attribute__((visibility("default")))
 
 #endif  // FRAMEWORK_VISIBILITY_H_

@@ -8,8 +8,8 @@
 /// Text functions that other libraries link against.
 ///
 /// Texts are byte strings, embedded NULs included. The signatures are part of the binary contract: `Trim`
-/// takes its text by reference, the other functions by value. "Required" marks behaviour that may look wrong
-/// and that existing callers depend on.
+/// takes its text by reference, the other functions by value. "Required" marks behaviour that existing
+/// callers depend on, even if it looks like a mistake.
 /// Threads: any; no function keeps state. The case functions use the calling thread's locale.
 /// Errors: none on bad input. Exhausted memory throws `std::bad_alloc`; exceptions of the platform's
 /// converter reach the caller.
@@ -19,10 +19,10 @@ namespace NS_ASCII {
 /// and form feed are not removed.
 [[nodiscard]] PLATFORM_API std::string Trim(const std::string& text);
 
-/// `text` with every byte passed through the C library's `toupper`, as an unsigned value.
+/// `text` with every byte mapped by the C library's `toupper`, as an `unsigned char`.
 [[nodiscard]] PLATFORM_API std::string StrToUpper(std::string text);
 
-/// `text` with every byte passed through the C library's `tolower`, as an unsigned value.
+/// `text` with every byte mapped by the C library's `tolower`, as an `unsigned char`.
 [[nodiscard]] PLATFORM_API std::string StrToLower(std::string text);
 
 /// The decimal text of `number`: no padding, no plus sign, no grouping.
@@ -37,17 +37,17 @@ namespace NS_ASCII {
 ///
 /// Letters, digits and `-._*` stay, a space becomes '+', every other byte becomes '%' and its value in
 /// lower-case hexadecimal **without a leading zero** ("%9" for tab). Differs from RFC 3986 and from HTML
-/// forms in that, and in the encoding of line ends: CR LF gives "%0d%0a", and so does a LF before another
-/// escape or at the end; a LF before a plain character gives "%a", a lone CR "%d". Required: a CR before a
-/// byte 0xA0 to 0xAF is encoded like one before LF ("%0d%0a9" for CR, 0xA9).
+/// forms in that, and in the encoding of line ends: CR LF gives "%0d%0a", and so does an LF before an escaped
+/// byte or at the end; an LF before any other byte gives "%a", a lone CR "%d". Required: a CR before a byte
+/// 0xA0 to 0xAF is encoded like one before LF ("%0d%0a9" for CR, 0xA9).
 [[nodiscard]] PLATFORM_API std::string GetURLEncoding(std::string text);
 
 /// Decodes '+' to space and percent escapes to bytes; converts no code set.
 ///
-/// The two characters after a '%', or the one before the next '%', are consumed and read as C++
-/// streams read a hexadecimal integer: a sign, white space and "0x" are accepted, one digit is enough,
-/// no digit gives NUL ("%zz"). An empty or blank escape repeats the byte of the escape before it, NUL at
-/// first; a '%' at the very end is dropped.
+/// Up to two characters after a '%', those before the next '%' and the end of the text, are consumed and read
+/// as C++ streams read a hexadecimal integer: a sign, white space and "0x" are accepted, one digit is enough,
+/// no digit gives NUL ("%zz"). An escape that is empty or white space repeats the byte of the previous
+/// escape, or gives NUL if there is none; a '%' at the very end is dropped.
 /// So this is not the inverse of `GetURLEncoding`: "a%ab" is 'a' and the byte 0xAB.
 [[nodiscard]] PLATFORM_API std::string GetURLDecoding(std::string text);
 
