@@ -9,7 +9,6 @@ import pathlib
 import re
 import subprocess
 import sys
-import unittest
 
 PROJECT = pathlib.Path(__file__).resolve().parent.parent.parent
 LIST = pathlib.Path(__file__).with_name("words.txt")
@@ -29,8 +28,9 @@ class Rule:
 
     def places(self, words):
         """The beginnings of the word in the text, except inside allowed phrases."""
-        spared = [match.span() for match in self.allowed.finditer(words)]
-        for match in self.pattern.finditer(words):
+        matches = list(self.pattern.finditer(words))
+        spared = [match.span() for match in self.allowed.finditer(words)] if matches else []
+        for match in matches:
             if not any(begin <= match.start() and match.end() <= end for begin, end in spared):
                 yield match.start(), match.group()
 

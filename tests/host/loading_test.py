@@ -138,7 +138,7 @@ class Loading(HostTest):
         self.assertEqual(done.returncode, 0, done)
         self.assertIn("is still mapped: it is linked with -z nodelete", done.stdout)
 
-    def test_a_link_whose_target_has_no_factory_either_is_told_by_the_links_name(self):
+    def test_a_link_whose_target_has_no_factory_either_is_reported_by_the_links_name(self):
         link = os.path.join(self.dir, "libother.so")
         os.symlink(broken("no_factory"), link)
         self.assert_fails(self.host("-b", link, "bundles"), 1, "has no factory _make_other;")

@@ -105,7 +105,7 @@ class Signals(HostTest):
         self.assertEqual(self.end(process), (143, "", "bundle_host: interrupted by SIGTERM\n"))
 
     def test_a_signal_while_bundles_are_loaded_keeps_the_next_from_loading(self):
-        # A read of the bundle goes on after the signal.
+        # A read of the bundle continues after the signal.
         process = self.start("-b", broken("init_hangs"), "-b", "/none.so", "bundles")
         self.assertEqual(process.stdout.readline(), "init begins\n")
         process.send_signal(signal.SIGTERM)
