@@ -35,9 +35,9 @@ Action ParseSet(const Words& words) {
 Action ParseUnset(const Words& words) {
   return [name = words[1]](Session&) {
     if (!UnsetItem(name)) {
-      throw Failure("unset: there is no item '" + name + "'" +
-                        DidYouMean(name, ItemNames(), "; 'items' lists them"),
-                    1);
+      throw Failure(
+          "unset: there is no item '" + name + "'" + DidYouMean(name, ItemNames(), "; 'items' lists them"),
+          1);
     }
   };
 }
