@@ -10,7 +10,8 @@
 
 namespace NS_ASCII {
 
-/// Memory for the immutable pieces of the alarm table. A piece never moves; all are freed together.
+/// Memory for the nodes and texts of the alarm table, called pieces. A piece never moves; all are freed
+/// together.
 ///
 /// A piece is identified by a 32-bit number instead of a pointer, which halves the size of references to it.
 /// Numbers count units of four bytes, so an arena holds up to 16 GiB. Chunks double in size, so the chunk of
@@ -40,7 +41,7 @@ class AlarmArena {
     return chunks_[chunk].get() + (ref - FirstOf(chunk)) * kUnitBytes;
   }
 
-  /// Bytes allocated, for reports.
+  /// Bytes allocated; for tests and measurements.
   [[nodiscard]] std::size_t ReservedBytes() const;
 
  private:
@@ -58,7 +59,7 @@ class AlarmArena {
     }
     return static_cast<Size>(units * kUnitBytes);
   }
-  /// Chunk k starts after the 2^k - 1 first-chunk sizes of all smaller ones.
+  /// The first unit of the chunk: the smaller chunks have (2^chunk - 1) times the units of chunk 0.
   static constexpr std::uint64_t FirstOf(unsigned chunk) {
     return ((std::uint64_t{1} << chunk) - 1) << kFirstChunkBits;
   }

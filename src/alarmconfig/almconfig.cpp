@@ -17,7 +17,7 @@ namespace NS_ASCII {
 namespace {
 
 constexpr std::size_t kLineBufferBytes = 1024;
-constexpr std::streamsize kReadCount = 1023;  // NUL included, so a line has at most 1,022 characters
+constexpr std::streamsize kReadCount = 1023;  // NUL included, so a line has at most 1,022 bytes
 
 void LogRejected(RejectReason reason, std::string_view text) {
   LogFormatted(reason == RejectReason::kEmptyPart ? messages::kEmptyField : messages::kTooManyFields,
@@ -51,7 +51,8 @@ int Alarm_Config_Param::LoadConfig(const char* path) {
   }
   std::vector<AlarmRecordView> records;
   std::array<char, kLineBufferBytes> line;
-  // Required: only the end of the file ends the loop; after a failed read it runs forever (see the header).
+  // Required: only the end of the file ends the loop. On a line that is too long getline sets failbit; then
+  // it reads nothing more, so the end never comes.
   while (!file.eof()) {
     file.getline(line.data(), kReadCount, file.widen('\n'));
     LoadLine(line.data(), records);

@@ -15,11 +15,11 @@ namespace NS_ASCII {
 using FieldList = std::vector<std::string>;
 
 /// The process-wide alarm configuration: the records of the lines of `AlarmConfig.csv` (see `almgrammar.h`).
-/// Lines have at most 1,022 characters, a CR before the LF included. A line with too few columns is ignored
-/// without a message; a line with an empty or a sixth part is ignored and logged.
+/// Lines have at most 1,022 bytes, a CR before the LF included. A line with too few columns is ignored
+/// without a message; for a line with an empty or a sixth part a message is logged.
 ///
-/// Invariants: records are added or get a new value, and are never removed; a line with a bad part adds
-/// nothing.
+/// Invariants: records are added or get a new value, and are never removed; a line with an empty or a sixth
+/// part adds nothing.
 ///
 /// Threads: one thread at a time loads or inserts. Any thread may call `GetValue` at any time, also during a
 /// load, and `Instance`.
@@ -28,21 +28,21 @@ using FieldList = std::vector<std::string>;
 /// Binary contract: the virtual table has the one slot of `LoadConfig`, so the destructor is not virtual.
 class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor)
  public:
-  /// A separate configuration, for tests and tools; the library uses `Instance`.
+  /// A separate configuration, for tests; the library and `almcfg` use `Instance`.
   Alarm_Config_Param() = default;
   Alarm_Config_Param(const Alarm_Config_Param&) = delete;
   Alarm_Config_Param& operator=(const Alarm_Config_Param&) = delete;
 
-  /// The one configuration of the process, made on first use, destroyed at unload or exit.
+  /// The one configuration of the process, created on first use, destroyed at unload or exit.
   static Alarm_Config_Param* Instance();
 
   /// Slot 1, the only one. Adds the records of the file `path` (NUL-terminated) to the table. Returns 0; a
   /// file that cannot be opened, or is a directory, changes and logs nothing.
-  /// Required: the load ends only at the end of the file. After a line of 1,023 characters or more, or a
-  /// failed read, the stream never reaches it and the call never returns.
+  /// Required: the load ends only at the end of the file. After a line of 1,023 bytes or more, or a failed
+  /// read, the stream never reaches it and the call never returns.
   virtual int LoadConfig(const char* path);
 
-  /// Adds the record, or sets the value of the entry with equal keys; adds the third column to its set.
+  /// Adds the record, or sets the value of the entry with an equal key; adds the third column to its set.
   void InsertRecord(const AlarmConfigRecord& record);
 
   /// Copies the value for `key`, whose own `value` is ignored, to `value` and returns 0; returns -1, `value`
@@ -64,14 +64,15 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
   /// -1, `record` unchanged.
   int ListToRecord(const FieldList& fields, AlarmConfigRecord& record, const std::string& line);
 
-  /// For each alternative, sets key1 (`mode` 1), key2 (`mode` 2) or nothing (any other mode) of `record` to
-  /// it and appends a copy of `record` to `records`. `record` must not be an element of `records`.
+  /// For each alternative, stores it in `record.key1` (`mode` 1) or `record.key2` (`mode` 2), or nowhere (any
+  /// other mode), and appends a copy of `record` to `records`. `record` must not be an element of `records`.
   void ExpandField(const FieldList& alternatives, AlarmConfigRecord& record,
                    std::vector<AlarmConfigRecord>& records, unsigned mode);
 
-  /// Inserts every combination of the five columns in `fields`: appends the alternatives of column 1 to
-  /// `byKey1` and all combinations to `all`, two different vectors, then inserts all elements of `all` in
-  /// order. Inserts nothing when a column is bad. `fields` is overwritten; `line` is for the message.
+  /// Inserts every combination of the five columns in `fields`: appends one record for each alternative of
+  /// column 1 to `byKey1` and one for each combination to `all`, two different vectors, then inserts all
+  /// elements of `all` in order. Inserts nothing when there are not five columns, or when column 1 or 2 has
+  /// an empty or a sixth alternative. `fields` is overwritten; `line` is for the message.
   void AddLine(FieldList& fields, std::vector<AlarmConfigRecord>& byKey1, std::vector<AlarmConfigRecord>& all,
                const std::string& line);
 

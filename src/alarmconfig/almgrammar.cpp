@@ -8,8 +8,8 @@
 namespace NS_ASCII {
 namespace {
 
-/// Splits `text`, a part of `lineAsRead`, into `parts`. Marks `line` as rejected and returns false when a
-/// part is bad.
+/// Splits `text`, which lies in `lineAsRead`, into `parts`. Marks `line` as rejected and returns false at an
+/// empty or a sixth part.
 bool SplitOrReject(std::string_view lineAsRead, std::string_view text, SplitText split,
                    std::string_view separator, PartList& parts, ParsedLine& line) {
   const std::optional<BadPart> bad = SplitParts(text, separator, parts);

@@ -28,8 +28,8 @@ inline constexpr std::size_t kMaxParts = 5;
 /// What a load does with a line.
 enum class LineOutcome {
   kSkipped,        ///< a comment or an empty line
-  kTooFewColumns,  ///< ignored without a message; also a line of blanks
-  kRejected,       ///< ignored with a message: an empty or a sixth part
+  kTooFewColumns,  ///< ignored without a message; also a line of white space only
+  kRejected,       ///< a message is logged: an empty or a sixth part
   kAccepted,       ///< all its records are inserted
 };
 
@@ -52,7 +52,7 @@ class PartList {
   std::size_t size_ = 0;
 };
 
-/// The part because of which a text is rejected.
+/// The empty or sixth part that makes a text invalid.
 struct BadPart {
   RejectReason reason;
   std::size_t index;      ///< from 0
@@ -67,8 +67,8 @@ std::optional<BadPart> SplitParts(std::string_view text, std::string_view separa
 /// Why a line is rejected.
 struct Rejection {
   RejectReason reason{};
-  SplitText split{};        ///< the text that was being split:
-  std::string_view text;    ///< the trimmed line, or the column
+  SplitText split{};        ///< which text was being split
+  std::string_view text;    ///< that text: the trimmed line, or the column
   std::size_t partIndex{};  ///< the bad part's index in that text, from 0
   std::size_t offset{};     ///< the bad part's first byte, counted from the start of the line as read
 };

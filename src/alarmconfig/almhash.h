@@ -12,13 +12,13 @@
 /// they must never be stored or decide an order.
 namespace NS_ASCII {
 
-/// A hash table's secret: an author of a file who does not know it cannot choose keys that collide.
+/// The secret of a hash table. The author of a file does not know it and so cannot choose keys that collide.
 struct HashKey {
   std::uint64_t first = 0x9E3779B97F4A7C15U;
   std::uint64_t second = 0xD1B54A32D192ED03U;
 };
 
-/// A random key; the default key early at boot, before the system can supply random bytes.
+/// A random key; the default key if the system has no random bytes yet, early at boot.
 inline HashKey DrawHashKey() {
   HashKey key;
   static_cast<void>(getrandom(&key, sizeof key, GRND_NONBLOCK));
@@ -67,7 +67,7 @@ class TextHash {
     return word;
   }
 
-  /// The two halves of the 128-bit product, in which each bit depends on both factors.
+  /// The two halves of the 128-bit product, combined by XOR.
   static std::uint64_t Folded(std::uint64_t a, std::uint64_t b) {
     __extension__ using Product = unsigned __int128;
     const Product product = static_cast<Product>(a) * b;

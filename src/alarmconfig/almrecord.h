@@ -6,8 +6,7 @@
 
 namespace NS_ASCII {
 
-/// The four fields that identify an entry, in the order in which entries are compared. Views of the caller's
-/// texts.
+/// The key of a record, in the order in which keys are compared. Views of the caller's texts.
 struct AlarmKey {
   std::string_view key1;    ///< column 1, one of its alternatives
   std::string_view key2;    ///< column 2, one of its alternatives
@@ -15,13 +14,13 @@ struct AlarmKey {
   std::string_view numKey;  ///< column 4
 };
 
-/// An entry whose fields are all views, for example into one line.
+/// A record whose texts are all views, for example into one line.
 struct AlarmRecordView : AlarmKey {
   std::string_view value;  ///< column 5
 };
 
-/// An entry that owns its texts.
-/// Required: column 4 is declared before column 3; callers fill records by position.
+/// A record that owns its texts.
+/// Required: column 4 is declared before column 3; records are filled by position.
 struct AlarmConfigRecord {
   std::string key1;    ///< column 1, one of its alternatives
   std::string key2;    ///< column 2, one of its alternatives

@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::size_t kFirstSlots = 64;
 
-/// The largest node number that fits a slot of an array with `count` slots. Nodes of ordinary length, up to
-/// 128 bytes for each slot, stay below it; longer ones make the array grow earlier.
+/// The largest node number that fits a slot of an array with `count` slots. It leaves 128 bytes of node
+/// memory for each slot; if the nodes need more, the array grows before three quarters of it are used.
 constexpr AlarmArena::Ref LargestRef(std::size_t count) {
   constexpr std::uint64_t kUnitsPerSlot = 128 / AlarmArena::kUnitBytes;
   constexpr std::uint64_t kMost = std::numeric_limits<AlarmArena::Ref>::max();
@@ -214,7 +214,7 @@ void AlarmTable::Grow() {
   auto larger = std::make_unique<SlotArray>(count, nullptr);
   std::vector<std::uint32_t> hashes(count);
   for (std::size_t i = 0; old != nullptr && i <= old->mask; ++i) {
-    // Relaxed throughout: the new array is not published yet.
+    // Relaxed throughout: only this thread changes the old array, and the new one is not published yet.
     const std::uint32_t word = old->slots[i].load(std::memory_order_relaxed);
     if (word == 0) {
       continue;

@@ -21,7 +21,7 @@ namespace NS_ASCII {
 /// *descending* order.
 bool ComesBefore(const AlarmKey& a, const AlarmKey& b);
 
-/// The alarm configuration: an insert-only hash table with lock-free readers.
+/// The table of the alarm configuration: an insert-only hash table with lock-free readers.
 ///
 /// Invariants
 ///  1. A node is written completely before a slot with its number is published, with release; readers load
@@ -77,7 +77,7 @@ class AlarmTable {
   /// Visits every entry in the table's order. The texts stay valid as long as the table.
   void ForEach(const std::function<void(const AlarmKey&, std::string_view value)>& visit) const;
 
-  /// Bytes allocated for entries, values and slots, for reports.
+  /// Bytes allocated for entries, values and slots; for tests and measurements.
   [[nodiscard]] std::size_t ReservedBytes() const;
 
  private:
@@ -133,12 +133,14 @@ class AlarmTable {
 
   const HashKey hashKey_ = DrawHashKey();
 
-  // Used by the writer only.
+  // Changed by the writer only. Readers use them through numbers that were published.
   AlarmArena nodes_;
   AlarmTextPool values_;
+
+  // Used by the writer only.
   std::vector<std::uint32_t> hashes_;  // Of the keys of one `InsertAll`.
-  // The whole hash of each used slot of the current array. Computing them again whenever the array grows
-  // would double the time of a load.
+  // The whole hash of each used slot of the current array. Computing the hashes again whenever the array
+  // grows would double the time of a load.
   std::vector<std::uint32_t> slotHashes_;
 
   // Read by all threads. Owned: the current array, which owns the older ones.

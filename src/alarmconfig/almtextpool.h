@@ -12,8 +12,8 @@
 
 namespace NS_ASCII {
 
-/// A set of texts that never shrinks: the set of all third columns, and the store of the configured values,
-/// so that loading the same values again takes no memory.
+/// A set of texts that never shrinks, used for the third columns and for the configured values. Adding a text
+/// again takes no memory.
 ///
 /// Texts are byte strings of less than 4 GiB, embedded NULs included.
 /// Threads: one writer calls `Intern`. Any thread may call `Text` for a number that it received through a
@@ -37,7 +37,7 @@ class AlarmTextPool {
   [[nodiscard]] bool Contains(std::string_view text) const;
   [[nodiscard]] std::size_t size() const { return size_; }
 
-  /// Bytes allocated, for reports.
+  /// Bytes allocated; for tests and measurements.
   [[nodiscard]] std::size_t ReservedBytes() const;
 
  private:

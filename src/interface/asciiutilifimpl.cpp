@@ -1,5 +1,5 @@
 // The fourteen operations of the interface. They keep no state, so any thread may call them.
-// The process owns the configuration and the loggers that they use.
+// The configuration is a singleton; the loggers belong to the log service.
 
 #include "src/interface/asciiutilifimpl.h"
 
@@ -39,7 +39,7 @@ std::string AsciiUtilInterfaceImpl::GetTimeStamp() {
   if (gmtime_r(&now, &utc) == nullptr) {
     return {};
   }
-  // The sum may exceed an `int`. Cut to one, it still has more than four digits and does not fit the buffer.
+  // The sum may exceed an `int`. The wrapped value has more than four digits too, so sprintf_s rejects it.
   const int year = static_cast<int>(std::int64_t{utc.tm_year} + 1900);
   std::array<char, 20> stamp;
   if (sprintf_s(stamp.data(), stamp.size(), "%4d-%02d-%02d%s%02d:%02d:%02d", year, utc.tm_mon + 1,
@@ -103,7 +103,7 @@ std::string AsciiUtilInterfaceImpl::GetKeyValue(const std::string& key, const st
 
 std::int64_t AsciiUtilInterfaceImpl::ParseListMap(ListMap& map, const std::string& text) {
   ListMap previous;
-  map.swap(previous);  // `text` may be one of its strings.
+  map.swap(previous);  // Keeps the old content until it is split: `text` may be one of its strings.
   std::vector<std::string> entries;
   SplitStr(text, ",", entries);
   previous.clear();

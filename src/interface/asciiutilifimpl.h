@@ -44,12 +44,12 @@ class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
   std::int64_t WriteDbgLog(const std::string& message) override;
 
  private:
-  /// `SplitAtFirst`. Required: these two are members of the class.
+  /// Calls `SplitAtFirst`. Required: `SplitFirst` and `ParseListEntry` are members of the class.
   static bool SplitFirst(const std::string& source, std::string& head, std::string& tail,
                          const std::string& delimiters);
 
-  /// Parses one entry name=item|item, or PATH=item-item. Sets `name`, which stays unchanged without a "=",
-  /// and appends to `items`.
+  /// Parses one entry name=item|item, or PATH=item-item. Sets `name`, unless `entry` has no "=", and appends
+  /// to `items`.
   void ParseListEntry(const std::string& entry, std::string& name, std::vector<std::string>& items);
 };
 

@@ -25,8 +25,8 @@ std::size_t FindSeparator(std::string_view text, std::string_view separator, std
                           : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
 }
 
-/// Reserves space for `count` more strings, and at least doubles the capacity if it grows: a list that is
-/// appended to again and again must not be moved each time.
+/// Reserves space for `count` more strings. Grows at least by a factor of two, so that repeated appending
+/// takes linear time.
 void ReserveMore(std::size_t count, std::vector<std::string>& list) {
   if (list.capacity() - list.size() < count) {
     list.reserve(std::max(list.size() + count, 2 * list.capacity()));

@@ -15,13 +15,14 @@ namespace NS_ASCII {
 void AppendPieces(const std::string& text, const std::string& separator, std::vector<std::string>& pieces);
 
 /// Splits `source` at its first character that is one of `delimiters` and returns true: `head` is what
-/// precedes it, `tail` starts `delimiters.size()` characters after its start. Without such a character it
-/// returns false and leaves both unchanged. Throws `std::out_of_range` as `std::string::substr` does when the
-/// tail would start after the end of `source`, which takes several delimiters; `head` is then already set.
+/// precedes it. Required: `tail` is what remains after skipping `delimiters.size()` characters from that
+/// character on, although only one of the delimiters matched. With several delimiters this may skip more than
+/// `source` has; then `std::out_of_range` is thrown and `head` is already set. Without such a character the
+/// result is false and both are unchanged.
 bool SplitAtFirst(const std::string& source, std::string& head, std::string& tail,
                   const std::string& delimiters);
 
-/// What separates the items of the entry `name`.
+/// The separator of the items of the entry `name`.
 const char* ItemSeparator(const std::string& name);
 
 /// Copies the list of `name` to `items` and returns true. Returns false, `items` unchanged, when `map` has no

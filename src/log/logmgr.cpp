@@ -1,5 +1,6 @@
 // The log manager and its thread-specific storage of debug positions. The log manager lies in static storage;
-// each thread's record belongs to the storage. Any thread may log; logmgr.h says who may release.
+// each thread's record belongs to the storage. Any thread may log; logmgr.h says when `Release` may be
+// called.
 
 #include "src/log/logmgr.h"
 
@@ -29,7 +30,8 @@ std::atomic<LogMgr*> theLogMgr{nullptr};
 
 alignas(LogMgr) unsigned char logMgrPlace[sizeof(LogMgr)];
 
-/// ACE logs this itself, but its line number depends on the compiler; log watchers expect 90.
+/// Logs what ACE's own macro would log. The macro's line number would be a source line; log watchers expect
+/// 90.
 void ReportFailedSlot() {
   const int error = ACE_Log_Msg::last_error_adapter();
   if (ACE_Log_Category_TSS* const log = ACE_Log_Category::ace_lib().per_thr_obj(); log != nullptr) {
@@ -40,7 +42,8 @@ void ReportFailedSlot() {
 
 }  // namespace
 
-/// Exists from the load of the library to its unload. Required: the lock and the map, which nothing uses.
+/// Exists from the load of the library to its unload. Required: `lock_` and `names_`, although nothing uses
+/// them.
 class ModuleState {
  public:
   ModuleState() = default;

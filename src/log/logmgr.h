@@ -11,7 +11,7 @@
 
 namespace NS_ASCII {
 
-/// The thread-specific storage of debug positions: one record for each thread, made on the thread's first
+/// The thread-specific storage of debug positions: one record for each thread, created on the thread's first
 /// access and destroyed when the thread ends.
 ///
 /// The thread key's clean-up is code of this library, so the key must not outlive the library's mapping:
@@ -21,8 +21,8 @@ class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
   PosStorage() = default;
   ~PosStorage() override;
 
-  /// The calling thread's record. Null when the storage is closed, or when the record cannot be made or
-  /// stored; a failed store is reported to ACE's error log.
+  /// The calling thread's record, created if it is missing. Null when the storage is closed, or when the
+  /// record cannot be created or stored; a failed store is reported to ACE's error log.
   NS_LOG_SERVICE1::PosForDbg* Record();
 
   /// Destroys the calling thread's record and frees the thread key. Records of other threads stay allocated:
@@ -32,6 +32,7 @@ class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
   [[nodiscard]] bool IsClosed() const { return closed_.load(std::memory_order_acquire); }
 
  private:
+  /// Creates the thread key if there is none yet; false when that fails.
   bool HasKey();
   [[nodiscard]] bool Store(NS_LOG_SERVICE1::PosForDbg* record) const;
 
@@ -42,24 +43,26 @@ class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
 /// Logs messages with the calling thread's debug position, through a logger of its own. Nothing sets a
 /// position, so file and function are always empty.
 ///
-/// Required: there is one log manager, made on first use, and only `Release` destroys it. It lies in static
-/// storage. At unload and at process exit only its thread key is freed (see `ModuleState` in logmgr.cpp);
-/// messages after that are logged with an empty position.
+/// Required: there is one log manager, created on first use, and only `Release` destroys it. It lies in
+/// static storage. At unload and at process exit only its thread key is freed (see `ModuleState` in
+/// logmgr.cpp); later messages are logged too.
 ///
 /// Ownership: `Release` destroys the logger. Nothing in the library calls `Release`, so in production the
 /// logger stays with the log service.
 /// Threads: `Instance` and `LogPos` from any thread; `Release` only while no other thread uses either.
 class LogMgr : private ACE_Copy_Disabled {
  public:
-  /// The log manager, made on first use under ACE's static object lock, which is held while the logger is
+  /// The log manager, created on first use under ACE's static object lock, which is held while the logger is
   /// fetched. Null when that lock cannot be taken.
   static LogMgr* Instance();
 
-  /// Destroys the log manager, if there is one, and its logger. The next `Instance` makes a new log manager.
+  /// Destroys the log manager, if there is one, and its logger. The next `Instance` creates a new log
+  /// manager.
   static void Release();
 
   /// Logs `message` at level 0 with the calling thread's position. The message is dropped when there is no
-  /// logger, which is fetched once, when the log manager is made, or no record for the thread.
+  /// logger, which is fetched only once, when the log manager is created, or when the thread's record cannot
+  /// be created.
   void LogPos(const std::string& message);
 
  private:

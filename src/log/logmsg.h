@@ -10,13 +10,13 @@
 /// released. Without a log service or a logger the message is dropped, and the next one tries again. The
 /// logger belongs to the log service and must stay usable as long as this library is loaded.
 ///
-/// Threads: any. The logger is read and written without a lock: of several concurrent first messages each may
-/// fetch a logger, and the last result is kept. `_g_actualmutex` is held while the library's null interface
-/// is created and while an interface is searched, never across a call into the log service.
+/// Threads: any. The logger is read and written without a lock: concurrent first messages may each fetch a
+/// logger, and the last one stored is used. `_g_actualmutex` is held while the library's null interface is
+/// created and while an interface is searched, never during a call into the log service.
 ///
-/// Errors: a missing log service, a failed lookup, and an exception of `GetLogger` only drop the message. An
-/// exception that a lookup must not throw ends the process. Exceptions of the registry and of the logger
-/// reach the caller.
+/// Errors: a missing log service, a failed lookup, and an exception of `GetLogger` only drop the message. Any
+/// other exception of the lookup ends the process. Exceptions of the registry and of the logger reach the
+/// caller.
 namespace NS_ASCII {
 
 /// Sends the message.

@@ -4,7 +4,7 @@
 /// Every message that the bundle sends to the log service or to ACE's log.
 ///
 /// Required: tag, number, level and text never change, spelling mistakes included; log watchers search for
-/// them. The numbers are not line numbers of today's sources. docs/binary-contract.md lists the same
+/// them. The numbers are not line numbers of the present sources. docs/binary-contract.md lists the same
 /// messages, and a test compares the two.
 namespace NS_ASCII::messages {
 
@@ -12,7 +12,7 @@ namespace NS_ASCII::messages {
 struct Message {
   const char* tag;   ///< sent as the file
   int number;        ///< sent as the line
-  int level;         ///< 0 details, 1 decisions and errors of the configuration, 2 starts
+  int level;         ///< 0 details, 1 decisions and errors, 2 the start of the service and its failure
   const char* text;  ///< sent as the message, or as the format where a message takes a value
 };
 

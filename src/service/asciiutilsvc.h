@@ -12,9 +12,11 @@ namespace NS_ASCII {
 /// `init`.
 ///
 /// Life cycle: factory (registers the interface as "AsciiUtilInterface"), `init`, `fini`, exterminator. The
-/// interface can be called as soon as it is registered. The base withdraws and destroys it.
+/// interface can be called as soon as it is registered. The base's destructor removes it from the registry
+/// and destroys it.
 ///
-/// Invariants: no data members. `fini` is declared before `init`, which fixes their slots.
+/// Invariants: no data members. `fini` is declared before `init`: the order of declaration fixes the two
+/// slots that they add to the primary virtual table.
 ///
 /// Threads: the framework calls the factory, the life cycle and the exterminator one at a time; no lock is
 /// taken. Each `init` loads the file again, while other threads may be using the interface.
@@ -26,8 +28,8 @@ class ii_ascii_util : public NS_BUNDLEMGR1::ServiceObjectBase {
   /// Required: does nothing.
   void SvcHook() override;
 
-  /// Makes a new interface, stores it instead of the previous one, which is not freed, and returns it; does
-  /// not register it.
+  /// Creates a new interface, stores it and returns it; does not register it. Required: the previous
+  /// interface is not freed.
   NS_BUNDLEMGR1::ServiceInterface* CreateInterface() override;
 
   /// Always 0; does nothing.

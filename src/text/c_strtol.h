@@ -1,7 +1,7 @@
 #ifndef SRC_TEXT_C_STRTOL_H_
 #define SRC_TEXT_C_STRTOL_H_
 
-/// The C library's `strtol` under its plain symbol. Required: the only prefixes are "0x" and a leading zero.
+/// The C library's `strtol`, bound by its symbol. Required: the only prefixes are "0x" and a leading zero.
 /// The headers of newer C libraries redirect the name `strtol`, and its whole family, to functions that also
 /// accept "0b".
 ///

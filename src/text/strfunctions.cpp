@@ -19,8 +19,8 @@ const __locale_struct& BuiltInLocale() {
   return *builtIn;
 }
 
-/// Case mapping in the built-in locale: changes the case of those characters of `text` that are one of the 26
-/// letters from `firstLetter` on. Several times faster than a table, since compilers vectorise the loop.
+/// Case mapping in the built-in locale: changes the case of the letters from `firstLetter` to `firstLetter` +
+/// 25. Several times faster than a table, since compilers vectorise the loop.
 void FlipLetters(std::string& text, char firstLetter) {
   for (char& c : text) {
     c = static_cast<char>(c ^ (static_cast<unsigned char>(c - firstLetter) < 26 ? 0x20 : 0));

@@ -11,16 +11,16 @@
 /// Text functions that several units use. Any thread may call them; only `StrToUpperSigned` uses the locale.
 namespace NS_ASCII {
 
-/// Whether trimming removes `c`: blank, tab, line feed or carriage return.
+/// Whether `c` is white space, which trimming removes: blank, tab, line feed or carriage return.
 constexpr bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
-/// A copy of `text` without its leading blanks.
+/// A copy of `text` without its leading white space.
 std::string TrimLeft(const std::string& text);
 
-/// A copy of `text` without its trailing blanks.
+/// A copy of `text` without its trailing white space.
 std::string TrimRight(const std::string& text);
 
-/// A view into `text` without its leading blanks.
+/// A view into `text` without its leading white space.
 inline std::string_view TrimLeftView(std::string_view text) {
   while (!text.empty() && IsBlank(text.front())) {
     text.remove_prefix(1);
@@ -28,7 +28,7 @@ inline std::string_view TrimLeftView(std::string_view text) {
   return text;
 }
 
-/// A view into `text` without its trailing blanks.
+/// A view into `text` without its trailing white space.
 inline std::string_view TrimRightView(std::string_view text) {
   while (!text.empty() && IsBlank(text.back())) {
     text.remove_suffix(1);
@@ -36,14 +36,15 @@ inline std::string_view TrimRightView(std::string_view text) {
   return text;
 }
 
-/// A view into `text` without its leading and trailing blanks.
+/// A view into `text` without its leading and trailing white space.
 inline std::string_view TrimView(std::string_view text) { return TrimRightView(TrimLeftView(text)); }
 
 /// `text` in upper case, each byte passed to the C library as a signed value. `StrToUpper` passes unsigned
 /// ones; in a few locales the two differ for byte 0xFF.
 std::string StrToUpperSigned(std::string text);
 
-/// Whether `text` is an element of `list`, which appending to the list may move.
+/// Whether `text` is one of the objects in `list`, so that appending to the list may invalidate it. Does not
+/// compare texts.
 bool IsElementOf(const std::string& text, const std::vector<std::string>& list);
 
 }  // namespace NS_ASCII

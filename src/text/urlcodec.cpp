@@ -12,11 +12,11 @@
 
 #include "framework/platform_util.h"
 
-// Required: receivers know line ends as three replacements in the encoded text left them: "%d%a" by "%0d%0a",
-// then "%a%" by "%0d%0a%", then a final "%a" by "%0d%0a". For single bytes that means:
+// Required: the result is as if three replacements were made in the encoded text, in this order: "%d%a" by
+// "%0d%0a", "%a%" by "%0d%0a%", a final "%a" by "%0d%0a". For single bytes that means:
 //
-//   CR, when the escape of the next byte starts with "%a" (LF, or 0xA0 to 0xAF): "%0d%0a" for both of them,
-//   followed by that escape's third character if it has one; otherwise "%d".
+//   CR, when the escape of the next byte starts with "%a" (LF, or 0xA0 to 0xAF): the two escapes become
+//   "%0d%0a", followed by the third character of the second one if it has one; otherwise "%d".
 //   LF that does not follow such a CR: "%0d%0a" when it is the last byte or an escape follows, otherwise
 //   "%a".
 //
@@ -27,8 +27,8 @@ namespace {
 
 constexpr std::string_view kLineEnd = "%0d%0a";
 
-/// The code of one byte. CR and LF have length 0 and the start of their escape as text: their code depends on
-/// the next byte.
+/// The code of one byte. CR and LF have `length` 0, because their code depends on the next byte; their `text`
+/// is the start of their escape, which a preceding CR or LF examines.
 struct ByteCode {
   char text[3];
   unsigned char length;
@@ -74,8 +74,8 @@ std::size_t MaxEncodedLength(std::string_view text) {
 char* Append(std::string_view text, char* out) { return out + text.copy(out, text.size()); }
 
 /// Encodes the CR or LF at `in`, and the byte after a CR if both become one line end. Moves `in` past them
-/// and returns the end of the output. The NUL that terminates the text counts as the next byte of its last
-/// one; its code starts with '%' like that of any escaped byte.
+/// and returns the end of the output. At the end of the text the next byte is the terminating NUL, whose code
+/// starts with '%' like that of any escaped byte.
 char* EncodeLineEnd(const char*& in, char* out) {
   const char lineEnd = *in++;
   const ByteCode& next = CodeOf(*in);
