@@ -1,9 +1,6 @@
-// The platform for the bundle's objects in this program: no bundles, no configuration, no log. It defines every
-// symbol that framework/ declares, so that answers come from the bundle's own operations.
-
-#include <cstdarg>
-#include <cstdio>
-#include <string_view>
+// The platform for the bundle's objects in this program: no bundles, no configuration, no log. With the host's
+// text utilities (host/platform/platform_util.cpp) it defines every symbol that framework/ declares, so that
+// answers come from the bundle's own operations. Any thread may call.
 
 #include "framework/bundle_mgr.h"
 #include "framework/config_items.h"
@@ -57,19 +54,6 @@ void ServiceObjectBase::RemoveInterface() {
 
 }  // namespace NS_BUNDLEMGR1
 
-namespace NSTE_util {
-
-std::string Trim(const std::string& text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  return first == std::string::npos ? std::string()
-                                    : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-std::string Num2Str(int number) { return std::to_string(number); }
-
-}  // namespace NSTE_util
-
 namespace KelpGlobalUtils {
 
 int KelpCodeSetConvert(const std::string& /*fromCode*/, const std::string& /*toCode*/,
@@ -78,11 +62,3 @@ int KelpCodeSetConvert(const std::string& /*fromCode*/, const std::string& /*toC
 }
 
 }  // namespace KelpGlobalUtils
-
-extern "C" int sprintf_s(char* buffer, std::size_t size, const char* format, ...) {
-  va_list values;
-  va_start(values, format);
-  const int written = std::vsnprintf(buffer, size, format, values);
-  va_end(values);
-  return written >= 0 && static_cast<std::size_t>(written) < size ? written : -1;
-}
