@@ -22,7 +22,8 @@ struct Options {
 };
 
 /// Parses the command line, the command included, without running it. Returns the options, or the text to
-/// print for --help or --version. Throws `UsageError` with one line for an invalid option or command.
+/// print for --help or --version. Throws `UsageError` with a one-line message for an invalid option or
+/// command.
 std::variant<Options, std::string> ParseOptions(int argc, const char* const* argv);
 
 }  // namespace host

@@ -26,7 +26,7 @@ class PLATFORM_API Problem : public std::runtime_error {
   std::size_t word_;
 };
 
-/// The command is invalid; nothing was done. As the program's command it gives exit code 2.
+/// The command is invalid; nothing was done. On the program's command line it gives exit code 2.
 class PLATFORM_API UsageError : public Problem {
  public:
   explicit UsageError(const std::string& message, std::size_t word = 0) : Problem(message, word) {}
@@ -51,13 +51,14 @@ class PLATFORM_API LineError : public UsageError {
   std::size_t reasonAt_;
 };
 
-/// The command is valid, but failed. As the program's command it gives exit code 1.
+/// The command is valid, but failed. On the program's command line it gives exit code 1.
 class PLATFORM_API Failure : public Problem {
  public:
   explicit Failure(const std::string& message, std::size_t word = 0) : Problem(message, word) {}
 };
 
-/// Returns the result of `take`. Rethrows its `UsageError` or `Failure` with `index` as the wrong word.
+/// Calls `take` and returns its result. Adds `index`, as the wrong word, to a `UsageError` or `Failure` of
+/// `take`.
 template <class Take>
 decltype(auto) AtWord(std::size_t index, Take take) {
   try {

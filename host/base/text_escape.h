@@ -13,7 +13,7 @@ namespace host {
 /// Replaces every byte outside printable ASCII, and the backslash, by \xNN with lower-case digits.
 PLATFORM_API std::string EscapeBytes(std::string_view text);
 
-/// As `EscapeBytes`, and also escapes a blank at either end, which would be invisible on a line of its own.
+/// Like `EscapeBytes`, and also escapes a leading and a trailing blank, which would be invisible.
 PLATFORM_API std::string EscapeValue(std::string_view text);
 
 /// Replaces every control character by \xNN; all other bytes, the backslash included, are unchanged. For

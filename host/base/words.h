@@ -14,7 +14,7 @@ using Words = std::vector<std::string>;
 ///
 ///   line  = { blank } { word blank { blank } } ( word | [ "#" comment ] )
 ///   word  = piece { piece }; the first one does not start with "#"
-///   piece = one byte that is neither blank nor quote | "'" any but ' "'" | '"' any but " '"'
+///   piece = one byte that is neither blank nor quote, or the bytes between two equal quotes (' or ")
 ///   blank = space | tab | carriage return
 ///
 /// Between quotes every byte is literal, also the other quote, '#' and the backslash; a text with both quotes

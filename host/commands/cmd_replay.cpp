@@ -94,7 +94,7 @@ Table OperationTable(const Replay& replay) {
     if (row.Calls() != 0) {
       table.rows.push_back({std::string(recording_format::kSignatures[at].name), std::to_string(row.Calls()),
                             std::to_string(row.same), std::to_string(row.different),
-                            std::to_string(row.notCompared), Median(row.recorded), Median(row.now)});
+                            std::to_string(row.notCompared), Median(row.recorded), Median(row.replayed)});
     }
   }
   return table;
@@ -120,8 +120,8 @@ void PrintAnswer(std::ostream& out, const char* label, const std::string& lines)
 void PrintText(std::ostream& out, const Replay& replay, const ReplayOptions& options) {
   if (!replay.isConfigurationSame) {
     const auto named = [](const std::string& cksum) { return cksum.empty() ? "none" : EscapeBytes(cksum); };
-    out << "configuration: recorded with AlarmConfig.csv " << named(replay.configurationThen) << ", now "
-        << named(replay.configurationNow) << " (cksum)"
+    out << "configuration: recorded with AlarmConfig.csv " << named(replay.recordedConfiguration) << ", now "
+        << named(replay.currentConfiguration) << " (cksum)"
         << (options.compareConfiguration ? "" : "; GetAlmCfgValue is not compared") << '\n';
   }
   for (const std::string& problem : replay.reported) {
@@ -146,8 +146,8 @@ void PrintReplayJson(std::ostream& out, const Replay& replay) {
   nlohmann::ordered_json report;
   report["calls"] = CallsOf(replay);
   report["different"] = replay.differences;
-  report["configuration"] = {{"recorded", EscapeBytes(replay.configurationThen)},
-                             {"now", replay.configurationNow},
+  report["configuration"] = {{"recorded", EscapeBytes(replay.recordedConfiguration)},
+                             {"now", replay.currentConfiguration},
                              {"same", replay.isConfigurationSame}};
   report["skipped_lines"] = replay.problems;
   report["differences"] = nlohmann::ordered_json::array();

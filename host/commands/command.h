@@ -20,7 +20,7 @@ namespace host {
 enum class Completes { kNothing, kCommands, kOperations, kBundles, kItems, kFiles };
 
 /// A parsed command line. Calling it runs the command; it may run more than once.
-/// Throws `UsageError` or `Failure` with one line.
+/// Throws `UsageError` or `Failure` with a one-line message.
 using Action = std::function<void(Session&)>;
 
 struct Command {

@@ -1,4 +1,4 @@
-// The signal handlers and the number of the first signal, which belongs to the process. Handlers run on
+// The signal handlers and the number of the stored signal, which belongs to the process. Handlers run on
 // any thread; the other functions belong to the main thread.
 
 #include "host/commands/interrupt.h"
@@ -43,7 +43,7 @@ void CatchStopSignals() {
   }
   struct sigaction action {};
   action.sa_handler = OnSignal;
-  action.sa_flags = SA_RESTART;  // Code of bundles may not handle EINTR.
+  action.sa_flags = SA_RESTART;  // The code of a bundle might not handle EINTR.
   constexpr std::array<int, 3> kStopSignals{SIGINT, SIGTERM, SIGHUP};
   for (const int signal : kStopSignals) {
     sigaddset(&action.sa_mask, signal);  // A second one is delivered after the first is stored.

@@ -4,8 +4,9 @@
 #include "host/base/problem.h"
 
 /// Handles SIGINT, SIGTERM and SIGHUP. The handler stores the first signal: the running command ends at its
-/// next step, bundles are unloaded in order, and the program exits with 128 plus the signal's number. A
-/// second signal ends the process at once, because a bundle's own code cannot be interrupted.
+/// next step, bundles are unloaded in order, and the program exits with 128 plus the signal's number. After a
+/// SIGINT, a SIGTERM or SIGHUP is stored instead. Any other second signal ends the process at once, because a
+/// bundle's own code cannot be interrupted.
 ///
 /// State: of the process. Threads: signals may arrive on any; only the main thread calls the functions.
 namespace host {
@@ -19,7 +20,7 @@ int StopSignal();
 /// Clears a stored SIGINT, so that the console continues. Returns false when another signal is stored.
 bool ForgetInterrupt();
 
-/// Waits until `descriptor` is readable, at its end or failed; returns false when a signal is stored.
+/// Waits until a read of `descriptor` would not block; returns false when a signal is stored.
 bool WaitForInput(int descriptor);
 
 /// Thrown by a command that was stopped by a signal.

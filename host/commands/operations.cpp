@@ -28,7 +28,7 @@ inline constexpr bool kIsOut = std::is_lvalue_reference_v<T> && !std::is_const_v
 template <class T>
 constexpr Kind KindOf() {
   if constexpr (std::is_same_v<T, bool>) {
-    return Kind::kTruth;
+    return Kind::kBoolean;
   } else if constexpr (std::is_integral_v<T>) {
     return Kind::kInteger;
   } else if constexpr (std::is_same_v<T, std::string>) {

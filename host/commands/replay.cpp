@@ -143,15 +143,15 @@ class Player {
   Player(const ReplayOptions& options, NS_ASCII::AsciiUtilInterface& interface)
       : options_(options), target_{&interface, nullptr} {
     const std::string directory = NS_BUNDLEMGR1::GetCfgDirPath();
-    replay_.configurationNow =
+    replay_.currentConfiguration =
         directory.empty() ? "" : recording_format::Cksum(directory + "ii_asciiagent_bundle/AlarmConfig.csv");
   }
 
   void Take(const Head& head) {
-    if (head.alarmConfig != replay_.configurationNow || replay_.configurationThen.empty()) {
-      replay_.configurationThen = head.alarmConfig;
+    if (head.alarmConfig != replay_.currentConfiguration || replay_.recordedConfiguration.empty()) {
+      replay_.recordedConfiguration = head.alarmConfig;
     }
-    isSameNow_ = head.alarmConfig == replay_.configurationNow;
+    isSameNow_ = head.alarmConfig == replay_.currentConfiguration;
     replay_.isConfigurationSame = replay_.isConfigurationSame && isSameNow_;
   }
 
@@ -210,7 +210,7 @@ class Player {
       now.thrown = CurrentException();
     }
     const auto taken = std::chrono::steady_clock::now() - start;
-    row.now.push_back(std::chrono::duration_cast<std::chrono::nanoseconds>(taken).count());
+    row.replayed.push_back(std::chrono::duration_cast<std::chrono::nanoseconds>(taken).count());
     return now;
   }
 

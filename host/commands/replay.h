@@ -18,7 +18,7 @@ struct ReplayOptions {
   std::string file;
   std::vector<std::string> operations;  ///< to replay; empty: all
   std::size_t maxDifferences = 20;      ///< how many differences are kept
-  bool compareConfiguration = false;    ///< compare GetAlmCfgValue although the configuration is another one
+  bool compareConfiguration = false;    ///< compare GetAlmCfgValue even if the configuration differs
 };
 
 /// The outcome of the calls of one operation.
@@ -26,8 +26,8 @@ struct OperationReplay {
   std::size_t same = 0;
   std::size_t different = 0;
   std::size_t notCompared = 0;
-  std::vector<std::int64_t> recorded;  ///< durations in nanoseconds
-  std::vector<std::int64_t> now;       ///< durations in nanoseconds of the calls that were made
+  std::vector<std::int64_t> recorded;  ///< durations in nanoseconds in the recording
+  std::vector<std::int64_t> replayed;  ///< durations in nanoseconds of the calls that were made
 
   std::size_t Calls() const { return same + different + notCompared; }
 };
@@ -37,14 +37,14 @@ struct Difference {
   std::size_t record = 0;  ///< number of the record in the file, from 1
   std::size_t line = 0;    ///< line of the file
   std::string call;        ///< as arguments of the command `call`
-  std::string recorded;    ///< the answer, a line for each value
-  std::string now;
+  std::string recorded;    ///< the recorded answer, a line for each value
+  std::string now;         ///< the answer of the replayed call
 };
 
 /// The outcome of a replay.
 struct Replay {
-  std::string configurationThen;  ///< checksums of AlarmConfig.csv; empty without a file
-  std::string configurationNow;
+  std::string recordedConfiguration;  ///< checksums of AlarmConfig.csv; empty without a file
+  std::string currentConfiguration;
   bool isConfigurationSame = true;
   std::array<OperationReplay, recording_format::kSignatures.size()> operations;
   std::size_t differences = 0;
@@ -54,8 +54,9 @@ struct Replay {
 };
 
 /// Makes the recorded calls on `interface`, one after the other on this thread. Answers of GetTimeStamp and
-/// WriteDbgLog are not compared, nor those of GetAlmCfgValue while another configuration is loaded, unless
-/// the options ask for it. Calls that would never return are not made and count as different. Throws
+/// WriteDbgLog are not compared, nor those of GetAlmCfgValue while the loaded configuration differs from the
+/// recorded one, unless the options ask for it. Calls that would never return are not made and count as
+/// different. Throws
 /// `Failure` when the file cannot be read or holds no record.
 Replay ReplayCalls(const ReplayOptions& options, NS_ASCII::AsciiUtilInterface& interface);
 

@@ -31,7 +31,8 @@ class CopyingBuffer : public std::streambuf {
   std::ostream& target_;
 };
 
-/// The state that commands share. `loader` and `target` are borrowed. Threads: the program's main thread.
+/// The state that commands share. The loader and the output stream are borrowed. Threads: the program's main
+/// thread.
 struct Session {
   Session(Loader& itsLoader, std::ostream& target) : loader(itsLoader), printed(target), out(&printed) {}
 

@@ -15,7 +15,7 @@ namespace host {
 using TextList = std::vector<std::string>;
 using Value = std::variant<bool, std::int64_t, std::string, TextList, NS_ASCII::ListMap>;
 
-enum class Kind { kTruth, kInteger, kText, kList, kMap };
+enum class Kind { kBoolean, kInteger, kText, kList, kMap };
 
 /// A parameter or out value of an operation.
 struct Parameter {
@@ -29,9 +29,14 @@ struct Parameter {
 /// written as \x2c, \x7c or \x3d. Throws `UsageError` with the parameter, the argument and what was expected.
 Value ParseValue(const Parameter& parameter, const std::string& argument);
 
-/// Writes "LABEL: VALUE" for a truth, a number or a text; a list as "LABEL:" and one item per line, indented
-/// by two more blanks; a map as "LABEL:", its names each with ":", and their items below. Every line starts
-/// with `indent` blanks. Texts are escaped by `EscapeValue`.
+/// Writes "LABEL: VALUE" for a boolean, a number or a text; a list as "LABEL:" and one item per line,
+/// indented by two more blanks; a map as its label and each name with its list:
+///
+///   LABEL:
+///     NAME:
+///       ITEM
+///
+/// Every line starts with `indent` blanks. Texts are escaped by `EscapeValue`.
 void PrintValue(std::ostream& out, const std::string& label, const Value& value, std::size_t indent = 0);
 
 }  // namespace host

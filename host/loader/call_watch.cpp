@@ -28,8 +28,8 @@ void OnCrash(int signal, siginfo_t* info, void* /*context*/) {
       sigaction(signal, &previousActions[at], nullptr);
     }
   }
-  // Returning repeats the instruction that faulted, and so its signal; a signal that was sent must be raised
-  // again.
+  // After a fault, returning executes the instruction again, which raises the signal under the previous
+  // handler. A signal that was sent, as by kill or abort, must be raised again.
   if (info->si_code <= 0) {
     static_cast<void>(raise(signal));
   }

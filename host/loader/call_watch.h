@@ -9,13 +9,13 @@
 
 namespace host {
 
-/// Watches a call into a bundle's code from construction to destruction, and reports on standard error, with
+/// Watches a call into a bundle's code for as long as the object exists, and reports on standard error, with
 /// `what` ("init of NAME") as the name of the call:
 /// - once, while the call runs, that it takes longer than `limit`;
 /// - that it crashed, and by which signal. The process then ends by that signal as usual.
 ///
 /// At most one exists at a time; it owns the timer's thread and the process's handlers of crash signals.
-/// Handlers that the watched call installs itself are kept.
+/// The destructor leaves handlers in place that the watched call installed.
 class CallWatch {
  public:
   explicit CallWatch(const std::string& what, std::chrono::milliseconds limit = std::chrono::seconds(3));

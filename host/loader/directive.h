@@ -12,7 +12,8 @@ struct Directive {
   std::string trailing;  ///< the text after the name
 
   // The parts of `dynamic NAME Service_Object * LIBRARY:FACTORY() [active|inactive] ["ARGUMENTS"]`. Library
-  // and factory are empty unless the whole directive has this form: ACE would load what precedes a mistake.
+  // and factory are empty unless the whole directive has this form: ACE would process the part before a
+  // syntax error.
   std::string library;
   std::string factory;
   std::string parameters;  // ARGUMENTS without the quotes

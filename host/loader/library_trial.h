@@ -19,8 +19,8 @@ std::optional<int> RunLibraryTrial(int argc, const char* const* argv);
 void SetTrialProgram(const std::string& program);
 
 /// Loads `library`, a path or a name that the dynamic linker finds, in the child. Returns the path that it
-/// was loaded from; empty when there is no such file. Throws `Failure` with one line when loading fails, ends
-/// the child, or takes longer than `limit`.
+/// was loaded from; empty when there is no such file. Throws `Failure` with a one-line message when loading
+/// fails, ends the child, or takes longer than `limit`.
 std::string TryLibrary(const std::string& library,
                        std::chrono::milliseconds limit = std::chrono::seconds(10));
 

@@ -161,7 +161,7 @@ ACE_Service_Object* CallFactory(void* factory, const std::string& name,
 
 /// Passes the service to ACE, which calls `init`. Returns ACE's result; on 0 ACE owns `record`.
 int Insert(const std::string& name, std::unique_ptr<ACE_Service_Type>& record) {
-  // As ACE does for a directive: static services that `init` registers are removed with the library.
+  // As ACE does for a directive, so that static services that `init` registers are removed with the library.
   const ACE_Service_Type_Dynamic_Guard guard(*ACE_Service_Repository::instance(), name.c_str());
   const int result = ACE_Service_Config::initialize(record.get(), ACE_TEXT(""));
   if (result == 0) {

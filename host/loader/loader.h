@@ -25,8 +25,8 @@ struct LoadedBundle {
   ACE_Service_Object* object = nullptr;
   NS_BUNDLEMGR1::ServiceObjectBase* service = nullptr;  ///< the same object; null when it has another base
   std::shared_ptr<const ServiceProblems> problems;
-  /// The interface that the bundle found under a name and registered its own in front of, such as the one that
-  /// a recorder passes calls on to; null when there is none. Compared, never dereferenced.
+  /// The interface that the bundle found under a name and registered its own in front of, such as the one
+  /// that a recorder passes calls on to; null when there is none. Compared, never dereferenced.
   const NS_BUNDLEMGR1::ServiceInterface* wraps = nullptr;
   Words arguments;    ///< of the last `init` that succeeded
   FileIdentity file;  ///< the library's file when it was loaded
@@ -60,9 +60,10 @@ struct UnloadReport {
 /// Every library is tried in a child process first (see library_trial.h). Factories, `init` and `fini` run
 /// under a `CallWatch`.
 ///
-/// All functions throw `Failure`, or `UsageError` for an invalid request, with one line. Nothing is then
-/// loaded or unloaded, with two exceptions: see `Reload`, and a "remove" whose `fini` fails has still removed
-/// the bundle. Other effects of a failed `init` are not undone. Threads: one at a time.
+/// All functions throw `Failure`, or `UsageError` for an invalid request, with a one-line message. Then
+/// nothing was loaded or unloaded, except that `Reload` may have unloaded the bundle, and that a "remove"
+/// directive whose `fini` fails has removed it. Other effects of a failed `init` are not undone. Threads: one
+/// at a time.
 class Loader {
  public:
   /// Makes ACE unmap a library when its last service is removed, for the life of the process.
@@ -79,8 +80,9 @@ class Loader {
 
   /// Loads `library`: a path, a file of the working directory, or a name that the dynamic linker finds or
   /// that is in one of `LibraryDirectories` (NAME also means libNAME.so). The bundle's name is the file name
-  /// without "lib" and ".so"; for a link, that of its target when only that one's factory exists. The factory
-  /// is "_make_" and the bundle's name. Calls `init` with `arguments`. Returns the bundle.
+  /// without "lib" and ".so"; for a symbolic link, the name of the target if the library has a factory only
+  /// for that name. The factory is "_make_" and the bundle's name. Calls `init` with `arguments`. Returns the
+  /// bundle.
   ///
   /// Throws `Failure` when the library is mapped already and its file has changed since, or when it stayed
   /// mapped after an unload: old code, or code with old state, would run.
@@ -92,19 +94,19 @@ class Loader {
   /// Calls `init` of a loaded bundle once more.
   void Init(const std::string& name, const Words& arguments);
 
-  /// Calls `fini`, destroys the service object and releases the library.
-  /// Throws `Failure` while another loaded bundle is linked against the library or passes calls on to the
-  /// bundle's interface, unless `force`. When `fini`
-  /// fails or throws, the bundle is still unloaded and the problem is in the report.
+  /// Calls `fini`, destroys the service object and releases the library. Throws `Failure` while another
+  /// loaded bundle is linked against the library or passes calls on to the bundle's interface, unless
+  /// `force`, as in `UnloadAll`. When `fini` fails or throws, the bundle is still unloaded and the problem is
+  /// in the report.
   UnloadReport Unload(const std::string& name, bool force = false);
 
   /// Unloads the bundle, loads its current file and calls `init` with the arguments of the last successful
   /// `init`. The bundle then counts as the last one loaded. Returns the bundle.
   ///
-  /// Throws before the unload when loaded bundles use this one, as for `Unload` (all are named), or the new file
-  /// cannot be loaded. Throws after the unload, and the message says so, when the old library stays
-  /// mapped or the new code's factory or `init` fails, and after the reload when the unload reported a
-  /// problem.
+  /// Throws before the unload when other loaded bundles use this one, as for `Unload` (the message names all
+  /// of them), or when the new file cannot be loaded. Throws after the unload, and the message says so, when
+  /// the old library stays mapped or the new code's factory or `init` fails. Throws after the reload when the
+  /// unload reported a problem.
   const LoadedBundle& Reload(const std::string& name);
 
   /// The mapped library of each loaded bundle, in load order.

@@ -56,7 +56,8 @@ int WatchedService::fini() const {
       problems_->fini = "fini threw: " + CurrentExceptionText();
     }
   }
-  // Skips the direct base class, which would call fini again. The call destroys the object and this record.
+  // Skips the direct base class, which would call fini again. The call destroys the service object and
+  // `this`.
   return ACE_Service_Type_Impl::fini();  // NOLINT(bugprone-parent-virtual-call)
 }
 

@@ -28,9 +28,9 @@ struct PlatformOptions {
 /// most one exists at a time.
 class PLATFORM_API Platform {
  public:
-  /// Throws `Failure` with one line when the log file or the directory cannot be opened or config_items.ini
-  /// is invalid; the log output is then restored. An unknown directory and a missing config_items.ini are
-  /// allowed.
+  /// Throws `Failure` with a one-line message when the log file or the directory cannot be opened or
+  /// config_items.ini is invalid; the log output is then restored. An unknown directory and a missing
+  /// config_items.ini are allowed.
   explicit Platform(const PlatformOptions& options);
 
   /// The warnings about config_items.ini, one line each.

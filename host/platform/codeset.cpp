@@ -1,5 +1,5 @@
 // Converts texts between code sets with iconv, for the platform's KelpCodeSetConvert.
-// Threads: any; each keeps the descriptors of the pair of code sets that it used last.
+// Threads: any; each thread caches the descriptors of its last pair of code sets.
 
 #include <iconv.h>
 

@@ -21,7 +21,7 @@ inline constexpr const char* kConfigDirHint = "give --config-dir or set BUNDLE_H
 inline constexpr const char* kItemsFile = "config_items.ini";
 
 /// Sets the result of `GetCfgDirPath`; a missing final "/" is added, an empty text means that the directory
-/// is not known. Before the first call the environment variable names it. The directory need not exist.
+/// is not known. Before the first call the environment variable names it. Does not check that it exists.
 PLATFORM_API void SetConfigDir(const std::string& directory);
 
 /// Parses all of `text` as a decimal integer with an optional sign; nothing when it is malformed or exceeds

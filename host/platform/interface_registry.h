@@ -10,9 +10,9 @@
 /// The interface registry: the functions that the host needs beyond the platform's two. Interfaces are
 /// borrowed; the registry owns the buffers and never frees one.
 ///
-/// A name without a living interface has no buffer: `CheckIFBuf` returns null. Another registration makes a
-/// new buffer and leaves the old one unchanged, because lookups read buffers without a lock. Only a
-/// withdrawal changes a buffer that was returned; callers must have dropped the withdrawn interface by then.
+/// A name without a registered interface has no buffer: `CheckIFBuf` returns null. Another registration uses
+/// a new buffer and leaves the old one unchanged, because lookups read buffers without a lock. Only
+/// `WithdrawInterface` changes a buffer that was returned; callers must have dropped the interface by then.
 /// Emptied buffers are reused for the same name, so repeated loads do not grow the registry.
 ///
 /// Threads: any, at any time. Changes are made under `_g_actualmutex`, because an interface search appends to

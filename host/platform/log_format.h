@@ -11,7 +11,7 @@ namespace host {
 
 /// Whether `format` has only conversions that the log service fills in: d i u x X c s f and %%, with flags
 /// (-, +, 0, #), a width and a precision of at most three digits each, and l or ll before an integer. False
-/// for all else: a '%' at the end, '*', %n, and the blank as a flag, so that "100% done" is a text.
+/// for all else: a '%' at the end, '*', %n, and the blank as a flag, so that "100% done" is written verbatim.
 PLATFORM_API bool IsPlainFormat(const char* format);
 
 /// Fills in `format`; returns it verbatim when it is not plain or formatting fails. `values` must match a

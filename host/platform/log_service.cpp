@@ -19,7 +19,7 @@ using Names = std::tuple<std::string, std::string, std::string>;
 
 struct Loggers {
   std::mutex lock;
-  std::map<Names, Logger*> byNames;  // The loggers own themselves and remove their entries.
+  std::map<Names, Logger*> byNames;  // A logger that its client deletes removes its entry.
 };
 
 Loggers& TheLoggers() {

@@ -12,12 +12,12 @@
 /// Writes log records through `ACE_Log_Msg` to standard error or to a file.
 ///
 /// One record is one line, `TIME [LEVEL] TAG:LINE FUNCTION: TEXT`, as in
-///   2026-11-21T08:15:02.417Z [1] almconfig:118 unknown: almconfig.cfg file error. line=s%
+///   2026-11-21T08:15:02.417Z [1] almconfig:195 unknown: almconfig.cfg file error. line=s%
 /// with UTC time to the millisecond, "-" for an empty tag or function, and bytes outside printable ASCII in
 /// the text as \xNN, so that a text cannot forge another line.
 ///
-/// Levels rise with importance: 0 is detail for debugging, 1 decisions and errors in configuration, 2 starts
-/// and what prevents them.
+/// Levels rise with importance: 0 details for debugging, 1 decisions and errors, 2 the start of a service and
+/// its failure.
 ///
 /// ACE's own messages are written the same way, with the tag "ACE" and the level "-"; on a thread with an
 /// `AceComplaints` they are collected instead.
@@ -85,8 +85,8 @@ class PLATFORM_API LogCapture {
   std::size_t count_ = 0;
 };
 
-/// Collects ACE's own messages on this thread while it lives; of several, the one constructed last collects.
-/// The destructor logs the texts unless `Text` was called.
+/// Collects ACE's own messages on this thread while it exists; of several objects, only the one constructed
+/// last collects. The destructor logs the texts unless `Text` was called.
 class PLATFORM_API AceComplaints {
  public:
   AceComplaints();
