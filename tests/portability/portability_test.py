@@ -30,6 +30,14 @@ class CLibrary(unittest.TestCase):
             self.assertEqual(re.findall(r"__isoc\d+_\w+", imports), [], library)
 
 
+class PackageNames(unittest.TestCase):
+    def test_no_file_names_the_version_of_the_package_of_ace(self):
+        """Its name carries the version, which differs between releases of Debian."""
+        for folder in ["tests", "debian", "cmake", "scripts"]:
+            for path in filter(pathlib.Path.is_file, (PROJECT / folder).rglob("*")):
+                self.assertIsNone(re.search(rb"lib(?:ace|ACE)-\d", path.read_bytes()), path)
+
+
 class SetupScript(unittest.TestCase):
     """scripts/setup.sh with a package manager of the test's own."""
 
