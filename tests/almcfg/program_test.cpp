@@ -285,8 +285,7 @@ TEST(Check, SelectsIgnoresAndLimitsFindings) {
 
 TEST(Check, ExplainsACodeInTheWordsOfThePage) {
   const std::string text = RunAlmcfg({"check", "--explain", "nul-byte"}).out;
-  EXPECT_THAT(text,
-              testing::StartsWith("nul-byte (error)\n\nThe loader takes a NUL for the end of the line."));
+  EXPECT_THAT(text, testing::StartsWith("nul-byte (error)\n\nA NUL ends the line for the loader."));
   EXPECT_THAT(text, Not(HasSubstr("####")));
 }
 

@@ -5,7 +5,7 @@
 
 A ```cpp block whose first line is `// file: NAME` becomes DIRECTORY/NAME; one that starts with an `#include` becomes
 DIRECTORY/unitN.cpp, N counting from 1. Every other ```cpp block becomes a function of
-DIRECTORY/snippets.cpp, with `text`, the interface, at hand. All ```tsv blocks together become DIRECTORY/AlarmConfig.csv.
+DIRECTORY/snippets.cpp, with the interface as `util`. All ```tsv blocks together become DIRECTORY/AlarmConfig.csv.
 """
 import pathlib
 import re
@@ -43,10 +43,10 @@ def blocks(page):
 def snippet_source(page, snippets):
     parts = [HEAD]
     for start, lines in snippets:
-        parts.append(f"static void Line{start}([[maybe_unused]] NS_ASCII::AsciiUtilInterface& text) {{\n"
+        parts.append(f"static void Line{start}([[maybe_unused]] NS_ASCII::AsciiUtilInterface& util) {{\n"
                      f'#line {start} "{page}"\n' + "\n".join(lines) + "\n}\n\n")
-    calls = "".join(f"  Line{start}(text);\n" for start, _ in snippets)
-    parts.append(f"int RunSnippets(NS_ASCII::AsciiUtilInterface& text) {{\n{calls}  return {len(snippets)};\n}}\n")
+    calls = "".join(f"  Line{start}(util);\n" for start, _ in snippets)
+    parts.append(f"int RunSnippets(NS_ASCII::AsciiUtilInterface& util) {{\n{calls}  return {len(snippets)};\n}}\n")
     return "".join(parts)
 
 

@@ -12,7 +12,7 @@
 
 extern "C" ACE_Service_Object* _make_ii_ascii_util(ACE_Service_Object_Exterminator* exterminator);
 
-int RunSnippets(NS_ASCII::AsciiUtilInterface& text);
+int RunSnippets(NS_ASCII::AsciiUtilInterface& util);
 
 int main(int argc, char* argv[]) {
   const int expected = argc == 2 ? std::atoi(argv[1]) : 0;
