@@ -11,12 +11,52 @@
 namespace NS_ASCII {
 namespace {
 
-/// The offset of the "=" if the first pair of `text`, which starts without blanks, has this key; otherwise
-/// npos.
+/// Whether the key may start at `at`: its first byte is there, and a "=" or NUL where it ends.
+bool MayStart(std::string_view key, const char* at) {
+  const char after = at[key.size()];
+  return (*at == key.front()) & ((after == '=') | (after == '\0'));
+}
+
+/// How many bytes of a text are examined at a time.
+constexpr unsigned char kBlock = 32;
+
+/// The offset of the first place in the block where the key may start; `kBlock` if there is none. Compilers
+/// vectorise the loop because its length is constant and it has no exits.
+unsigned char FirstPlaceIn(const char* block, std::string_view key) {
+  unsigned char first = kBlock;
+  for (unsigned char i = 0; i < kBlock; ++i) {
+    const unsigned char place = MayStart(key, block + i) ? i : kBlock;
+    first = std::min(first, place);
+  }
+  return first;
+}
+
+/// The first place from `pos` on, but before `end`, where the key may start; `end` if there is none.
+std::size_t FindPlace(std::string_view key, std::string_view text, std::size_t pos, std::size_t end) {
+  for (; end - pos >= kBlock; pos += kBlock) {
+    if (const unsigned char first = FirstPlaceIn(text.data() + pos, key); first != kBlock) {
+      return pos + first;
+    }
+  }
+  while (pos != end && !MayStart(key, text.data() + pos)) {
+    ++pos;
+  }
+  return pos;
+}
+
+/// Whether the trimmed pair that contains `pos` starts there.
+bool StartsPair(std::string_view text, std::size_t pos) {
+  while (pos > 0 && IsBlank(text[pos - 1])) {
+    --pos;
+  }
+  return pos == 0 || text[pos - 1] == ',';
+}
+
+/// The offset of the "=" if the pair at the start of `text`, which is longer than the key, has this key;
+/// otherwise npos.
 std::size_t FindEqualsOf(std::string_view key, std::string_view text) {
   std::size_t end = key.size();
-  // Few pairs have a "=" here, so most keys need not be compared.
-  if (end >= text.size() || (text[end] != '=' && text[end] != '\0') || text.substr(0, end) != key) {
+  if (text.substr(0, end) != key) {
     return std::string_view::npos;
   }
   if (text[end] == '\0') {
@@ -25,28 +65,29 @@ std::size_t FindEqualsOf(std::string_view key, std::string_view text) {
   return end < text.size() && text[end] == '=' ? end : std::string_view::npos;
 }
 
+/// The value at the start of `rest`, the text after a pair's "=".
+std::string_view ValueIn(std::string_view rest) {
+  const std::string_view value = TrimRightView(rest.substr(0, rest.find(',')));
+  return IsNonEmptyCString(value) ? value : TrimRightView(rest);
+}
+
 }  // namespace
 
 std::string_view FindValue(std::string_view key, std::string_view text) {
-  const auto endsKey = [](char c) { return c == '\0' || c == '=' || c == ','; };
-  const auto* const end = std::find_if(key.begin(), key.end(), endsKey);
-  if (end == key.begin() || (end != key.end() && *end != '\0')) {
-    return {};
+  key = key.substr(0, key.find('\0'));
+  const auto isSeparator = [](char c) { return c == '=' || c == ','; };
+  if (key.empty() || IsBlank(key.front()) || std::any_of(key.begin(), key.end(), isSeparator)) {
+    return {};  // No trimmed pair has such a key.
   }
-  key = key.substr(0, static_cast<std::size_t>(end - key.begin()));
-  for (;;) {
-    const std::string_view pair = TrimLeftView(text);
-    if (const std::size_t equals = FindEqualsOf(key, pair); equals != std::string_view::npos) {
-      const std::string_view rest = pair.substr(equals + 1);
-      const std::string_view value = TrimRightView(rest.substr(0, rest.find(',')));
-      return IsNonEmptyCString(value) ? value : TrimRightView(rest);
+  const std::size_t end = text.size() - std::min(text.size(), key.size());
+  for (std::size_t pos = 0; (pos = FindPlace(key, text, pos, end)) != end; ++pos) {
+    if (StartsPair(text, pos)) {
+      if (const std::size_t equals = FindEqualsOf(key, text.substr(pos)); equals != std::string_view::npos) {
+        return ValueIn(text.substr(pos + equals + 1));
+      }
     }
-    const std::size_t comma = text.find(',');
-    if (comma == std::string_view::npos) {
-      return {};
-    }
-    text.remove_prefix(comma + 1);
   }
+  return {};
 }
 
 }  // namespace NS_ASCII

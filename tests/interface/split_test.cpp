@@ -165,4 +165,17 @@ TEST_F(SplitStr, AgreesWithTheLiteralRule) {
   }
 }
 
+// Long separators are searched for in another way than short ones.
+TEST_F(SplitStr, AgreesWithTheLiteralRuleForSeparatorsOfEveryLength) {
+  RandomText random(73);
+  for (int trial = 0; trial < testing_text::Trials(20000); ++trial) {
+    const std::string separator = 'a' + random.Of("ab", 11);
+    const std::string text =
+        random.Of("ab ", 12) + separator + random.Of("ab ", 3) + separator + random.Of("ab", 12);
+    Texts expected;
+    literal::SplitStr(text, separator, expected);
+    ASSERT_EQ(Pieces(impl, text, separator), expected) << recording::Quoted(text);
+  }
+}
+
 }  // namespace
