@@ -79,7 +79,11 @@ std::int64_t AsciiUtilInterfaceImpl::GetAlmCfgValue(std::int64_t& value, const s
   return 0;
 }
 
-std::string AsciiUtilInterfaceImpl::ToUpper(const std::string& text) { return StrToUpperSigned(text); }
+std::string AsciiUtilInterfaceImpl::ToUpper(const std::string& text) {
+  std::string upper = text;
+  MakeUpperSigned(upper);
+  return upper;
+}
 
 bool AsciiUtilInterfaceImpl::IsContain(const std::string& sub, const std::string& text) {
   // Unlike `find`, `memmem` takes linear time for every text.

@@ -63,11 +63,11 @@ std::string StrToLower(std::string text) {
   return text;
 }
 
-std::string StrToUpperSigned(std::string text) {
+void MakeUpperSigned(std::string& text) {
   if (*__ctype_toupper_loc() == BuiltInLocale().__ctype_toupper &&
       *__ctype_b_loc() == BuiltInLocale().__ctype_b) {
     FlipLetters(text, 'a');
-    return text;
+    return;
   }
   for (char& c : text) {
     const int code = static_cast<signed char>(c);  // NOLINT(bugprone-signed-char-misuse,cert-str34-c)
@@ -75,7 +75,6 @@ std::string StrToUpperSigned(std::string text) {
       c = static_cast<char>(toupper(code));
     }
   }
-  return text;
 }
 
 std::string Num2Str(int number) { return std::to_string(number); }

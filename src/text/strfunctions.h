@@ -8,7 +8,7 @@
 
 #include "ascii_util/text_functions.h"
 
-/// Text functions that several units use. Any thread may call them; only `StrToUpperSigned` uses the locale.
+/// Text functions that several units use. Any thread may call them; only `MakeUpperSigned` uses the locale.
 namespace NS_ASCII {
 
 /// Whether `c` is white space, which trimming removes: blank, tab, line feed or carriage return.
@@ -39,9 +39,9 @@ inline std::string_view TrimRightView(std::string_view text) {
 /// A view into `text` without its leading and trailing white space.
 inline std::string_view TrimView(std::string_view text) { return TrimRightView(TrimLeftView(text)); }
 
-/// `text` in upper case, each byte passed to the C library as a signed value. `StrToUpper` passes unsigned
-/// ones; in a few locales the two differ for byte 0xFF.
-std::string StrToUpperSigned(std::string text);
+/// Changes `text` to upper case, each byte passed to the C library as a signed value. `StrToUpper` passes
+/// unsigned ones; in a few locales the two differ for byte 0xFF.
+void MakeUpperSigned(std::string& text);
 
 /// Whether `text` is one of the objects in `list`, so that appending to the list may invalidate it. Does not
 /// compare texts.

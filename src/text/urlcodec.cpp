@@ -61,15 +61,10 @@ constexpr std::array<ByteCode, 256> kByteCodes = MakeByteCodes();
 
 const ByteCode& CodeOf(char c) { return kByteCodes[static_cast<unsigned char>(c)]; }
 
-/// The length of the longest code of any text with these bytes.
-std::size_t MaxEncodedLength(std::string_view text) {
-  std::size_t length = 0;
-  for (const char c : text) {
-    const std::size_t own = CodeOf(c).length;
-    length += own != 0 ? own : kLineEnd.size();
-  }
-  return length;
-}
+/// How many bytes are encoded into a buffer at a time. A LF has the longest code; the CR at the end of a block
+/// may add one character of the byte after it.
+constexpr std::size_t kEncoderBlock = 1024;
+constexpr std::size_t kEncoderBuffer = kEncoderBlock * kLineEnd.size() + 1;
 
 char* Append(std::string_view text, char* out) { return out + text.copy(out, text.size()); }
 
@@ -164,21 +159,25 @@ std::string GetURLEncoding(std::string text) {
     return text;
   }
   const std::string latin = Convert(text);
+  std::string encoded;
   // Each code is written with all its four bytes; only its length counts.
-  std::string encoded(MaxEncodedLength(latin) + sizeof(ByteCode), '\0');
-  char* out = encoded.data();
+  std::array<char, kEncoderBuffer + sizeof(ByteCode)> buffer;
   const char* const end = latin.data() + latin.size();
-  for (const char* in = latin.data(); in < end;) {
-    const ByteCode& code = CodeOf(*in);
-    if (code.length != 0) {
-      std::memcpy(out, &code, sizeof code);
-      out += code.length;
-      ++in;
-    } else {
-      out = EncodeLineEnd(in, out);
+  for (const char* in = latin.data(); in != end;) {
+    char* out = buffer.data();
+    const char* const stop = in + std::min(static_cast<std::size_t>(end - in), kEncoderBlock);
+    while (in < stop) {
+      const ByteCode& code = CodeOf(*in);
+      if (code.length != 0) {
+        std::memcpy(out, &code, sizeof code);
+        out += code.length;
+        ++in;
+      } else {
+        out = EncodeLineEnd(in, out);
+      }
     }
+    encoded.append(buffer.data(), static_cast<std::size_t>(out - buffer.data()));
   }
-  encoded.resize(static_cast<std::size_t>(out - encoded.data()));
   return encoded;
 }
 
@@ -204,10 +203,10 @@ std::string GetURLDecoding(std::string text) {
 }
 
 std::string SetURLDecoding(std::string text) {
-  const auto percents = std::count(text.begin(), text.end(), '%');
-  if (percents == 0) {
+  if (text.find('%') == std::string::npos) {
     return text;
   }
+  const auto percents = std::count(text.begin(), text.end(), '%');
   std::string escaped(text.size() + 2 * static_cast<std::size_t>(percents), '\0');
   char* out = escaped.data();
   for (const char c : text) {
