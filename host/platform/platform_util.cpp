@@ -1,19 +1,19 @@
 // The platform's text utilities: Num2Str, Trim and sprintf_s. Pure functions; any thread may call them.
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <iterator>
 
 #include "framework/platform_util.h"
 
 namespace NSTE_util {
 
 std::string Trim(const std::string& text) {
-  constexpr const char* kWhiteSpace = " \t\n\r";
-  const auto first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string::npos) {
-    return {};
-  }
-  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+  const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; };
+  const auto first = std::find_if_not(text.begin(), text.end(), isBlank);
+  const auto last = std::find_if_not(text.rbegin(), std::make_reverse_iterator(first), isBlank);
+  return {first, last.base()};
 }
 
 std::string Num2Str(int number) { return std::to_string(number); }

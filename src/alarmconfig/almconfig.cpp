@@ -7,7 +7,6 @@
 
 #include <array>
 #include <fstream>
-#include <optional>
 #include <string>
 
 #include "src/alarmconfig/almgrammar.h"
@@ -78,11 +77,12 @@ void Alarm_Config_Param::InsertRecord(const AlarmConfigRecord& record) {
 }
 
 int Alarm_Config_Param::GetValue(const AlarmConfigRecord& key, std::string& value) const {
-  return GetValue(KeyOf(key), value);
-}
-
-int Alarm_Config_Param::GetValue(const AlarmKey& key, std::string& value) const {
-  return valueMap.Find(key, value) ? 0 : -1;
+  const std::optional<std::string_view> found = FindValue(KeyOf(key));
+  if (!found) {
+    return -1;
+  }
+  value = *found;
+  return 0;
 }
 
 int Alarm_Config_Param::Split(const std::string& text, FieldList& fields, const std::string& separators) {

@@ -1,6 +1,7 @@
 #ifndef SRC_ALARMCONFIG_ALMCONFIG_H_
 #define SRC_ALARMCONFIG_ALMCONFIG_H_
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,8 +22,8 @@ using FieldList = std::vector<std::string>;
 /// Invariants: records are added or get a new value, and are never removed; a line with an empty or a sixth
 /// part adds nothing.
 ///
-/// Threads: one thread at a time loads or inserts. Any thread may call `GetValue` at any time, also during a
-/// load, and `Instance`.
+/// Threads: one thread at a time loads or inserts. Any thread may call `GetValue` and `FindValue` at any time,
+/// also during a load, and `Instance`.
 /// Errors: bad content is logged or ignored, never thrown. Exhausted memory throws `std::bad_alloc`;
 /// exceptions of the logger reach the caller.
 /// Binary contract: the virtual table has the one slot of `LoadConfig`, so the destructor is not virtual.
@@ -49,8 +50,10 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
   /// unchanged, when there is no such entry.
   int GetValue(const AlarmConfigRecord& key, std::string& value) const;
 
-  /// The same for a key of views.
-  int GetValue(const AlarmKey& key, std::string& value) const;
+  /// The value for `key`, a text that stays valid as long as the configuration; nothing when there is none.
+  [[nodiscard]] std::optional<std::string_view> FindValue(const AlarmKey& key) const {
+    return valueMap.Find(key);
+  }
 
   // Required: these four operations are part of the class's interface. Loading does not use them; a load and
   // `Split` share `SplitParts`.

@@ -105,19 +105,18 @@ void AlarmTable::InsertHashed(const AlarmKey& key, std::uint32_t hash, Ref value
   size_.store(size() + 1, std::memory_order_relaxed);
 }
 
-bool AlarmTable::Find(const AlarmKey& key, std::string& value) const {
+std::optional<std::string_view> AlarmTable::Find(const AlarmKey& key) const {
   const SlotArray* const array = array_.load(std::memory_order_acquire);
   if (array == nullptr) {
-    return false;
+    return std::nullopt;
   }
   std::size_t slot;
   const Ref ref = Locate(*array, key, HashOf(key), slot);
   if (ref == 0) {
-    return false;
+    return std::nullopt;
   }
   // Acquire: pairs with the release in InsertHashed, so that the new value's text is complete.
-  value = values_.Text(NodeAt(ref).value.load(std::memory_order_acquire));
-  return true;
+  return values_.Text(NodeAt(ref).value.load(std::memory_order_acquire));
 }
 
 void AlarmTable::ForEach(const std::function<void(const AlarmKey&, std::string_view)>& visit) const {

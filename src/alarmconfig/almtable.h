@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <string>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -68,9 +68,8 @@ class AlarmTable {
     }
   }
 
-  /// Copies the entry's value to `value` and returns true; returns false, `value` unchanged, when there is no
-  /// such entry.
-  bool Find(const AlarmKey& key, std::string& value) const;
+  /// The entry's value, a text that stays valid as long as the table; nothing when there is no such entry.
+  [[nodiscard]] std::optional<std::string_view> Find(const AlarmKey& key) const;
 
   [[nodiscard]] std::size_t size() const { return size_.load(std::memory_order_relaxed); }
 

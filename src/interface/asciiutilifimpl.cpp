@@ -68,9 +68,9 @@ std::int64_t AsciiUtilInterfaceImpl::GetAlmCfgValue(std::int64_t& value, const s
                                                     const std::string& key2, const std::string& key3,
                                                     const int& numKey) {
   const std::string number = NSTE_util::Trim(NSTE_util::Num2Str(numKey));
-  std::string configured;
-  // Required: for a missing key the text stays empty, which converts to 0.
-  static_cast<void>(Alarm_Config_Param::Instance()->GetValue(AlarmKey{key1, key2, key3, number}, configured));
+  // Required: for a missing key the text is empty, which converts to 0.
+  const std::string configured(
+      Alarm_Config_Param::Instance()->FindValue({key1, key2, key3, number}).value_or(std::string_view()));
   int converted = 0;
   if (!Str2Num(configured, converted, 10)) {
     return 1;

@@ -7,6 +7,7 @@
 #include <array>
 #include <atomic>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -71,9 +72,8 @@ TEST(AlarmTableUnderReaders, ShowsWhatWasInsertedBeforeAndNeverAPartOfIt) {
       [&](testing_text::RandomText& random) {
         const auto before = static_cast<std::size_t>(inserted.load(std::memory_order_acquire));
         const std::size_t i = random.Below(kEntries);
-        std::string value;
-        const bool found = table.Find({"alarm", std::to_string(i), "column", "7"}, value);
-        if ((i < before && !found) || (found && value != valueOf(i)) || table.size() < before) {
+        const std::optional<std::string_view> found = table.Find({"alarm", std::to_string(i), "column", "7"});
+        if ((i < before && !found) || (found && *found != valueOf(i)) || table.size() < before) {
           ++wrong;
         }
       });
@@ -110,9 +110,8 @@ TEST(AlarmTableUnderReaders, AnswersAnOlderValueOrTheNewestAndNeverGoesBack) {
         const std::string key = std::to_string(random.Below(kKeys));
         int last = finished.load(std::memory_order_acquire);
         for (int i = 0; i < 10; ++i) {
-          std::string value;
-          const bool found = table.Find({"alarm", key, "c", "1"}, value);
-          const int round = found ? std::atoi(value.c_str()) : -1;
+          const std::string value = Answer(table, {"alarm", key, "c", "1"});
+          const int round = std::atoi(value.c_str());
           if (round < last || value != valueOf(round)) {
             ++wrong;
           }
