@@ -42,7 +42,7 @@ template <class Call>
 void Recorded(benchmark::State& state, Call call) {
   recorder::Recording recording;
   recorder::Front front(recording);
-  front.LeadTo(&Util());
+  front.ForwardTo(&Util());
   recorder::Options options;
   options.output = "/dev/null";
   options.operations.set();

@@ -52,7 +52,7 @@ TEST(Checker, KnowsNumbersThatNoQueryAsksWith) {
 TEST(Checker, SaysWhichNumberWasMeant) {
   EXPECT_EQ(CheckWhole("A\tB\tC\t+07 \t1\n").at(0).hint, "write 7");
   EXPECT_EQ(CheckWhole("A\tB\tC\t-0\t1\n").at(0).hint, "write 0");
-  EXPECT_THAT(CheckWhole("A\tB\t7\tC\t1\n").at(0).hint, HasSubstr("exchanged"));
+  EXPECT_THAT(CheckWhole("A\tB\t7\tC\t1\n").at(0).hint, HasSubstr("swapped"));
 }
 
 TEST(Checker, CountsColumnsOfABadLineFromItsFirstByte) {
@@ -111,7 +111,7 @@ TEST(Checker, StopsLookingForDuplicatesWhereNoLoadGets) {
 TEST(Checker, CountsTheLinesThatAnOverlongOneLoses) {
   const std::string endless(1022, 'x');
   EXPECT_THAT(CheckWhole(endless + "\r\nA\nB").at(0).message,
-              HasSubstr("1,023 characters, a load reads 1,022 of them and then NEVER ENDS: 2 lines after it "
+              HasSubstr("1,023 bytes, a load reads 1,022 of them and then NEVER ENDS: 2 lines after it "
                         "are never read"));
 }
 

@@ -103,7 +103,7 @@ TEST(Compare, SpellsOutSmallDifferences) {
             "column 1 is \"node\", not \"Node\" (another case)");
   EXPECT_EQ(Compare(wanted, {"Node", "Port ", "Down", "7"}).difference,
             "column 2 is \"Port·\", not \"Port\" (a blank at the edge)");
-  EXPECT_EQ(Compare(wanted, {"Node", "Port", "7", "Down"}).difference, "columns 3 and 4 are exchanged");
+  EXPECT_EQ(Compare(wanted, {"Node", "Port", "7", "Down"}).difference, "columns 3 and 4 are swapped");
   EXPECT_EQ(Compare(wanted, {"Node", "Port", "Down", "+07"}).difference,
             "column 4 is \"+07\", not \"7\" (the same number, written in a way that is never found)");
   EXPECT_EQ(Compare(wanted, {"Node", "Port", "Up", "7"}).difference, "column 3 is \"Up\", not \"Down\"");

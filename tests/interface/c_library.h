@@ -1,5 +1,5 @@
-#ifndef TESTS_ASCIIUTILIFIMPL_C_LIBRARY_H_
-#define TESTS_ASCIIUTILIFIMPL_C_LIBRARY_H_
+#ifndef TESTS_INTERFACE_C_LIBRARY_H_
+#define TESTS_INTERFACE_C_LIBRARY_H_
 
 #include <ctime>
 #include <optional>
@@ -15,4 +15,4 @@ extern std::vector<std::string>* strtolTexts;  ///< where `strtol` records its t
 
 }  // namespace c_library
 
-#endif  // TESTS_ASCIIUTILIFIMPL_C_LIBRARY_H_
+#endif  // TESTS_INTERFACE_C_LIBRARY_H_

@@ -1,5 +1,5 @@
-#ifndef TESTS_ASCIIUTILIFIMPL_INTERFACE_FIXTURE_H_
-#define TESTS_ASCIIUTILIFIMPL_INTERFACE_FIXTURE_H_
+#ifndef TESTS_INTERFACE_INTERFACE_FIXTURE_H_
+#define TESTS_INTERFACE_INTERFACE_FIXTURE_H_
 
 #include <string>
 #include <vector>
@@ -46,4 +46,4 @@ class OwnStr2Num : public NS_ASCII::AsciiUtilInterfaceImpl {
 
 }  // namespace interface_test
 
-#endif  // TESTS_ASCIIUTILIFIMPL_INTERFACE_FIXTURE_H_
+#endif  // TESTS_INTERFACE_INTERFACE_FIXTURE_H_

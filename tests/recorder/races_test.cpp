@@ -54,7 +54,7 @@ class RecorderRaces : public testing::Test {
   RecorderRaces() {
     options_.output = dir_.path() / "calls.jsonl";
     options_.operations.set();
-    front_.LeadTo(&util_);
+    front_.ForwardTo(&util_);
     LoadConfig(1);
   }
 

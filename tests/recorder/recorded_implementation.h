@@ -27,7 +27,7 @@ class RecordedImplementation : public NS_ASCII::AsciiUtilInterfaceImpl {
     options.operations.set();
     recording_.Start(
         options, {}, [](const std::string&) {}, std::size_t{16} << 20);
-    front_.LeadTo(&implementation_);
+    front_.ForwardTo(&implementation_);
   }
 
   ~RecordedImplementation() override {

@@ -40,7 +40,7 @@ class RecordingTest : public testing::Test {
   RecordingTest() {
     options_.output = dir_.path() / "calls.jsonl";
     options_.operations.set();
-    front_.LeadTo(&fake_);
+    front_.ForwardTo(&fake_);
     problemReported.clear();
   }
   ~RecordingTest() override { recording_.Stop(); }

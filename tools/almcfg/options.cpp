@@ -124,7 +124,7 @@ std::optional<Number> ParseNumber(const std::string& text) {
 
 std::vector<OptionSpec> CheckOptions() {
   return {
-      Flag("--strict", "Warnings count as findings too", &Options::strict),
+      Flag("--strict", "Warnings also give exit code 1", &Options::strict),
       SelectOption("Report only these codes"),
       IgnoreOption("Do not report these codes"),
       {"--max-findings", "N", "Print N findings and count the rest",
@@ -144,8 +144,8 @@ std::vector<OptionSpec> CheckOptions() {
 }
 
 std::vector<OptionSpec> FixOptions() {
-  return {Flag("--unsafe", "Also what changes the keys and answers of loaded lines", &Options::unsafe),
-          Flag("--in-place", "Replace each file, at once or not at all", &Options::inPlace),
+  return {Flag("--unsafe", "Also repairs that may change keys or answers", &Options::unsafe),
+          Flag("--in-place", "Replace each file atomically", &Options::inPlace),
           Flag("--backup", "With --in-place: keep the old file as FILE.bak", &Options::backup),
           Flag("--diff", "Write a unified diff instead of the repaired file", &Options::unifiedDiff),
           SelectOption("Repair only these codes"),
@@ -199,8 +199,8 @@ const std::vector<CommandSpec>& Commands() {
        "Compare what callers asked for with the table in force",
        {{"FILE...", kFileHelp}},
        {CallsOption("Recorded calls, or lines of KEY1, KEY2, KEY3, NUMBER, COUNT between TABs"),
-        Flag("--strict", "Queries that no line serves count as findings", &Options::strict),
-        StdinNameOption(), FormatOption("json|text", "How to report (default: text)"), ColorOption()},
+        Flag("--strict", "Queries that no line serves give exit code 1", &Options::strict), StdinNameOption(),
+        FormatOption("json|text", "How to report (default: text)"), ColorOption()},
        "0 reported, 1 with --strict and a query that no line serves, 2 could not run"}};
   return kCommands;
 }

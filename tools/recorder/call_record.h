@@ -35,8 +35,8 @@ class CallRecord {
   CallRecord(const CallRecord&) = delete;
   CallRecord& operator=(const CallRecord&) = delete;
 
-  /// Copies the arguments and starts the clock. Called before the call, which may change an argument that is
-  /// an element of an out value.
+  /// Copies the arguments and starts the clock. Must be called before the operation, which may change its
+  /// arguments: one of them may be an element of an out value.
   template <class... In, class... Out>
   void Begin(recording_format::Operation operation, const std::tuple<const In&...>& in,
              const std::tuple<const Out&...>& out) noexcept {
@@ -107,7 +107,7 @@ class CallRecord {
     bytes_.Append(text);
   }
 
-  /// Runs `append` unless memory has run out before.
+  /// Runs `append`, unless an earlier one failed for lack of memory.
   template <class Function>
   void Try(Function append) noexcept {
     try {

@@ -17,13 +17,13 @@ namespace recorder {
 ///
 /// There is one object for the life of the process: a caller that still uses it after the recorder was
 /// removed reaches the implementation, for as long as that is loaded.
-/// Threads: any thread may call at any time; `LeadTo` is called by one at a time.
+/// Threads: any thread may call at any time; one thread at a time calls `ForwardTo`.
 class Front final : public NS_ASCII::AsciiUtilInterface {
  public:
   explicit Front(Recording& recording) : recording_(recording) {}
 
   /// Forwards all later calls to `target`, which is borrowed.
-  void LeadTo(NS_ASCII::AsciiUtilInterface* target) noexcept {
+  void ForwardTo(NS_ASCII::AsciiUtilInterface* target) noexcept {
     target_.store(target, std::memory_order_release);
   }
 

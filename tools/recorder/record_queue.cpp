@@ -8,8 +8,8 @@
 namespace recorder {
 namespace {
 
-/// The longest time that a record waits in the queue. A process that is killed loses the records of this
-/// time.
+/// The longest time between two calls of the writer for records. A killed process loses at most the records
+/// of about this time.
 constexpr std::chrono::milliseconds kInterval{100};
 
 }  // namespace

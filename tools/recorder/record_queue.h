@@ -26,14 +26,14 @@ class RecordQueue {
   /// Counts a record that could not be built as dropped.
   void Drop() noexcept;
 
-  /// Ends the acceptance of records. The writer still gets those in the queue.
+  /// Closes the queue: later records are ignored, queued ones are still delivered.
   void Close() noexcept;
 
   /// The records of one `Take`.
   struct Batch {
     std::string_view records;   ///< valid until the next `Take`
     std::uint64_t dropped = 0;  ///< records dropped since the last batch
-    bool isLast = false;        ///< the queue is closed, and nothing follows
+    bool isLast = false;        ///< the queue is closed; no further batch follows
   };
 
   /// Waits until the queue is half full or closed, 100 ms at most, and returns its records.

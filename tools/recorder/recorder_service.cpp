@@ -27,7 +27,7 @@ using NS_BUNDLEMGR1::ServiceInterface;
 
 constexpr const char* kInterfaceName = "AsciiUtilInterface";
 
-/// Holds some 50,000 calls. Pages that are never written do not become resident.
+/// Holds some 50,000 calls of 330 bytes. Pages that are never written do not become resident.
 constexpr std::size_t kQueueSize = std::size_t{16} << 20;
 
 /// The recording and the front are never destroyed: callers may still use them, see `RecorderService`.
@@ -122,7 +122,7 @@ void RecorderService::Start(const Options& options) {
 }
 
 void RecorderService::PutInFront(AsciiUtilInterface& implementation) {
-  TheFront().LeadTo(&implementation);
+  TheFront().ForwardTo(&implementation);
   implementation_ = &implementation;
   interface_ = &TheFront();
   NS_BUNDLEMGR1::SetIFBuf(kInterfaceName, interface_);

@@ -21,7 +21,7 @@ namespace recorder {
 /// The totals of a finished recording.
 struct Totals {
   std::uint64_t records = 0;  ///< in the files
-  std::uint64_t dropped = 0;  ///< because the queue was full
+  std::uint64_t dropped = 0;  ///< the queue was full or too small for the record, or memory ran out
   std::string problem;        ///< why the recording stopped early; empty when it did not
 };
 

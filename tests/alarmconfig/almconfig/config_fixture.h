@@ -1,5 +1,5 @@
-#ifndef TESTS_ALMCONFIG_CONFIG_FIXTURE_H_
-#define TESTS_ALMCONFIG_CONFIG_FIXTURE_H_
+#ifndef TESTS_ALARMCONFIG_ALMCONFIG_CONFIG_FIXTURE_H_
+#define TESTS_ALARMCONFIG_ALMCONFIG_CONFIG_FIXTURE_H_
 
 #include <string>
 #include <vector>
@@ -47,4 +47,4 @@ class AlarmConfigTest : public recording::FrameworkTest {
 
 }  // namespace config_test
 
-#endif  // TESTS_ALMCONFIG_CONFIG_FIXTURE_H_
+#endif  // TESTS_ALARMCONFIG_ALMCONFIG_CONFIG_FIXTURE_H_

@@ -1,5 +1,5 @@
-#ifndef TESTS_ALMTABLE_ANSWERS_H_
-#define TESTS_ALMTABLE_ANSWERS_H_
+#ifndef TESTS_ALARMCONFIG_ALMTABLE_ANSWERS_H_
+#define TESTS_ALARMCONFIG_ALMTABLE_ANSWERS_H_
 
 #include <string>
 #include <string_view>
@@ -27,4 +27,4 @@ inline std::vector<std::string> AllOf(const NS_ASCII::AlarmTable& table) {
 
 }  // namespace almtable_test
 
-#endif  // TESTS_ALMTABLE_ANSWERS_H_
+#endif  // TESTS_ALARMCONFIG_ALMTABLE_ANSWERS_H_

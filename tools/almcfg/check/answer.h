@@ -17,7 +17,7 @@ inline bool operator==(const Answer& a, const Answer& b) {
   return a.result == b.result && (a.result != 0 || a.value == b.value);
 }
 
-/// The answer for a key that a line with this column 5 serves. Computed by the bundle's own conversion.
+/// The answer that callers get when column 5 is `value`. Computed by the bundle's own conversion.
 Answer AnswerFor(std::string_view value);
 
 }  // namespace almcfg

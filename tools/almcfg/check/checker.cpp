@@ -142,7 +142,7 @@ class Checker {
     if (number_ == text_.lineCount() && !text_.endsWithLineFeed()) {
       Add(Code::kNoFinalLineFeed, line_.length + 1, 1,
           "the last line has no line feed: text that is appended to the file becomes part of it",
-          "end the last line with a line feed, too");
+          "end the last line with a line feed");
     }
   }
 
@@ -163,8 +163,8 @@ class Checker {
 
   void FindOverlong() {
     const LineNumber after = text_.lineCount() - number_;
-    std::string message = "the line has " + Counted(line_.length, "character") +
-                          ", a load reads 1,022 of them and then NEVER ENDS";
+    std::string message =
+        "the line has " + Counted(line_.length, "byte") + ", a load reads 1,022 of them and then NEVER ENDS";
     if (!table_.IsReached({&text_, number_})) {
       message += " (nor does it get here)";
     } else if (after != 0) {
@@ -174,7 +174,7 @@ class Checker {
     const bool isCrOnly = cr != std::string_view::npos && cr + 1 < line_.length;
     Add(Code::kOverlongLine, kLongestLine + 1, 1, message,
         isCrOnly ? "end lines with LF or CR LF, not with CR alone"
-                 : "spread it over several lines of at most 1,022 characters, a CR at the end included");
+                 : "spread it over several lines of at most 1,022 bytes, a CR at the end included");
   }
 
   bool FindNul() {
@@ -211,7 +211,7 @@ class Checker {
     }
     Add(Code::kIndentedComment, 1, at,
         std::string("not a comment: \"#\" must be the first character (the line ") +
-            (parsed_.outcome == LineOutcome::kAccepted ? "is LOADED)" : "is rejected for another reason)"),
+            (parsed_.outcome == LineOutcome::kAccepted ? "is LOADED)" : "is not loaded, for another reason)"),
         "remove the blank before the \"#\"");
     return true;
   }
@@ -245,7 +245,7 @@ class Checker {
     std::vector<LineNumber> seen;
     for (const Repeat& repeat : repeats) {
       const LineNumber earlier = repeat.earlier.line;
-      // Another file may replace values on purpose.
+      // A key of an earlier file is not reported: a later file may replace its value on purpose.
       if (repeat.earlier.text == &text_ && std::find(seen.begin(), seen.end(), earlier) == seen.end()) {
         seen.push_back(earlier);
         AddRepeatedKey(repeat);
@@ -268,8 +268,7 @@ class Checker {
                     " for the key " + key,
                 "keep one of the two lines; the later one wins");
     } else {
-      AddRepeat(Code::kDuplicateKey, repeat,
-                "the key " + key + " has the same value in " + where + " already",
+      AddRepeat(Code::kDuplicateKey, repeat, "the key " + key + " already has the same value in " + where,
                 "remove it from one of the two lines");
     }
   }

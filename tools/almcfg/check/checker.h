@@ -10,11 +10,11 @@
 namespace almcfg {
 
 /// Reports everything wrong or odd about one file of the table to `sink`, in the order of lines and columns.
-/// Only the length of comments is checked.
+/// Of comments, only the length is checked.
 void CheckText(const LoadedTable& table, const SourceText& text, Progress& progress, FindingSink& sink);
 
-/// Whether the line has the same text as every line that set one of its keys last before it. Removing such a
-/// line changes no answer.
+/// Whether, for each key of the line, the previous line that set the key is in the same file and has the same
+/// text. Removing such a line changes no answer.
 bool IsExactRepeat(const LoadedTable& table, Place place);
 
 /// The finding for a file that could not be read.

@@ -12,7 +12,7 @@ const std::array<Rule, kRuleCount>& Rules() {
   using R = Repair;
   static constexpr std::array<Rule, kRuleCount> kRules{{
       {Code::kOverlongLine, "overlong-line", S::kError, R::kUnsafe,
-       "A line of more than 1,022 characters: the load never ends."},
+       "A line of more than 1,022 bytes: the load never ends."},
       {Code::kUnreadableFile, "unreadable-file", S::kError, R::kNever,
        "A file that cannot be read: a load of it loads nothing, waits, or never ends."},
       {Code::kDirectory, "directory", S::kError, R::kNever,
@@ -56,7 +56,7 @@ const std::array<Rule, kRuleCount>& Rules() {
       {Code::kNotAscii, "not-ascii", S::kWarning, R::kNever,
        "Bytes that are not ASCII are compared one by one, in every encoding."},
       {Code::kManyRecords, "many-records", S::kWarning, R::kNever,
-       "The alternatives multiply to 16 records or more."},
+       "The alternatives combine to 16 records or more."},
       {Code::kNoRecord, "no-record", S::kWarning, R::kNever,
        "The file holds no record: every query gets a successful 0."},
       {Code::kTrailingSlash, "trailing-slash", S::kNote, R::kSafe, "A trailing \"/\" is ignored."},

@@ -49,7 +49,8 @@ enum class Code {
   kRepeatedLine,
 };
 
-/// When `fix` repairs what a rule finds.
+/// Whether `fix` repairs what a rule finds: never, always, or only with --unsafe. Some lines are left out,
+/// see repair_line.h.
 enum class Repair { kNever, kSafe, kUnsafe };
 
 /// The constant properties of a code. Names never change: people and scripts select by them.

@@ -58,7 +58,8 @@ class Linter {
     std::string_view after = line_.substr(before.size() + trimmed.size());
     // Line ends are counted for the whole file.
     after.remove_suffix(!after.empty() && after.back() == '\r' ? 1 : 0);
-    const bool isLeading = !before.empty() && trimmed.front() != '#';  // Or an indented comment.
+    // Blanks before a "#" are reported as an indented comment.
+    const bool isLeading = !before.empty() && trimmed.front() != '#';
     if (isLeading || !after.empty()) {
       Add(Code::kOuterBlank, isLeading ? before : after,
           std::string("the line ") + (isLeading ? "starts" : "ends") + " with blanks, which are trimmed away",
@@ -94,7 +95,7 @@ class Linter {
     return isQuoted;
   }
 
-  /// `name` returns the name of the part; it is called for a finding only.
+  /// `name` returns the name of the part; it is called only when there is a finding.
   template <class Name>
   void LintEdges(std::string_view part, const Name& name) {
     const std::string_view inner = TrimEdges(part);
@@ -141,7 +142,7 @@ class Linter {
       const std::size_t start = OffsetIn(line_, parsed_.columns[0]);
       const std::size_t end = OffsetIn(line_, parsed_.columns[1]) + parsed_.columns[1].size();
       Add(Code::kManyRecords, line_.substr(start, end - start),
-          "the alternatives of columns 1 and 2 multiply to " + std::to_string(records) + " records",
+          "the alternatives of columns 1 and 2 combine to " + std::to_string(records) + " records",
           "check that every combination is meant; \"/\" always separates alternatives");
     }
   }
@@ -159,7 +160,7 @@ class Linter {
     if (!meant.empty()) {
       hint = "write " + meant;
     } else if (!MeantNumber(parsed_.columns[2]).empty()) {
-      hint = "columns 3 and 4 look exchanged: column 4 is the number";
+      hint = "columns 3 and 4 look swapped: column 4 is the number";
     }
     Add(Code::kNumberNeverMatches, column,
         "column 4 is " + Quoted(column) +

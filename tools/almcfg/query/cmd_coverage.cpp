@@ -33,7 +33,7 @@ struct Asked {
   std::uint64_t count = 0;
   std::string number;  ///< as text, the form in which the table stores it
   Place place;         ///< the line that serves it; none when no line does
-  std::string value;   ///< the line's
+  std::string value;   ///< the value in that line
   std::vector<Neighbour> nearest;
 
   [[nodiscard]] NS_ASCII::AlarmKey Key() const { return {query->key1, query->key2, query->key3, number}; }
@@ -42,7 +42,7 @@ struct Asked {
 /// A line with keys that no query asked for.
 struct UnaskedLine {
   Place place;
-  std::vector<std::string> alternatives;  ///< those keys in words; empty when it is all of the line
+  std::vector<std::string> alternatives;  ///< descriptions of those keys; empty for all keys of the line
 };
 
 struct Coverage {

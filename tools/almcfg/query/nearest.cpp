@@ -73,7 +73,7 @@ Neighbour Compare(const AlarmKey& wanted, const AlarmKey& present) {
   neighbour.distance += CompareColumn(2, wanted.key2, present.key2, difference);
   if (wanted.key3 == present.numKey && wanted.numKey == present.key3) {
     difference += difference.empty() ? "" : "; ";
-    difference += "columns 3 and 4 are exchanged";
+    difference += "columns 3 and 4 are swapped";
     neighbour.distance += kSlightly;
   } else {
     neighbour.distance += CompareColumn(3, wanted.key3, present.key3, difference);

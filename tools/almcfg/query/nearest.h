@@ -18,12 +18,12 @@ struct Neighbour {
 };
 
 /// Describes how two similar keys differ: in case, quotation marks, edge blanks or the spelling of the
-/// number; in the order of columns 3 and 4; or in one column altogether. The description is empty for other
-/// keys.
+/// number; in the order of columns 3 and 4; or in one column, which is entirely different. The description is
+/// empty for other keys.
 Neighbour Compare(const NS_ASCII::AlarmKey& wanted, const NS_ASCII::AlarmKey& present);
 
 /// At most `count` keys in force, nearest first, equally near ones in the order of the files. Keys with an
-/// altogether different column are returned only when there are no nearer ones.
+/// entirely different column are returned only when there are no nearer ones.
 std::vector<Neighbour> FindNearest(const LoadedTable& table, const NS_ASCII::AlarmKey& wanted,
                                    std::size_t count);
 

@@ -28,7 +28,7 @@ class ReadError : public std::runtime_error {
 };
 
 /// Reads the file `path`, or standard input for "-", to its end and passes its bytes to `take` in pieces.
-/// Pipes are read too. Throws `ReadError` for a pipe without a writer, a device and everything unreadable.
+/// Reads pipes too, but throws `ReadError` for a pipe without a writer, a device and everything unreadable.
 void ReadBytes(const std::string& path,
                const std::function<void(const char* bytes, std::size_t count)>& take);
 

@@ -54,8 +54,8 @@ struct Repeat {
   std::size_t earlierRecord = 0;
 };
 
-/// The table that a process has after loading one or more files in order: for each key the line that set it
-/// last. A load ends at the first over-long line, so nothing after that line is part of the table.
+/// The table that a process would have after loading one or more files in order: for each key the line that
+/// set it last. A load ends at the first over-long line, so nothing after that line is part of the table.
 ///
 /// The index is a sorted list of key hashes and line numbers, eight bytes a record; keys are compared in the
 /// lines themselves. `std::unordered_map` took 48 bytes a record, more than the lines.

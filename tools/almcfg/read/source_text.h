@@ -17,7 +17,7 @@ class Progress;
 /// A line's number, counted from 1; 0 means none.
 using LineNumber = std::uint32_t;
 
-/// The longest line, its CR counted and its LF not, that a load reads whole.
+/// The length in bytes of the longest line that a load can read: CR included, LF not.
 inline constexpr std::size_t kLongestLine = 1022;
 
 /// One line as a load's stream cuts it. A view into its `SourceText`.
@@ -25,7 +25,7 @@ struct Line {
   std::string_view text;     ///< without the LF; the first `kLongestLine` bytes of a longer line
   std::uint64_t length = 0;  ///< bytes in the file, without the LF
 
-  /// A load never gets past such a line.
+  /// A load never ends when it reaches such a line.
   [[nodiscard]] bool IsOverlong() const { return length > kLongestLine; }
 
   /// What the load parses: the text up to its first NUL.

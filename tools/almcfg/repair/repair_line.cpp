@@ -93,11 +93,12 @@ class LineRepairer {
   [[nodiscard]] std::string Trimmed() const { return std::string(NS_ASCII::TrimView(text_)); }
 
   void RemoveMark(bool isFirst) {
-    const auto hidesNoComment = [this] {
+    // Without the mark, a loaded line that continues with "#" would become a comment.
+    const auto mayRemoveMark = [this] {
       return text_[kUtf8Mark.size()] != '#' || !IsAccepted(text_) || rules_.unsafe;
     };
     const auto isMarked = [this] { return text_.compare(0, kUtf8Mark.size(), kUtf8Mark) == 0; };
-    while (isFirst && rules_.Allows(Code::kByteOrderMark) && isMarked() && hidesNoComment()) {
+    while (isFirst && rules_.Allows(Code::kByteOrderMark) && isMarked() && mayRemoveMark()) {
       Set(Code::kByteOrderMark, 0, "removed the byte order mark", text_.substr(kUtf8Mark.size()));
     }
   }
@@ -152,8 +153,8 @@ class LineRepairer {
     return rules_.unsafe || keepsAnswers_(line);
   }
 
-  /// Blanks at the ends of the line that must stay do not belong to a column. Repeats the steps, because one
-  /// repair may make another one possible.
+  /// Blanks at the ends of the line that had to stay (see `TrimUnlessColumnsAreEmpty`) do not belong to a
+  /// column. Repeats the steps, because one repair may make another one possible.
   void RepairColumns() {
     const std::string trimmed = Trimmed();
     start_ = text_.substr(0, OffsetIn(text_, NS_ASCII::TrimView(text_)));
@@ -177,8 +178,8 @@ class LineRepairer {
     text_ = start_ + text_ + end;
   }
 
-  /// Changes each column with `change`, and then each alternative of columns 1 and 2, as far as the line stays
-  /// accepted.
+  /// Changes each column with `change`, and then each alternative of columns 1 and 2, as far as the line
+  /// stays accepted.
   template <class Change>
   void RepairCells(Code code, const std::string& what, const Change& change) {
     for (std::size_t index = 0; rules_.Allows(code) && index < NS_ASCII::kAlarmColumns; ++index) {

@@ -8,14 +8,15 @@
 
 #include "tools/almcfg/check/finding.h"
 
-/// Repairs that need one line only, such as separators, quotation marks and blanks. The caller decides, by
-/// `KeepsAnswers`, whether a repaired line may replace the original one.
+/// Repairs that need one line only, such as separators, quotation marks and blanks. The caller decides,
+/// through `KeepsAnswers`, whether a line with other keys may replace the original one. Removing blanks or a
+/// byte order mark never makes a loaded line a comment, unless `RepairRules::unsafe`.
 namespace almcfg {
 
 /// Which findings may be repaired.
 struct RepairRules {
   CodeSet codes;
-  bool unsafe = false;  ///< also repairs that change the keys and answers of lines that are loaded
+  bool unsafe = false;  ///< also repairs that may change keys or answers, or choose between two lines
 
   [[nodiscard]] bool Allows(Code code) const {
     const Repair repair = RuleOf(code).repair;
@@ -25,7 +26,8 @@ struct RepairRules {
 };
 
 /// Returns whether loading the line in place of the original one keeps the answer of every key that had one.
-/// Called for repairs that add keys, unless `RepairRules::unsafe`; it may then be empty.
+/// Called for repairs that add or change keys, unless `RepairRules::unsafe`; it may then be empty. The other
+/// safe repairs change neither keys nor values of a loaded line, except that a heading becomes a comment.
 using KeepsAnswers = std::function<bool(std::string_view line)>;
 
 /// Repairs one line (without its LF) on its own. Returns the lines that replace it, usually one, and appends

@@ -50,7 +50,7 @@ class Answers {
  public:
   explicit Answers(std::string_view content) : before_(LoadBytes(content)) {}
 
-  /// Whether every query for a key of `line`, as line `number` of the file, gets the answer it had.
+  /// Whether every key of `line` keeps the answer it had when `line` replaces line `number` of the file.
   [[nodiscard]] bool AreKeptBy(std::string_view line, LineNumber number) const {
     const Records records = RecordsOf(line);
     return std::all_of(records.begin(), records.end(), [&](const Record& record) {
@@ -193,7 +193,7 @@ class TextRepairer {
     output_ = std::move(kept);
   }
 
-  /// Takes the keys that a later line sets again out of the earlier lines. Repairs what is left of those lines,
+  /// Removes from earlier lines the keys that a later line sets again. Repairs what is left of those lines,
   /// because fewer alternatives may allow more repairs. Returns whether anything was removed.
   bool RemoveReplacedRecords() {
     const std::size_t repairsBefore = repairs_.size();

@@ -12,7 +12,7 @@ namespace almcfg {
 using Json = nlohmann::ordered_json;
 
 /// Sets member `name` to `bytes`. A JSON text is Unicode: what is not UTF-8 becomes U+FFFD, and a member
-/// NAME + "Hex" then brings all bytes in hexadecimal.
+/// NAME + "Hex" then holds all bytes in hexadecimal.
 void SetText(Json& object, const char* name, std::string_view bytes);
 
 /// `bytes` as UTF-8, with U+FFFD for each byte that belongs to no character.

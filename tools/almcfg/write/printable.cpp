@@ -28,7 +28,7 @@ bool IsBetween(std::uint32_t code, std::uint32_t first, std::uint32_t last) {
   return first <= code && code <= last;
 }
 
-/// Control characters, characters of no width, and characters that change the direction of writing.
+/// Control characters, zero-width characters, and characters that change the direction of writing.
 bool IsUnprintable(std::uint32_t code) {
   return code < 0x20 || IsBetween(code, 0x7F, 0xA0) || code == 0xAD || code == 0x061C || code == 0x180E ||
          IsBetween(code, 0x200B, 0x200F) || IsBetween(code, 0x2028, 0x202F) ||

@@ -44,10 +44,10 @@ std::string Printable(std::string_view text);
 /// The text with unprintable and easily overlooked characters marked: TAB, CR, edge blanks and others.
 std::string Marked(std::string_view text);
 
-/// The same in double quotes, cut to a length that fits into a message.
+/// The same in double quotes, shortened to fit into a message.
 std::string Quoted(std::string_view text);
 
-/// A line with its source marks, cut like a quotation.
+/// A line as `Marked` shows it, shortened to fit into a report.
 std::string LineExcerpt(std::string_view text);
 
 /// "1,234,567".

@@ -14,8 +14,8 @@ class Progress {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// Shows nothing unless `enabled`, and nothing before `delay` is over; from then on a new line every
-  /// `interval`, at most.
+  /// Shows nothing unless `enabled`, and nothing before `delay` is over; then updates the line at most once
+  /// per `interval`.
   explicit Progress(bool enabled, Clock::duration delay = std::chrono::seconds(1),
                     Clock::duration interval = std::chrono::milliseconds(200))
       : enabled_(enabled), interval_(interval), next_(Clock::now() + delay) {}

@@ -40,7 +40,7 @@ class Report : public FindingSink {
 /// code was found and one line of totals. `out` and `progress` are borrowed.
 std::unique_ptr<Report> MakeTextReport(std::ostream& out, Progress& progress, TextStyle style, bool quiet);
 
-/// One JSON object. Bytes that are not UTF-8 become U+FFFD, and the line then comes in hexadecimal too.
+/// One JSON object. Bytes that are not UTF-8 become U+FFFD, and the line is then also given in hexadecimal.
 std::unique_ptr<Report> MakeJsonReport(std::ostream& out);
 
 /// A SARIF 2.1.0 log. Columns count characters.
@@ -49,7 +49,7 @@ std::unique_ptr<Report> MakeSarifReport(std::ostream& out);
 /// One finding as text, as the text report writes it.
 void WriteFinding(std::ostream& out, const SourceText& text, const Finding& finding, TextStyle style);
 
-/// "1 error, 2 warnings, 3 notes" without those of which there are none; "no findings".
+/// "1 error, 2 warnings, 3 notes", counts of zero left out; "no findings" when all are zero.
 std::string Summary(const Tally& tally);
 
 }  // namespace almcfg

@@ -8,7 +8,7 @@
 /// The output of `almcfg fix --diff`.
 namespace almcfg {
 
-/// Writes a unified diff that patch(1) applies, with three lines around each change; nothing when nothing
+/// Writes a unified diff that patch(1) applies, with three lines of context; writes nothing when nothing
 /// changes. `replacements[i]` are the lines in place of `original[i]`; lines have their LF. With `isTerminal`
 /// the lines are made printable, for people.
 void WriteUnifiedDiff(std::ostream& out, const std::string& name, const std::vector<std::string>& original,

@@ -24,8 +24,8 @@ using Line = std::variant<Head, Record, Tail, Problem>;
 ///
 /// A record is returned only when its values have the number and the kinds of its operation's signature:
 /// `in`, `before` and `out` are complete, and `result` or `thrown` is present. Unknown members are
-/// ignored. A line that is cut, foreign or too long is a `Problem`, and reading continues.
-/// Several files one after the other are read like one, so a second head may follow a tail.
+/// ignored. A line that is truncated, too long or not a record is a `Problem`, and reading continues.
+/// Concatenated files are read like one, so a second head may follow a tail.
 ///
 /// Borrows the stream. Threads: one at a time.
 class Reader {
