@@ -19,7 +19,7 @@ struct HashKey {
 };
 
 /// A random key; the default key if the system has no random bytes yet, early at boot.
-inline HashKey DrawHashKey() {
+inline HashKey RandomHashKey() {
   HashKey key;
   static_cast<void>(getrandom(&key, sizeof key, GRND_NONBLOCK));
   return key;

@@ -65,7 +65,7 @@ std::uint32_t AlarmTable::HashOf(const AlarmKey& key) const {
   return hash.value();
 }
 
-std::uint32_t AlarmTable::HashAndFetch(const AlarmKey& key) const {
+std::uint32_t AlarmTable::HashAndPrefetch(const AlarmKey& key) const {
   const std::uint32_t hash = HashOf(key);
   if (const SlotArray* const array = CurrentArray(); array != nullptr) {
     __builtin_prefetch(&array->slots[hash & array->mask]);

@@ -59,7 +59,7 @@ class AlarmTable {
   void InsertAll(const Keys& keys, std::string_view value) {
     hashes_.clear();
     for (const AlarmKey& key : keys) {
-      hashes_.push_back(HashAndFetch(key));
+      hashes_.push_back(HashAndPrefetch(key));
     }
     const Ref valueRef = values_.Intern(value);
     auto hash = hashes_.cbegin();
@@ -118,7 +118,7 @@ class AlarmTable {
   Ref Locate(const SlotArray& array, const AlarmKey& key, std::uint32_t hash, std::size_t& slot) const;
 
   /// The key's hash. Prefetches the slot at which a search for it starts.
-  [[nodiscard]] std::uint32_t HashAndFetch(const AlarmKey& key) const;
+  [[nodiscard]] std::uint32_t HashAndPrefetch(const AlarmKey& key) const;
 
   /// The current array, for the writer, which is the only thread that changes it.
   [[nodiscard]] SlotArray* CurrentArray() const { return array_.load(std::memory_order_relaxed); }
@@ -130,7 +130,7 @@ class AlarmTable {
   Ref AddNode(const AlarmKey& key, Ref value);
   void Grow();
 
-  const HashKey hashKey_ = DrawHashKey();
+  const HashKey hashKey_ = RandomHashKey();
 
   // Changed by the writer only. Readers use them through numbers that were published.
   AlarmArena nodes_;

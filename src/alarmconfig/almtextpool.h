@@ -52,7 +52,7 @@ class AlarmTextPool {
   [[nodiscard]] std::size_t SlotOf(std::string_view text, std::uint32_t hash) const;
   void Grow();
 
-  const HashKey hashKey_ = DrawHashKey();
+  const HashKey hashKey_ = RandomHashKey();
   AlarmArena arena_;
   std::vector<Slot> slots_;  // Open addressing with linear probing; size a power of two.
   std::size_t size_ = 0;

@@ -11,7 +11,7 @@
 namespace NS_ASCII {
 namespace {
 
-/// Whether the key may start at `at`: its first byte is there, and a "=" or NUL where it ends.
+/// Whether the key may start at `at`: its first byte is there, and a "=" or NUL follows where the key ends.
 bool MayStart(std::string_view key, const char* at) {
   const char after = at[key.size()];
   return (*at == key.front()) & ((after == '=') | (after == '\0'));
@@ -60,7 +60,7 @@ std::size_t FindEqualsOf(std::string_view key, std::string_view text) {
     return std::string_view::npos;
   }
   if (text[end] == '\0') {
-    end = text.find_first_of("=,", end);  // The key's bytes after the NUL are ignored.
+    end = text.find_first_of("=,", end);  // A key ends at its first NUL; skips the rest up to the "=".
   }
   return end < text.size() && text[end] == '=' ? end : std::string_view::npos;
 }

@@ -71,7 +71,7 @@ ModuleState moduleState;
 PosStorage::~PosStorage() { Close(); }
 
 PosForDbg* PosStorage::Record() {
-  if (IsClosed() || !HasKey()) {
+  if (IsClosed() || !EnsureKey()) {
     return nullptr;
   }
   if (PosForDbg* const record = ts_value(); record != nullptr) {
@@ -86,7 +86,7 @@ PosForDbg* PosStorage::Record() {
   return Store(record.get()) ? record.release() : nullptr;
 }
 
-bool PosStorage::HasKey() {
+bool PosStorage::EnsureKey() {
   // Acquire: pairs with the release below, after which the key does not change.
   if (!hasKey_.load(std::memory_order_acquire)) {
     if (ts_init() != 0 || !once_) {

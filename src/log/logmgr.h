@@ -33,7 +33,7 @@ class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
 
  private:
   /// Creates the thread key if there is none yet; false when that fails.
-  bool HasKey();
+  bool EnsureKey();
   [[nodiscard]] bool Store(NS_LOG_SERVICE1::PosForDbg* record) const;
 
   std::atomic<bool> hasKey_{false};  // The base reads its own flag without its lock.

@@ -26,14 +26,15 @@ constexpr const char* kFunctionName = "unknown";
 /// the logger's own initialisation.
 std::atomic<Logger*> sharedLogger{nullptr};
 
-/// The library's null interface. A plain pointer, because `InterfaceRef` takes its address; it is accessed
-/// only through the atomic operations below.
+/// The library's null interface, one of the arguments of a lookup, although no lookup reads it. A plain
+/// pointer, because `InterfaceRef` takes its address; it is accessed only through the atomic operations
+/// below.
 NULLServiceInterface* nullInterface = nullptr;
 
 /// Required: the null interface is never destroyed. It lies in static storage, so unloading leaks nothing.
 alignas(NULLServiceInterface) unsigned char nullInterfacePlace[sizeof(NULLServiceInterface)];
 
-void MakeNullInterfaceReady() {
+void EnsureNullInterface() {
   if (__atomic_load_n(&nullInterface, __ATOMIC_ACQUIRE) != nullptr) {
     return;
   }
@@ -66,7 +67,7 @@ Logger* SharedLogger() {
 
 Logger* ObtainLogger(const char* bundle, const char* service, const char* channel) {
   try {
-    MakeNullInterfaceReady();
+    EnsureNullInterface();
     InterfaceRef ref;
     ref.buffer = NS_BUNDLEMGR1::CheckIFBuf("LogSvcInterface");
     ref.lock = &NS_BUNDLEMGR1::_g_actualmutex;

@@ -1,7 +1,7 @@
 // The percent encoder, the percent decoder, the escaper of percent signs and the conversion to ISO-8859-1. No
 // function keeps state, so any thread may call them.
 
-#include "src/text/urlcodec.h"
+#include "ascii_util/text_functions.h"
 
 #include <algorithm>
 #include <array>
@@ -61,8 +61,8 @@ constexpr std::array<ByteCode, 256> kByteCodes = MakeByteCodes();
 
 const ByteCode& CodeOf(char c) { return kByteCodes[static_cast<unsigned char>(c)]; }
 
-/// How many bytes are encoded into a buffer at a time. A LF has the longest code; the CR at the end of a block
-/// may add one character of the byte after it.
+/// How many bytes are encoded into a buffer at a time. An LF has the longest code; the CR at the end of a
+/// block may add one character of the byte after it.
 constexpr std::size_t kEncoderBlock = 1024;
 constexpr std::size_t kEncoderBuffer = kEncoderBlock * kLineEnd.size() + 1;
 
@@ -160,7 +160,7 @@ std::string GetURLEncoding(std::string text) {
   }
   const std::string latin = Convert(text);
   std::string encoded;
-  // Each code is written with all its four bytes; only its length counts.
+  // Each code is copied with all its four bytes, but `out` advances by its length only.
   std::array<char, kEncoderBuffer + sizeof(ByteCode)> buffer;
   const char* const end = latin.data() + latin.size();
   for (const char* in = latin.data(); in != end;) {

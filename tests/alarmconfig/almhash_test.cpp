@@ -15,8 +15,8 @@
 
 namespace {
 
-using NS_ASCII::DrawHashKey;
 using NS_ASCII::HashKey;
+using NS_ASCII::RandomHashKey;
 using NS_ASCII::TextHash;
 
 /// Fixed, so that the expected counts below are the same in every run.
@@ -105,10 +105,10 @@ TEST(TextHash, DependsOnBothHalvesOfTheKey) {
   }
 }
 
-TEST(DrawHashKey, DrawsADifferentKeyEachTime) {
+TEST(RandomHashKey, DrawsADifferentKeyEachTime) {
   std::set<std::uint64_t> words;
   for (int i = 0; i < 10; ++i) {
-    const HashKey key = DrawHashKey();
+    const HashKey key = RandomHashKey();
     words.insert({key.first, key.second});
   }
   EXPECT_EQ(words.size(), 20U);

@@ -1,7 +1,6 @@
-#include "src/text/urlcodec.h"
-
 #include <string>
 
+#include "ascii_util/text_functions.h"
 #include "tests/literal_rules.h"
 #include "tests/random_text.h"
 #include "tests/recording_fixture.h"
