@@ -19,10 +19,10 @@ inline std::string_view View(const char* begin, const char* end) {
   return {begin, static_cast<std::size_t>(end - begin)};
 }
 
-inline bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+inline bool IsWhiteSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 inline std::string_view TrimLeft(std::string_view text) {
-  while (!text.empty() && IsBlank(text.front())) {
+  while (!text.empty() && IsWhiteSpace(text.front())) {
     text.remove_prefix(1);
   }
   return text;
@@ -30,7 +30,7 @@ inline std::string_view TrimLeft(std::string_view text) {
 
 inline std::string_view Trim(std::string_view text) {
   text = TrimLeft(text);
-  while (!text.empty() && IsBlank(text.back())) {
+  while (!text.empty() && IsWhiteSpace(text.back())) {
     text.remove_suffix(1);
   }
   return text;

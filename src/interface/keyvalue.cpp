@@ -46,7 +46,7 @@ std::size_t FindPlace(std::string_view key, std::string_view text, std::size_t p
 
 /// Whether the trimmed pair that contains `pos` starts there.
 bool StartsPair(std::string_view text, std::size_t pos) {
-  while (pos > 0 && IsBlank(text[pos - 1])) {
+  while (pos > 0 && IsWhiteSpace(text[pos - 1])) {
     --pos;
   }
   return pos == 0 || text[pos - 1] == ',';
@@ -76,7 +76,7 @@ std::string_view ValueIn(std::string_view rest) {
 std::string_view FindValue(std::string_view key, std::string_view text) {
   key = key.substr(0, key.find('\0'));
   const auto isSeparator = [](char c) { return c == '=' || c == ','; };
-  if (key.empty() || IsBlank(key.front()) || std::any_of(key.begin(), key.end(), isSeparator)) {
+  if (key.empty() || IsWhiteSpace(key.front()) || std::any_of(key.begin(), key.end(), isSeparator)) {
     return {};  // No trimmed pair has such a key.
   }
   const std::size_t end = text.size() - std::min(text.size(), key.size());

@@ -12,7 +12,7 @@
 namespace NS_ASCII {
 
 /// Whether `c` is white space, which trimming removes: blank, tab, line feed or carriage return.
-constexpr bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+constexpr bool IsWhiteSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 /// A copy of `text` without its leading white space.
 std::string TrimLeft(const std::string& text);
@@ -22,7 +22,7 @@ std::string TrimRight(const std::string& text);
 
 /// A view into `text` without its leading white space.
 inline std::string_view TrimLeftView(std::string_view text) {
-  while (!text.empty() && IsBlank(text.front())) {
+  while (!text.empty() && IsWhiteSpace(text.front())) {
     text.remove_prefix(1);
   }
   return text;
@@ -30,7 +30,7 @@ inline std::string_view TrimLeftView(std::string_view text) {
 
 /// A view into `text` without its trailing white space.
 inline std::string_view TrimRightView(std::string_view text) {
-  while (!text.empty() && IsBlank(text.back())) {
+  while (!text.empty() && IsWhiteSpace(text.back())) {
     text.remove_suffix(1);
   }
   return text;

@@ -28,9 +28,9 @@ void OnStep(int /*signal*/) {
 }
 
 void SetSingleStep(bool isOn) {
-  constexpr unsigned long long kTrapFlag = 0x100;
+  constexpr unsigned long long kSingleStepFlag = 0x100;
   const unsigned long long flags = __builtin_ia32_readeflags_u64();
-  __builtin_ia32_writeeflags_u64(isOn ? flags | kTrapFlag : flags & ~kTrapFlag);
+  __builtin_ia32_writeeflags_u64(isOn ? flags | kSingleStepFlag : flags & ~kSingleStepFlag);
 }
 
 /// Inserts the entry and calls `reader` after each instruction. `reader` must not allocate memory.

@@ -28,7 +28,7 @@ constexpr std::size_t kNeighbours = 2;
 constexpr std::size_t kMostAsked = 10;
 
 /// A query and its answer.
-struct Asked {
+struct AnsweredQuery {
   const Query* query = nullptr;
   std::uint64_t count = 0;
   std::string number;  ///< as text, the form in which the table stores it
@@ -46,16 +46,16 @@ struct UnaskedLine {
 };
 
 struct Coverage {
-  std::vector<Asked> served;  ///< with an integer; each list with the most frequent first
-  std::vector<Asked> notServed;
-  std::vector<Asked> noInteger;
+  std::vector<AnsweredQuery> served;  ///< with an integer; each list with the most frequent first
+  std::vector<AnsweredQuery> notServed;
+  std::vector<AnsweredQuery> noInteger;
   std::vector<UnaskedLine> unasked;
   std::size_t lines = 0;  ///< lines that serve a key
 };
 
-std::uint64_t CallsOf(const std::vector<Asked>& queries) {
+std::uint64_t CallsOf(const std::vector<AnsweredQuery>& queries) {
   std::uint64_t calls = 0;
-  for (const Asked& asked : queries) {
+  for (const AnsweredQuery& asked : queries) {
     calls += asked.count;
   }
   return calls;
@@ -63,7 +63,7 @@ std::uint64_t CallsOf(const std::vector<Asked>& queries) {
 
 void SortQueries(const LoadedTable& table, const Calls& calls, Coverage& coverage) {
   for (const auto& [query, count] : calls.counts) {
-    Asked asked{&query, count, NSTE_util::Trim(NSTE_util::Num2Str(query.number)), {}, {}, {}};
+    AnsweredQuery asked{&query, count, NSTE_util::Trim(NSTE_util::Num2Str(query.number)), {}, {}, {}};
     const std::optional<Entry> entry = table.Find(asked.Key());
     if (!entry) {
       asked.nearest = FindNearest(table, asked.Key(), kNeighbours);
@@ -74,17 +74,18 @@ void SortQueries(const LoadedTable& table, const Calls& calls, Coverage& coverag
     asked.value = std::string(entry->value);
     (AnswerFor(entry->value).result == 0 ? coverage.served : coverage.noInteger).push_back(std::move(asked));
   }
-  for (std::vector<Asked>* const list : {&coverage.served, &coverage.notServed, &coverage.noInteger}) {
+  for (std::vector<AnsweredQuery>* const list :
+       {&coverage.served, &coverage.notServed, &coverage.noInteger}) {
     std::stable_sort(list->begin(), list->end(),
-                     [](const Asked& a, const Asked& b) { return a.count > b.count; });
+                     [](const AnsweredQuery& a, const AnsweredQuery& b) { return a.count > b.count; });
   }
 }
 
 /// The keys in force are visited line by line, so a line is complete when the next one begins.
 void FindUnasked(const LoadedTable& table, Coverage& coverage) {
   std::set<std::tuple<std::string_view, std::string_view, std::string_view, std::string_view>> keys;
-  for (const std::vector<Asked>* const list : {&coverage.served, &coverage.noInteger}) {
-    for (const Asked& asked : *list) {
+  for (const std::vector<AnsweredQuery>* const list : {&coverage.served, &coverage.noInteger}) {
+    for (const AnsweredQuery& asked : *list) {
       keys.emplace(asked.query->key1, asked.query->key2, asked.query->key3, asked.number);
     }
   }
@@ -113,8 +114,8 @@ void FindUnasked(const LoadedTable& table, Coverage& coverage) {
 
 std::string_view LineAt(Place place) { return place.text->line(place.line).text; }
 
-void WriteNotServed(std::ostream& out, const std::vector<Asked>& queries) {
-  for (const Asked& asked : queries) {
+void WriteNotServed(std::ostream& out, const std::vector<AnsweredQuery>& queries) {
+  for (const AnsweredQuery& asked : queries) {
     out << "  " << Grouped(asked.count) << "  " << Shown(asked.Key()) << '\n';
     for (const Neighbour& neighbour : asked.nearest) {
       out << "      near: " << Shown(neighbour.place) << ": " << neighbour.difference << '\n';
@@ -122,9 +123,9 @@ void WriteNotServed(std::ostream& out, const std::vector<Asked>& queries) {
   }
 }
 
-void WriteServed(std::ostream& out, const std::vector<Asked>& queries, std::size_t most) {
+void WriteServed(std::ostream& out, const std::vector<AnsweredQuery>& queries, std::size_t most) {
   for (std::size_t at = 0; at < std::min(queries.size(), most); ++at) {
-    const Asked& asked = queries[at];
+    const AnsweredQuery& asked = queries[at];
     out << "  " << Grouped(asked.count) << "  " << Shown(asked.Key()) << ": " << Quoted(asked.value) << " in "
         << Shown(asked.place) << '\n';
   }
@@ -171,7 +172,7 @@ void WriteText(std::ostream& out, const Calls& calls, const Coverage& coverage) 
   WriteServed(out, coverage.served, kMostAsked);
 }
 
-Json ToJson(const Asked& asked) {
+Json ToJson(const AnsweredQuery& asked) {
   Json json;
   SetText(json, "key1", asked.query->key1);
   SetText(json, "key2", asked.query->key2);
@@ -195,9 +196,9 @@ Json ToJson(const Asked& asked) {
   return json;
 }
 
-Json ToJson(const std::vector<Asked>& queries) {
+Json ToJson(const std::vector<AnsweredQuery>& queries) {
   Json list = Json::array();
-  for (const Asked& asked : queries) {
+  for (const AnsweredQuery& asked : queries) {
     list.push_back(ToJson(asked));
   }
   return list;
