@@ -95,7 +95,7 @@ class Metadata(unittest.TestCase):
         system = {"libc6", "libgcc-s1", "libstdc++6"} | ace
         self.assertEqual(depends("libii-ascii-util"), system)
         self.assertEqual(depends("ii-ascii-util-tools"), system | {"libii-ascii-util", "libedit2"})
-        self.assertEqual(depends("libii-ascii-util-dev"), {"libii-ascii-util", "libace-dev", "pkg-config"})
+        self.assertEqual(depends("libii-ascii-util-dev"), {"libii-ascii-util", "libace-dev", "pkgconf"})
 
     def test_sister_packages_are_wanted_in_the_same_version(self):
         version = field("libii-ascii-util", "Version")
