@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
 # Builds and tests the project on another Debian or another architecture, in a root of its own.
 #
-#   scripts/port.sh [--help] TARGET
+#   scripts/port.sh [--help] TARGET [STEP...]
 #
 # TARGET  debian12, debian13: a bare root of that release, in which the two commands of the README run unchanged; then the
 #         packages are installed, used by a consumer and purged
 #         arm64, s390x: a cross build in a root of Debian 13, and the tests of the bundle's own code under emulation
+#
+# STEP    one of the steps to run (default: all): demo, test and packages; for another architecture setup, build,
+#         bundle-tests, commands and packages
 #
 # Needs root, a Debian mirror and about 4 GB in build/port/TARGET. Prints one line for each step and at the end the row for
 # the table in docs/testing.md. A log of each step is kept beside the root, which is used again next time; remove it to begin with
@@ -29,6 +32,12 @@ esac
 #   C.UTF-8        the root's own locale is in the byte order of the machine that emulates
 emulated_left_out='DeathTest|C\.UTF-8|BuiltInLocale'
 
+steps=("${@:2}")
+for name in "${steps[@]}"; do
+  [[ " demo test packages setup build bundle-tests commands " == *" $name "* ]] ||
+    { echo "port.sh: unknown step '$name'; see --help" >&2; exit 2; }
+done
+
 work=$PWD/build/port/$target
 root=$work/root
 mkdir -p "$work"
@@ -38,6 +47,7 @@ in_root() { chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HO
 
 # step NAME COMMAND: runs the command in the root's copy of the sources; a line, and a cell of the table.
 step() {
+  [ ${#steps[@]} -eq 0 ] || [[ " ${steps[*]} " == *" $1 "* ]] || return 0
   local begin=$SECONDS result=ok tests
   in_root "cd /root/ii_ascii_util; $2" >"$work/$1.log" 2>&1 || result=FAILED
   tests=$(sed -n 's/^.*% tests passed, \([0-9]*\) tests failed out of \([0-9]*\)$/\1 of \2 tests failed, /p' "$work/$1.log" | tail -n 1)
@@ -80,7 +90,7 @@ cross() {
   local arch=$1 triplet=$2
   step setup "dpkg --add-architecture $arch
     apt-get update -q
-    DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends g++-$triplet cmake ninja-build pkg-config \
+    DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends g++-$triplet cmake ninja-build pkgconf pkgconf:$arch \
       python3 make locales binutils debhelper libcli11-dev nlohmann-json3-dev \
       libace-dev:$arch libedit-dev:$arch libgtest-dev:$arch libgmock-dev:$arch"
   step build "export PKG_CONFIG_LIBDIR=/usr/lib/$triplet/pkgconfig:/usr/share/pkgconfig
@@ -93,7 +103,12 @@ cross() {
     run examples/every_operation.txt
     grep -q 'arch=$arch' build/release/ii_ascii_util.cdx.json"
   step packages "scripts/package.sh --output /root/packages -d -a$arch
-    ls /root/packages/libii-ascii-util_*_$arch.deb"
+    cd /root/packages
+    [ \"\$(dpkg-deb --field libii-ascii-util_*_$arch.deb Architecture)\" = $arch ]
+    dpkg-deb --fsys-tarfile libii-ascii-util_*_$arch.deb |
+      tar -xO ./usr/lib/$triplet/ii_ascii_util/ii_ascii_util.cdx.json >/root/bill.json
+    grep -q 'arch=$arch' /root/bill.json
+    ! grep 'arch=$(dpkg --print-architecture)' /root/bill.json"
 }
 
 native() {
