@@ -27,8 +27,7 @@ Action ParseQuit(const Words& /*words*/) {
 std::vector<Command> HelpCommands() {
   return {
       {"help", "[COMMAND]", "list the commands, or explain one", "", 0, 1, Completes::kCommands, ParseHelp},
-      {"quit", "", "unload everything, the last one loaded first, and exit", "", 0, 0, Completes::kNothing,
-       ParseQuit},
+      {"quit", "", "unload all bundles in reverse order and exit", "", 0, 0, Completes::kNothing, ParseQuit},
   };
 }
 

@@ -60,7 +60,7 @@ std::vector<Command> LoadCommands() {
        "factory\n"
        "_make_NAME. Arguments must not hold quotes, backslashes or '$'.\n",
        1, kAnyNumber, Completes::kFiles, ParseLoad},
-      {"init", "NAME [ARGUMENT...]", "call init of a loaded bundle once more", "", 1, kAnyNumber,
+      {"init", "NAME [ARGUMENT...]", "call init of a loaded bundle again", "", 1, kAnyNumber,
        Completes::kBundles, ParseInit},
       {"reload", "NAME", "unload a bundle, load its file again and initialise it",
        "init gets the same arguments as before. Refused while another loaded bundle is linked against the "

@@ -91,7 +91,7 @@ class Loader {
   /// Processes one directive of a svc.conf.
   void Process(const std::string& directive);
 
-  /// Calls `init` of a loaded bundle once more.
+  /// Calls `init` of a loaded bundle again.
   void Init(const std::string& name, const Words& arguments);
 
   /// Calls `fini`, destroys the service object and releases the library. Throws `Failure` while another

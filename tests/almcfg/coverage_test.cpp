@@ -56,7 +56,7 @@ TEST(Coverage, SaysWhatIsServedWhatIsNotAndWhatNoQueryAskedFor) {
             "calls:       1,237 of GetAlmCfgValue, 3 different queries\n"
             "served:      1,234\n"
             "not served:  1; the caller gets a successful 0\n"
-            "no integer:  2; the caller's value is left alone\n"
+            "no integer:  2; the caller's variable is unchanged\n"
             "lines:       4, of which 3 have keys that were never asked for\n"
             "\n"
             "Queries that no line serves\n"

@@ -147,7 +147,7 @@ void WriteText(std::ostream& out, const Calls& calls, const Coverage& coverage) 
       << " different queries\n"
       << "served:      " << Grouped(CallsOf(coverage.served)) << '\n'
       << "not served:  " << Grouped(CallsOf(coverage.notServed)) << "; the caller gets a successful 0\n"
-      << "no integer:  " << Grouped(CallsOf(coverage.noInteger)) << "; the caller's value is left alone\n"
+      << "no integer:  " << Grouped(CallsOf(coverage.noInteger)) << "; the caller's variable is unchanged\n"
       << "lines:       " << Grouped(coverage.lines) << ", of which " << Grouped(coverage.unasked.size())
       << " have keys that were never asked for\n";
   if (calls.every != 1) {
