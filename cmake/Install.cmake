@@ -120,5 +120,5 @@ install(CODE "
 
 # --- pages --------------------------------------------------------------------------------------------------------------
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN man EXCLUDE)
-file(GLOB manual_pages CONFIGURE_DEPENDS docs/man/*.1 tools/almcfg/*.1)
+file(GLOB manual_pages CONFIGURE_DEPENDS docs/man/*.1)
 install(FILES ${manual_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)

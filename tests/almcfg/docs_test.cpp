@@ -47,7 +47,7 @@ Words Union(Words a, const Words& b) {
 
 /// The man page as one reads it, without its markup.
 std::string ManPage() {
-  const std::string source = ReadFile(ProjectFolder() + "tools/almcfg/almcfg.1");
+  const std::string source = ReadFile(ProjectFolder() + "docs/man/almcfg.1");
   return std::regex_replace(source, std::regex("\\\\"), "");
 }
 
@@ -154,6 +154,33 @@ TEST(Page, DescribesEveryRuleUnderItsName) {
   for (const almcfg::Rule& rule : almcfg::Rules()) {
     EXPECT_THAT(page, HasSubstr("\n#### `" + std::string(rule.name) + "`\n"));
   }
+}
+
+/// The codes in the first column of the page's table with this heading.
+Words CodesInTable(const std::string& page, const std::string& heading) {
+  const std::size_t begin = page.find("\n| " + heading + " |");
+  std::istringstream table(page.substr(begin, page.find("\n\n", begin + 1) - begin));
+  Words codes;
+  for (std::string line; std::getline(table, line);) {
+    codes = Union(codes, Matches(line.substr(0, line.find('|', 1)), "`([a-z-]+)`"));
+  }
+  return codes;
+}
+
+TEST(Page, ListsTheSafeAndTheUnsafeRepairs) {
+  const std::string page = ReadFile(ProjectFolder() + "docs/alarm-config.md");
+  Words safe;
+  Words unsafe;
+  for (const almcfg::Rule& rule : almcfg::Rules()) {
+    if (rule.repair == almcfg::Repair::kSafe) {
+      safe.insert(rule.name);
+    } else if (rule.repair == almcfg::Repair::kUnsafe) {
+      unsafe.insert(rule.name);
+    }
+  }
+  EXPECT_EQ(CodesInTable(page, "safe repair of"), safe);
+  // These two also have an unsafe case.
+  EXPECT_EQ(CodesInTable(page, "unsafe repair of"), Union(unsafe, {"byte-order-mark", "indented-comment"}));
 }
 
 /// Splits what a user types at blanks; there is no quoting.

@@ -1,1 +1,0 @@
-message(FATAL_ERROR "a module of this project, which no other project may include")
