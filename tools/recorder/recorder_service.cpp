@@ -27,7 +27,8 @@ using NS_BUNDLEMGR1::ServiceInterface;
 
 constexpr const char* kInterfaceName = "AsciiUtilInterface";
 
-/// Holds some 50,000 calls of 330 bytes. Pages that are never written do not become resident.
+/// The bytes of each of the queue's two buffers: some 50,000 calls of 330 bytes. Pages that are never written
+/// do not become resident.
 constexpr std::size_t kQueueSize = std::size_t{16} << 20;
 
 /// The recording and the front are never destroyed: callers may still use them, see `RecorderService`.
