@@ -18,8 +18,8 @@ namespace fs = std::filesystem;
 
 bool HasDirectory(const std::string& request) { return request.find('/') != std::string::npos; }
 
-std::string WhereLooked(bool here, const std::vector<std::string>& directories) {
-  std::string places = here ? "looked in the working directory and where" : "looked where";
+std::string WhereLooked(bool inWorkingDirectory, const std::vector<std::string>& directories) {
+  std::string places = inWorkingDirectory ? "looked in the working directory and where" : "looked where";
   places += " the dynamic linker looks (LD_LIBRARY_PATH and the system's directories)";
   for (const std::string& directory : directories) {
     places += ", in " + directory;
@@ -65,13 +65,13 @@ std::vector<std::string> LibraryDirectories() {
   return directories;
 }
 
-std::vector<std::string> Candidates(const std::string& request, bool here,
+std::vector<std::string> Candidates(const std::string& request, bool inWorkingDirectory,
                                     const std::vector<std::string>& directories) {
   if (HasDirectory(request)) {
     return {request};
   }
   std::vector<std::string> candidates;
-  if (here) {
+  if (inWorkingDirectory) {
     candidates.push_back("./" + request);
   }
   const std::string name = FileNameOf(request);
@@ -83,12 +83,12 @@ std::vector<std::string> Candidates(const std::string& request, bool here,
   return candidates;
 }
 
-std::string FindLibrary(const std::string& request, bool here) {
+std::string FindLibrary(const std::string& request, bool inWorkingDirectory) {
   if (request.empty()) {
     throw UsageError("'' is not a library; give its path, or a name that the dynamic linker finds");
   }
   const std::vector<std::string> directories = LibraryDirectories();
-  for (const std::string& candidate : Candidates(request, here, directories)) {
+  for (const std::string& candidate : Candidates(request, inWorkingDirectory, directories)) {
     std::error_code none;
     const bool isName = !HasDirectory(candidate);
     const bool exists = isName || (HasDirectory(request) ? fs::exists(candidate, none)
@@ -105,7 +105,7 @@ std::string FindLibrary(const std::string& request, bool here) {
     }
   }
   throw Failure(request + ": no such library" +
-                (HasDirectory(request) ? "" : "; " + WhereLooked(here, directories)));
+                (HasDirectory(request) ? "" : "; " + WhereLooked(inWorkingDirectory, directories)));
 }
 
 }  // namespace host

@@ -28,14 +28,15 @@ std::string FactoryOf(const std::string& bundle);
 std::vector<std::string> LibraryDirectories();
 
 /// The paths (with a '/') and names (for the dynamic linker) to try for a request, in order. A request with a
-/// '/' is its only candidate. With `here`, a file of the working directory comes first.
-std::vector<std::string> Candidates(const std::string& request, bool here,
+/// '/' is its only candidate. With `inWorkingDirectory`, a file of the working directory comes first.
+std::vector<std::string> Candidates(const std::string& request, bool inWorkingDirectory,
                                     const std::vector<std::string>& directories);
 
 /// Finds the library of a request and loads it in a child process first. Returns its real path. Throws
 /// `UsageError` for an empty request, and `Failure`, starting with the request, when the library is not found
-/// (the message lists the directories searched) or cannot be loaded. `here` is as for `Candidates`.
-std::string FindLibrary(const std::string& request, bool here);
+/// (the message lists the directories searched) or cannot be loaded. `inWorkingDirectory` is as for
+/// `Candidates`.
+std::string FindLibrary(const std::string& request, bool inWorkingDirectory);
 
 }  // namespace host
 

@@ -77,7 +77,7 @@ bool IsKnownToAce(const std::string& name) {
 }
 
 /// Destroys the service objects that are not in `before`, left by a failed load. Their code must be mapped.
-void DestroyNewcomers(const std::vector<ServiceEntry>& before) {
+void DestroyObjectsCreatedSince(const std::vector<ServiceEntry>& before) {
   for (const ServiceEntry& entry : ListServices()) {
     const bool isOld = std::any_of(before.begin(), before.end(),
                                    [&](const ServiceEntry& old) { return old.object == entry.object; });
@@ -155,7 +155,7 @@ ACE_Service_Object* CallFactory(void* factory, const std::string& name,
   } catch (...) {
     problem = "the factory threw: " + CurrentExceptionText();
   }
-  DestroyNewcomers(before);
+  DestroyObjectsCreatedSince(before);
   throw Failure(name + ": " + problem);
 }
 
@@ -303,7 +303,7 @@ void Loader::Start(const Plan& plan) {
   if (Insert(plan.name, record) != 0) {
     const std::string hint = HintAtCause(namesBefore);
     record.reset();  // Calls the exterminator, which may not destroy the object.
-    DestroyNewcomers(servicesBefore);
+    DestroyObjectsCreatedSince(servicesBefore);
     throw Failure(WithReason(plan.name + ": " + problems->init, complaints.Text()) + hint);
   }
   NoteMapped();
