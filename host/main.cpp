@@ -1,10 +1,12 @@
 // The program bundle_host: sets up the platform, loads the bundles that the options name, runs one command,
 // unloads the bundles in reverse order, and turns exceptions into an exit code.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <iostream>
 
 #include "host/base/problem.h"
-#include "host/base/standard_streams.h"
 #include "host/base/text_escape.h"
 #include "host/commands/interrupt.h"
 #include "host/loader/library_trial.h"
@@ -20,6 +22,19 @@ using host::Options;
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 constexpr int kSignalled = 128;
+
+/// Opens those of the descriptors 0 to 2 that are closed at the start of the process, so that no file opened
+/// later becomes its standard input, output or error. Reading and writing these descriptors still fails.
+/// To be called before any file is opened and any thread started.
+void HoldStandardStreams() {
+  // In ascending order: `open` returns the lowest free descriptor.
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (fcntl(stream, F_GETFD) < 0) {
+      // The opposite direction makes every read or write of the descriptor fail.
+      static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+    }
+  }
+}
 
 int Run(const Options& options) {
   const host::Platform platform({options.configDir, options.logFile, options.logLevel});
@@ -54,7 +69,7 @@ int Report(const std::exception& problem, int exitCode) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
-  host::HoldStandardStreams();
+  HoldStandardStreams();
   if (const auto trialResult = host::RunLibraryTrial(argc, argv)) {
     return *trialResult;
   }

@@ -8,7 +8,7 @@
 
 #include "host/base/problem.h"
 #include "host/platform/config_items.h"
-#include "host/platform/log_level.h"
+#include "host/platform/log_sink.h"
 
 #ifndef BUNDLE_HOST_VERSION
 #error "the build says which version this is"

@@ -13,21 +13,23 @@ void AppendEscape(std::string& out, char c) {
   out += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
 }
 
-bool IsPlain(char c) { return c >= ' ' && c <= '~' && c != '\\'; }
-
-}  // namespace
-
-std::string EscapeBytes(std::string_view text) {
+std::string EscapeUnless(bool (*isPlain)(char), std::string_view text) {
   std::string out;
   out.reserve(text.size());
   for (const char c : text) {
-    if (IsPlain(c)) {
+    if (isPlain(c)) {
       out += c;
     } else {
       AppendEscape(out, c);
     }
   }
   return out;
+}
+
+}  // namespace
+
+std::string EscapeBytes(std::string_view text) {
+  return EscapeUnless([](char c) { return c >= ' ' && c <= '~' && c != '\\'; }, text);
 }
 
 std::string EscapeValue(std::string_view text) {
@@ -43,16 +45,7 @@ std::string EscapeValue(std::string_view text) {
 }
 
 std::string EscapeControls(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (const char c : text) {
-    if (const auto byte = static_cast<unsigned char>(c); byte < ' ' || byte == 0x7F) {
-      AppendEscape(out, c);
-    } else {
-      out += c;
-    }
-  }
-  return out;
+  return EscapeUnless([](char c) { return static_cast<unsigned char>(c) >= ' ' && c != '\x7f'; }, text);
 }
 
 std::string UnescapeBytes(std::string_view text) {

@@ -5,7 +5,6 @@
 #include "host/base/problem.h"
 #include "host/base/suggest.h"
 #include "host/commands/command.h"
-#include "host/commands/listing.h"
 #include "host/platform/config_items.h"
 
 namespace host {

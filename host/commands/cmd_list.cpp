@@ -4,8 +4,8 @@
 #include <chrono>
 #include <ctime>
 
+#include "host/base/problem.h"
 #include "host/commands/command.h"
-#include "host/commands/listing.h"
 #include "host/platform/bundle_mgr.h"
 #include "host/platform/interface_registry.h"
 
@@ -40,13 +40,11 @@ std::string UtcTime(std::chrono::system_clock::time_point time) {
 Table BundleTable(const Session& session) {
   Table table{{"NAME", "BUNDLE", "SERVICE", "LIBRARY", "LOADED", "FILE", "BUILD"}, {}};
   const std::vector<ServiceEntry> services = ListServices();
-  const std::vector<MappedBundle> mapped = session.loader.MappedBundles();
-  for (std::size_t at = 0; at < mapped.size(); ++at) {
-    const ServiceEntry* const entry = EntryOf(services, session.loader.Bundles()[at]);
-    const MappedBundle& bundle = mapped[at];
+  for (const LoadedBundle& bundle : session.loader.Bundles()) {
+    const ServiceEntry* const entry = EntryOf(services, bundle);
     table.rows.push_back({bundle.name, entry == nullptr ? "-" : entry->bundle,
-                          entry == nullptr ? "-" : entry->service, bundle.path, UtcTime(bundle.loadTime),
-                          bundle.changedOnDisk ? "changed" : "unchanged",
+                          entry == nullptr ? "-" : entry->service, bundle.library, UtcTime(bundle.loadTime),
+                          bundle.ChangedOnDisk() ? "changed" : "unchanged",
                           bundle.buildId.empty() ? "-" : bundle.buildId});
   }
   return table;
@@ -83,6 +81,15 @@ Action ParseServices(const Words& words) { return ParseListing(words, ServiceTab
 Action ParseInterfaces(const Words& words) { return ParseListing(words, InterfaceTable); }
 
 }  // namespace
+
+Action ParseListing(const Words& words, Table (*list)(const Session&)) {
+  if (words.size() > 1 && words[1] != "--json") {
+    throw UsageError("'" + words[1] + "' is not an argument of a listing; there is only --json", 1);
+  }
+  return [list, print = words.size() > 1 ? PrintJson : PrintTable](Session& session) {
+    print(session.out, list(session));
+  };
+}
 
 std::vector<Command> ListCommands() {
   return {

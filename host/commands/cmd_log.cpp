@@ -4,7 +4,6 @@
 
 #include "host/base/problem.h"
 #include "host/commands/command.h"
-#include "host/platform/log_level.h"
 #include "host/platform/log_sink.h"
 
 namespace host {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/base/table.h"
 #include "host/base/words.h"
 #include "host/commands/session.h"
 
@@ -63,6 +64,10 @@ const Command& FindCommand(const std::string& name);
 /// Parses a command line, the name first. Every command accepts `NAME --help`. Throws as `Command::parse`
 /// does. The action reports an exception from a bundle as `Failure`.
 Action ParseCommand(const Words& words);
+
+/// Parses the optional argument --json of a listing. Returns an action that prints the table of `list`, as JSON
+/// with "--json". Throws `UsageError` for any other argument.
+Action ParseListing(const Words& words, Table (*list)(const Session&));
 
 /// Prints the usage and summary of each command.
 void PrintCommands(std::ostream& out);

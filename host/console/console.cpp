@@ -3,7 +3,10 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
 #include "host/base/text_escape.h"
 #include "host/commands/command.h"
@@ -11,10 +14,31 @@
 #include "host/commands/script.h"
 #include "host/console/completion.h"
 #include "host/console/line_editor.h"
-#include "host/console/state_dir.h"
 
 namespace host {
 namespace {
+
+std::string Environment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+/// The path of the history: "bundle_host/history" in $XDG_STATE_HOME or ~/.local/state. Creates missing
+/// directories. Empty when there is no such directory.
+std::string HistoryFile() {
+  std::filesystem::path directory = Environment("XDG_STATE_HOME");
+  if (!directory.is_absolute()) {
+    const std::filesystem::path home = Environment("HOME");
+    if (!home.is_absolute()) {
+      return {};
+    }
+    directory = home / ".local" / "state";
+  }
+  directory /= "bundle_host";
+  std::error_code error;
+  std::filesystem::create_directories(directory, error);
+  return error ? "" : (directory / "history").string();
+}
 
 void RunInteractively(Session& session) {
   LineEditor editor("bundle_host> ", HistoryFile(),

@@ -308,9 +308,11 @@ void Loader::Start(const Plan& plan) {
   }
   NoteMapped();
   auto* const service = dynamic_cast<ServiceObjectBase*>(object);
+  const std::vector<MappedLibrary> libraries = MappedLibraries();
+  const MappedLibrary* const mapped = FindMapped(libraries, plan.path);
   bundles_.push_back({plan.name, plan.path, plan.factory, object, service, problems,
                       WrappedSince(namesBefore, InterfaceOf(service)), plan.arguments, file,
-                      std::chrono::system_clock::now()});
+                      mapped == nullptr ? "" : mapped->buildId, std::chrono::system_clock::now()});
 }
 
 void Loader::Init(const std::string& name, const Words& arguments) {
@@ -416,17 +418,6 @@ const LoadedBundle& Loader::Reload(const std::string& name) {
     throw Failure(name + " was reloaded, but on the way: " + report.problem);
   }
   return bundles_.back();
-}
-
-std::vector<MappedBundle> Loader::MappedBundles() const {
-  const std::vector<MappedLibrary> libraries = MappedLibraries();
-  std::vector<MappedBundle> mapped;
-  for (const LoadedBundle& bundle : bundles_) {
-    const MappedLibrary* const library = FindMapped(libraries, bundle.library);
-    mapped.push_back({bundle.name, bundle.library, library == nullptr ? "" : library->buildId,
-                      bundle.loadTime, IdentityOf(bundle.library) != bundle.file});
-  }
-  return mapped;
 }
 
 const LoadedBundle& Loader::Find(const std::string& name) const {

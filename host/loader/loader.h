@@ -28,18 +28,13 @@ struct LoadedBundle {
   /// The interface that the bundle found under a name and registered its own in front of, such as the one
   /// that a recorder passes calls on to; null when there is none. Compared, never dereferenced.
   const NS_BUNDLEMGR1::ServiceInterface* wraps = nullptr;
-  Words arguments;    ///< of the last `init` that succeeded
-  FileIdentity file;  ///< the library's file when it was loaded
+  Words arguments;      ///< of the last `init` that succeeded
+  FileIdentity file;    ///< the library's file when it was loaded
+  std::string buildId;  ///< of the library, hexadecimal; empty when it was linked without one
   std::chrono::system_clock::time_point loadTime;
-};
 
-/// The mapped library of a loaded bundle.
-struct MappedBundle {
-  std::string name;
-  std::string path;
-  std::string buildId;  ///< hexadecimal; empty when the library was linked without one
-  std::chrono::system_clock::time_point loadTime;
-  bool changedOnDisk = false;  ///< the file was changed, replaced or removed since the load
+  /// Whether the file was changed, replaced or removed since the load.
+  bool ChangedOnDisk() const { return IdentityOf(library) != file; }
 };
 
 /// The result of an unload.
@@ -108,9 +103,6 @@ class Loader {
   /// the old library stays mapped or the new code's factory or `init` fails. Throws after the reload when the
   /// unload reported a problem.
   const LoadedBundle& Reload(const std::string& name);
-
-  /// The mapped library of each loaded bundle, in load order.
-  std::vector<MappedBundle> MappedBundles() const;
 
   /// The loaded bundles, in load order.
   const std::vector<LoadedBundle>& Bundles() const { return bundles_; }

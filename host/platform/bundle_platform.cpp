@@ -16,7 +16,7 @@
 #include "host/base/problem.h"
 #include "host/base/suggest.h"
 #include "host/platform/config_items.h"
-#include "host/platform/log_level.h"
+#include "host/platform/log_sink.h"
 
 namespace host {
 namespace {

@@ -9,6 +9,7 @@
 #include <ace/OS_NS_unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -18,10 +19,11 @@
 
 #include "host/base/problem.h"
 #include "host/base/text_escape.h"
-#include "host/platform/log_level.h"
 
 namespace host {
 namespace {
+
+std::atomic<int> lowestLevel{0};
 
 /// True while this thread writes a complete line of `WriteLog`; all other records are ACE's own.
 thread_local bool writingOwnLine = false;
@@ -153,6 +155,20 @@ ACE_Log_Priority PriorityOf(int level) {
 }
 
 }  // namespace
+
+void SetLogLevel(int level) { lowestLevel = level; }
+
+int LogLevel() { return lowestLevel; }
+
+int ParseLogLevel(const std::string& text) {
+  if (text == "off") {
+    return kLogOff;
+  }
+  if (text == "0" || text == "1" || text == "2") {
+    return text[0] - '0';
+  }
+  throw UsageError("'" + text + "' is not a log level; there are 0, 1, 2 and off");
+}
 
 std::string LogLine(const LogRecord& record) {
   return TimeText(record.time) + " [" + std::to_string(record.level) + "] " + OrDash(record.tag) + ":" +

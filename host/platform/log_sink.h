@@ -36,6 +36,16 @@ struct LogRecord {
   std::string text;
 };
 
+/// A level above all that callers use: no record is written.
+inline constexpr int kLogOff = 1'000'000;
+
+/// Records below `level` are not written. Initially 0: all records are written.
+PLATFORM_API void SetLogLevel(int level);
+PLATFORM_API int LogLevel();
+
+/// Parses "0", "1", "2" or "off"; throws `UsageError` for any other text.
+PLATFORM_API int ParseLogLevel(const std::string& text);
+
 /// The line for a record, without its line end.
 PLATFORM_API std::string LogLine(const LogRecord& record);
 

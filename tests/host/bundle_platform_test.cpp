@@ -11,7 +11,7 @@
 #include "framework/config_items.h"
 #include "framework/interface_registry.h"
 #include "host/platform/config_items.h"
-#include "host/platform/log_level.h"
+#include "host/platform/log_sink.h"
 #include "tests/temp_directory.h"
 
 extern "C" ACE_Service_Object* _make_bundle_platform(ACE_Service_Object_Exterminator* exterminator);

@@ -59,13 +59,13 @@ TEST_F(LoaderTest, AReloadRunsTheNewFilesCode) {
   Install("versioned_1", library_);
   loader_.Load(library_, {"a", "b c"});
   EXPECT_EQ(Version(), 1);
-  EXPECT_FALSE(loader_.MappedBundles().at(0).changedOnDisk);
+  EXPECT_FALSE(loader_.Bundles().at(0).ChangedOnDisk());
   Install("versioned_2", library_);
-  EXPECT_TRUE(loader_.MappedBundles().at(0).changedOnDisk);
+  EXPECT_TRUE(loader_.Bundles().at(0).ChangedOnDisk());
   EXPECT_EQ(Version(), 1);
   EXPECT_EQ(loader_.Reload("versioned").library, library_);
   EXPECT_EQ(Version(), 2);
-  EXPECT_FALSE(loader_.MappedBundles().at(0).changedOnDisk);
+  EXPECT_FALSE(loader_.Bundles().at(0).ChangedOnDisk());
   EXPECT_EQ(loader_.Find("versioned").arguments, (host::Words{"a", "b c"}));
 }
 
@@ -73,10 +73,10 @@ TEST_F(LoaderTest, WhatIsMappedIsDescribedByPathBuildIdAndTime) {
   Install("versioned_1", library_);
   const auto before = std::chrono::system_clock::now();
   loader_.Load(library_, {});
-  const auto mapped = loader_.MappedBundles();
+  const auto& mapped = loader_.Bundles();
   ASSERT_EQ(mapped.size(), 1U);
   EXPECT_EQ(mapped[0].name, "versioned");
-  EXPECT_EQ(mapped[0].path, library_);
+  EXPECT_EQ(mapped[0].library, library_);
   EXPECT_THAT(mapped[0].buildId, testing::MatchesRegex("([0-9a-f][0-9a-f])*"));
   EXPECT_GE(mapped[0].loadTime, before);
   const auto libraries = host::MappedLibraries();
@@ -89,7 +89,7 @@ TEST_F(LoaderTest, AReloadOfAFileThatCannotBeLoadedLeavesTheOldCodeLoaded) {
   Install("versioned_1", library_);
   loader_.Load(library_, {});
   std::filesystem::remove(library_);
-  EXPECT_TRUE(loader_.MappedBundles().at(0).changedOnDisk);
+  EXPECT_TRUE(loader_.Bundles().at(0).ChangedOnDisk());
   EXPECT_EQ(ProblemOf([&] { loader_.Reload("versioned"); }), library_ + ": no such library");
   dir_.Write("libversioned.so", "text");
   EXPECT_THAT(ProblemOf([&] { loader_.Reload("versioned"); }), StartsWith(library_ + ": cannot be loaded: "));

@@ -20,7 +20,6 @@
 #include "framework/interface_lookup.h"
 #include "framework/interface_registry.h"
 #include "host/base/problem.h"
-#include "host/platform/log_level.h"
 #include "host/platform/log_sink.h"
 
 namespace {

@@ -19,7 +19,6 @@
 #include "framework/interface_registry.h"
 #include "host/platform/bundle_mgr.h"
 #include "host/platform/interface_registry.h"
-#include "host/platform/log_level.h"
 #include "host/platform/log_service.h"
 #include "host/platform/log_sink.h"
 
