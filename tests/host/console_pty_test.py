@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 """Tests the console at a terminal: sends keys through a pseudo-terminal and reads the screen.
 
-Usage: console_pty_test.py BUNDLE_HOST LIBII_ASCII_UTIL
+Usage: console_pty_test.py BUNDLE_HOST LIBII_ASCII_UTIL DIRECTORY_OF_BROKEN_BUNDLES
 """
 import os
 import pty
 import re
 import select
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -192,6 +193,14 @@ class ConsoleAtATerminal(unittest.TestCase):
         terminal.wait_for(PROMPT)
         self.assertNotIn("Gone", terminal.run("items"))
 
+    def test_sigterm_during_a_command_ends_the_console(self):
+        terminal = self.start()
+        terminal.type(f"load {FIXTURES}/libbroken_init_hangs.so\r")
+        terminal.wait_for("init begins")
+        os.kill(terminal.pid, signal.SIGTERM)
+        terminal.type("\x04")  # The bundle's init continues when its standard input ends.
+        self.assertEqual(terminal.wait_for_end(), 128 + signal.SIGTERM)
+
     def test_ctrl_d_on_an_empty_line_leaves_with_success(self):
         terminal = self.start_with_bundle()
         terminal.type("\x04")
@@ -266,5 +275,5 @@ class ConsoleAtATerminal(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    HOST, BUNDLE = sys.argv[1:3]  # The third argument is for other tests.
+    HOST, BUNDLE, FIXTURES = sys.argv[1:4]
     unittest.main(argv=sys.argv[:1] + sys.argv[4:])
