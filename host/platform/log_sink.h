@@ -36,7 +36,7 @@ struct LogRecord {
   std::string text;
 };
 
-/// A level above all that callers use: no record is written.
+/// The level "off", above all that callers use: no record is written.
 inline constexpr int kLogOff = 1'000'000;
 
 /// Records below `level` are not written. Initially 0: all records are written.
