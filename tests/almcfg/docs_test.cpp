@@ -20,7 +20,6 @@ using almcfg_test::ProjectFolder;
 using almcfg_test::ReadFile;
 using almcfg_test::RunAlmcfg;
 using almcfg_test::TempFile;
-using testing::HasSubstr;
 
 const std::vector<std::string> kCommands{"check", "fix", "show", "lookup", "diff", "coverage"};
 
@@ -45,9 +44,30 @@ Words Union(Words a, const Words& b) {
   return a;
 }
 
+/// What to change in `place`, which has the words `has` and shall have `wanted`; empty when they are equal.
+std::string Correction(const std::string& place, const Words& has, const Words& wanted) {
+  std::string changes;
+  for (const std::string& word : wanted) {
+    changes += has.count(word) == 0 ? " write " + word + ";" : "";
+  }
+  for (const std::string& word : has) {
+    changes += wanted.count(word) == 0 ? " delete " + word + ";" : "";
+  }
+  return changes.empty() ? "" : place + ":" + changes;
+}
+
+/// What to add to `place`, whose text shall contain `wanted`; empty when it does.
+std::string Addition(const std::string& place, const std::string& text, const std::string& wanted) {
+  return text.find(wanted) != std::string::npos ? "" : place + ": write " + testing::PrintToString(wanted);
+}
+
+constexpr const char* kManPage = "docs/man/almcfg.1";
+constexpr const char* kCompletion = "tools/almcfg/almcfg.bash";
+constexpr const char* kPage = "docs/alarm-config.md";
+
 /// The man page as one reads it, without its markup.
 std::string ManPage() {
-  const std::string source = ReadFile(ProjectFolder() + "docs/man/almcfg.1");
+  const std::string source = ReadFile(ProjectFolder() + kManPage);
   return std::regex_replace(source, std::regex("\\\\"), "");
 }
 
@@ -56,7 +76,7 @@ TEST(ManPage, HasExactlyTheOptionsOfTheHelp) {
   for (const std::string& command : kCommands) {
     options = Union(options, OptionsIn(HelpOf(command)));
   }
-  EXPECT_EQ(Matches(ManPage(), "(--[a-z-]+)"), options);
+  EXPECT_EQ(Correction(kManPage, Matches(ManPage(), "(--[a-z-]+)"), options), "");
   EXPECT_THAT(options, testing::IsSupersetOf(Words{"--color", "--format", "--help", "--sort", "--version"}));
 }
 
@@ -64,12 +84,13 @@ TEST(ManPage, HasTheOptionsOfEachCommandInItsSynopsis) {
   const std::string page = ManPage();
   for (const std::string& command : kCommands) {
     const std::size_t begin = page.find(".B almcfg " + command + "\n");
-    ASSERT_NE(begin, std::string::npos) << command;
+    ASSERT_NE(begin, std::string::npos) << kManPage << ", SYNOPSIS: write .B almcfg " << command;
     const std::string synopsis = page.substr(begin, page.find(".br", begin) - begin);
     const std::string help = HelpOf(command);
-    EXPECT_EQ(Union(Matches(synopsis, "(--[a-z-]+)"), {"--help"}), OptionsIn(help)) << command;
-    EXPECT_EQ(Matches(synopsis, "([a-z]+(?:\\|[a-z]+)+)"), Matches(help, "([a-z]+(?:\\|[a-z]+)+)"))
-        << command;
+    const std::string place = kManPage + (", SYNOPSIS of " + command);
+    const std::string choices = "([a-z]+(?:\\|[a-z]+)+)";
+    EXPECT_EQ(Correction(place, Union(Matches(synopsis, "(--[a-z-]+)"), {"--help"}), OptionsIn(help)), "");
+    EXPECT_EQ(Correction(place, Matches(synopsis, choices), Matches(help, choices)), "");
   }
 }
 
@@ -89,9 +110,11 @@ TEST(ManPage, NamesTheFilesAndKeysOfEachCommandAsItsHelpDoes) {
   for (const std::string& command : kCommands) {
     const std::size_t begin = page.find(".B almcfg " + command + "\n");
     const std::string arguments = ArgumentsIn(page.substr(begin, page.find(".br", begin) - begin));
-    EXPECT_THAT(HelpOf(command), HasSubstr("\nUsage: almcfg " + command + " [OPTIONS]" + arguments + "\n"));
+    const Words usage = Matches(HelpOf(command), "\nUsage: almcfg " + command + R"( \[OPTIONS\]([^\n]*)\n)");
+    EXPECT_EQ(Correction(kManPage + (", SYNOPSIS of " + command), {arguments}, usage), "");
   }
-  EXPECT_THAT(HelpOf("lookup"), HasSubstr(" [OPTIONS] FILE... KEY1 KEY2 KEY3 NUMBER\n"));
+  EXPECT_EQ(Addition("almcfg lookup --help", HelpOf("lookup"), " [OPTIONS] FILE... KEY1 KEY2 KEY3 NUMBER\n"),
+            "");
 }
 
 TEST(ManPage, NamesEveryRuleInItsClass) {
@@ -100,18 +123,21 @@ TEST(ManPage, NamesEveryRuleInItsClass) {
   const std::size_t notes = page.find("\nNotes:");
   for (const almcfg::Rule& rule : almcfg::Rules()) {
     const std::size_t at = page.find(rule.name, page.find(".SH FINDINGS"));
-    ASSERT_NE(at, std::string::npos) << rule.name;
+    ASSERT_NE(at, std::string::npos) << kManPage << ", FINDINGS: write " << rule.name;
     const auto severity = at < warnings ? almcfg::Severity::kError
                           : at < notes  ? almcfg::Severity::kWarning
                                         : almcfg::Severity::kNote;
-    EXPECT_EQ(severity, rule.severity) << rule.name;
+    EXPECT_TRUE(severity == rule.severity)
+        << kManPage << ", FINDINGS: move " << rule.name << " to the " << NameOf(rule.severity) << "s";
   }
 }
 
 TEST(ManPage, DescribesEveryCommandOfTheHelp) {
-  EXPECT_EQ(Matches(RunAlmcfg({"--help"}).out, "\n  ([a-z]+) "), Words(kCommands.begin(), kCommands.end()));
+  EXPECT_EQ(Correction("kCommands of this test", Words(kCommands.begin(), kCommands.end()),
+                       Matches(RunAlmcfg({"--help"}).out, "\n  ([a-z]+) ")),
+            "");
   for (const std::string& command : kCommands) {
-    EXPECT_THAT(ManPage(), HasSubstr(".TP\n.B " + command + "\n"));
+    EXPECT_EQ(Addition(kManPage, ManPage(), ".TP\n.B " + command + "\n"), "");
   }
 }
 
@@ -131,10 +157,13 @@ Words Complete(const std::string& words) {
 }
 
 TEST(Completion, OffersTheCommandsAndOptionsOfTheHelp) {
-  EXPECT_EQ(Complete("almcfg \"\""),
-            (Words{"check", "fix", "show", "lookup", "diff", "coverage", "--help", "--version"}));
+  EXPECT_EQ(Correction(kCompletion, Complete("almcfg \"\""),
+                       Union(Words(kCommands.begin(), kCommands.end()), {"--help", "--version"})),
+            "");
   for (const std::string& command : kCommands) {
-    EXPECT_EQ(Complete("almcfg " + command + " --"), OptionsIn(HelpOf(command))) << command;
+    EXPECT_EQ(Correction(kCompletion + (", " + command), Complete("almcfg " + command + " --"),
+                         OptionsIn(HelpOf(command))),
+              "");
   }
 }
 
@@ -144,15 +173,17 @@ TEST(Completion, OffersTheFormatsOfTheHelp) {
     for (const std::string& format : Complete("almcfg " + command + " --format \"\"")) {
       formats += (formats.empty() ? "" : "|") + format;
     }
-    EXPECT_THAT(HelpOf(command), HasSubstr("--format " + formats + " ")) << command;
+    EXPECT_EQ(Correction(kCompletion + (", formats of " + command), {formats},
+                         Matches(HelpOf(command), "--format ([a-z|]+) ")),
+              "");
   }
   EXPECT_EQ(Complete("almcfg show --color a"), (Words{"always", "auto"}));
 }
 
 TEST(Page, DescribesEveryRuleUnderItsName) {
-  const std::string page = ReadFile(ProjectFolder() + "docs/alarm-config.md");
+  const std::string page = ReadFile(ProjectFolder() + kPage);
   for (const almcfg::Rule& rule : almcfg::Rules()) {
-    EXPECT_THAT(page, HasSubstr("\n#### `" + std::string(rule.name) + "`\n"));
+    EXPECT_EQ(Addition(kPage, page, "\n#### `" + std::string(rule.name) + "`\n"), "");
   }
 }
 
@@ -195,13 +226,14 @@ int CheckCommandsIn(const std::string& page) {
   const std::regex block("```\n\\$ almcfg ([^\n]*)\n([^`]*?)```\n");
   int count = 0;
   for (std::sregex_iterator match(text.begin(), text.end(), block), end; match != end; ++match, ++count) {
-    EXPECT_EQ(RunAlmcfg(SplitAtBlanks(match->str(1))).out, match->str(2)) << match->str(1);
+    EXPECT_EQ(match->str(2), RunAlmcfg(SplitAtBlanks(match->str(1))).out)
+        << page << ": write what almcfg " << match->str(1) << " prints now, the second text above";
   }
   return count;
 }
 
 TEST(Page, ShowsWhatTheProgramSays) {
-  EXPECT_GT(CheckCommandsIn("docs/alarm-config.md"), static_cast<int>(almcfg::kRuleCount) - 3);
+  EXPECT_GT(CheckCommandsIn(kPage), static_cast<int>(almcfg::kRuleCount) - 3);
 }
 
 /// The block of a page that starts with the line `first`, without its fences.
@@ -212,7 +244,7 @@ std::string BlockOf(const std::string& page, const std::string& first) {
 }
 
 TEST(Page, ShowsACommitHookThatKeepsFindingsOutUnderEveryFileName) {
-  const TempFile hook(BlockOf("docs/alarm-config.md", "#!/bin/bash"));
+  const TempFile hook(BlockOf(kPage, "#!/bin/bash"));
   const TempFile script(R"(set -e
     work=$(mktemp -d)
     trap 'rm -rf "$work"' EXIT
