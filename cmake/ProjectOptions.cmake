@@ -15,6 +15,9 @@ endif()
 # A symbol of unique binding keeps a library mapped; an unload must unmap it. Only GCC makes such symbols.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(ascii_util_options INTERFACE -fno-gnu-unique)
+else()
+  # Data that is declared with its lock (host/base/mutex.h) is not used without it.
+  target_compile_options(ascii_util_options INTERFACE -Wthread-safety -Werror=thread-safety)
 endif()
 
 # Release files do not contain the path of the build, so that builds in different directories give the same files. Builds

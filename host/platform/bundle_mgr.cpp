@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <map>
 #include <memory>
-#include <mutex>
 
 #include "framework/interface_registry.h"
+#include "host/base/mutex.h"
 
 namespace host {
 namespace {
@@ -26,10 +26,10 @@ struct Listed {
 
 class HostBundle : public Bundle {
  public:
-  explicit HostBundle(std::mutex& lock) : lock_(lock) {}
+  explicit HostBundle(Mutex& lock) : lock_(lock) {}
 
   void GetServiceObjects(std::map<std::string, ServiceObjectBase*>& objects) override {
-    const std::lock_guard<std::mutex> guard(lock_);
+    const MutexLock guard(lock_);
     for (const Listed& listed : services) {
       objects[listed.service] = listed.object;
     }
@@ -38,19 +38,19 @@ class HostBundle : public Bundle {
   std::vector<Listed> services;  // guarded by the table's lock
 
  private:
-  std::mutex& lock_;
+  Mutex& lock_;
 };
 
 class Table : public BundleMgr {
  public:
   Bundle* GetBundle(const std::string& name) override {
-    const std::lock_guard<std::mutex> guard(lock);
+    const MutexLock guard(lock);
     const auto found = bundles.find(name);
     return found == bundles.end() || found->second->services.empty() ? nullptr : found->second.get();
   }
 
   void GetAllBundles(std::list<Bundle*>& list) override {
-    const std::lock_guard<std::mutex> guard(lock);
+    const MutexLock guard(lock);
     for (const auto& [name, bundle] : bundles) {
       if (!bundle->services.empty()) {
         list.push_back(bundle.get());
@@ -58,8 +58,8 @@ class Table : public BundleMgr {
     }
   }
 
-  std::mutex lock;
-  std::map<std::string, std::unique_ptr<HostBundle>> bundles;  // guarded by lock
+  Mutex lock;
+  std::map<std::string, std::unique_ptr<HostBundle>> bundles HOST_THREAD_SAFETY(guarded_by(lock));
 };
 
 /// Never destroyed: service objects may be unlisted while static objects are destroyed.
@@ -73,7 +73,7 @@ Table& TheTable() {
 void ListService(const std::string& bundle, const std::string& service, ServiceObjectBase* object) {
   const ACE_Guard<ACE_Thread_Mutex> searchGuard(NS_BUNDLEMGR1::_g_actualmutex);
   Table& table = TheTable();
-  const std::lock_guard<std::mutex> guard(table.lock);
+  const MutexLock guard(table.lock);
   auto& place = table.bundles[bundle];
   if (place == nullptr) {
     place = std::make_unique<HostBundle>(table.lock);
@@ -84,7 +84,7 @@ void ListService(const std::string& bundle, const std::string& service, ServiceO
 bool UnlistService(const ServiceObjectBase* object) {
   const ACE_Guard<ACE_Thread_Mutex> searchGuard(NS_BUNDLEMGR1::_g_actualmutex);
   Table& table = TheTable();
-  const std::lock_guard<std::mutex> guard(table.lock);
+  const MutexLock guard(table.lock);
   for (const auto& [name, bundle] : table.bundles) {
     auto& services = bundle->services;
     const auto found = std::find_if(services.begin(), services.end(),
@@ -105,7 +105,7 @@ bool IsListed(const ServiceObjectBase* object) {
 
 std::vector<ServiceEntry> ListServices() {
   Table& table = TheTable();
-  const std::lock_guard<std::mutex> guard(table.lock);
+  const MutexLock guard(table.lock);
   std::vector<ServiceEntry> list;
   for (const auto& [name, bundle] : table.bundles) {
     for (const Listed& listed : bundle->services) {

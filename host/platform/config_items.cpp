@@ -7,10 +7,10 @@
 #include <charconv>
 #include <cstdlib>
 #include <filesystem>
-#include <mutex>
 #include <string_view>
 #include <system_error>
 
+#include "host/base/mutex.h"
 #include "host/base/problem.h"
 #include "host/base/suggest.h"
 #include "host/base/text_lines.h"
@@ -21,8 +21,8 @@ namespace {
 using ItemMap = std::map<std::string, std::string>;
 
 struct ItemStore {
-  std::mutex lock;
-  ItemMap items;
+  Mutex lock;
+  ItemMap items HOST_THREAD_SAFETY(guarded_by(lock));
 };
 
 ItemStore& TheStore() {
@@ -31,8 +31,8 @@ ItemStore& TheStore() {
 }
 
 struct ConfigDir {
-  std::mutex lock;
-  std::string path;
+  Mutex lock;
+  std::string path HOST_THREAD_SAFETY(guarded_by(lock));
 };
 
 std::string WithFinalSlash(std::string directory) {
@@ -149,7 +149,7 @@ std::optional<int> ParseInt(const std::string& text) {
 
 void SetConfigDir(const std::string& directory) {
   ConfigDir& place = TheConfigDir();
-  const std::lock_guard<std::mutex> guard(place.lock);
+  const MutexLock guard(place.lock);
   place.path = WithFinalSlash(directory);
 }
 
@@ -162,7 +162,7 @@ std::vector<std::string> LoadItems(const std::string& file) {
   ItemReader reader(file);
   reader.Read();
   ItemStore& store = TheStore();
-  const std::lock_guard<std::mutex> guard(store.lock);
+  const MutexLock guard(store.lock);
   for (auto& [name, value] : reader.items) {
     store.items[name] = std::move(value);
   }
@@ -171,19 +171,19 @@ std::vector<std::string> LoadItems(const std::string& file) {
 
 void SetItem(const std::string& name, int value) {
   ItemStore& store = TheStore();
-  const std::lock_guard<std::mutex> guard(store.lock);
+  const MutexLock guard(store.lock);
   store.items[name] = std::to_string(value);
 }
 
 bool UnsetItem(const std::string& name) {
   ItemStore& store = TheStore();
-  const std::lock_guard<std::mutex> guard(store.lock);
+  const MutexLock guard(store.lock);
   return store.items.erase(name) != 0;
 }
 
 std::map<std::string, std::string> ListItems() {
   ItemStore& store = TheStore();
-  const std::lock_guard<std::mutex> guard(store.lock);
+  const MutexLock guard(store.lock);
   return store.items;
 }
 
@@ -201,7 +201,7 @@ namespace NS_BUNDLEMGR1 {
 
 std::string GetCfgDirPath() {
   host::ConfigDir& place = host::TheConfigDir();
-  const std::lock_guard<std::mutex> guard(place.lock);
+  const host::MutexLock guard(place.lock);
   return place.path;
 }
 
@@ -212,7 +212,7 @@ CorbaConfigItems* CorbaConfigItems::Instance() {
 
 bool CorbaConfigItems::GetIntItemInfo(const std::string& name, int& value) {
   host::ItemStore& store = host::TheStore();
-  const std::lock_guard<std::mutex> guard(store.lock);
+  const host::MutexLock guard(store.lock);
   const auto found = store.items.find(name);
   if (found == store.items.end()) {
     return false;

@@ -8,8 +8,9 @@
 #include <algorithm>
 #include <deque>
 #include <map>
-#include <mutex>
 #include <utility>
+
+#include "host/base/mutex.h"
 
 namespace NS_BUNDLEMGR1 {
 
@@ -31,8 +32,8 @@ struct Name {
 };
 
 struct Registry {
-  std::mutex lock;
-  std::map<std::string, Name> names;
+  Mutex lock;
+  std::map<std::string, Name> names HOST_THREAD_SAFETY(guarded_by(lock));
 };
 
 /// Never destroyed: bundles may use it while static objects are destroyed.
@@ -56,7 +57,7 @@ bool IsFilled(const Buffer* buffer) { return buffer != nullptr && !buffer->empty
 
 std::vector<InterfaceName> ListInterfaces() {
   Registry& registry = TheRegistry();
-  const std::lock_guard<std::mutex> guard(registry.lock);
+  const MutexLock guard(registry.lock);
   std::vector<InterfaceName> list;
   list.reserve(registry.names.size());
   for (const auto& [text, name] : registry.names) {
@@ -69,7 +70,7 @@ std::vector<InterfaceName> ListInterfaces() {
 void WithdrawInterface(const ServiceInterface* interface) {
   const ACE_Guard<ACE_Thread_Mutex> searchGuard(NS_BUNDLEMGR1::_g_actualmutex);
   Registry& registry = TheRegistry();
-  const std::lock_guard<std::mutex> guard(registry.lock);
+  const MutexLock guard(registry.lock);
   for (auto& [text, name] : registry.names) {
     for (Buffer& buffer : name.buffers) {
       buffer.erase(std::remove(buffer.begin(), buffer.end(), interface), buffer.end());
@@ -87,7 +88,7 @@ int SetIFBuf(const std::string& name, ServiceInterface* interface) {
   }
   const ACE_Guard<ACE_Thread_Mutex> searchGuard(_g_actualmutex);
   host::Registry& registry = host::TheRegistry();
-  const std::lock_guard<std::mutex> guard(registry.lock);
+  const host::MutexLock guard(registry.lock);
   host::Name& entry = registry.names[name];
   host::Buffer newestFirst{interface};
   if (host::IsFilled(entry.current)) {
@@ -102,7 +103,7 @@ int SetIFBuf(const std::string& name, ServiceInterface* interface) {
 
 std::vector<ServiceInterface*>* CheckIFBuf(const std::string& name) {
   host::Registry& registry = host::TheRegistry();
-  const std::lock_guard<std::mutex> guard(registry.lock);
+  const host::MutexLock guard(registry.lock);
   host::Name& entry = registry.names[name];
   ++entry.lookups;
   return host::IsFilled(entry.current) ? entry.current : nullptr;

@@ -4,10 +4,10 @@
 
 #include <cstdarg>
 #include <map>
-#include <mutex>
 #include <tuple>
 
 #include "framework/interface_registry.h"
+#include "host/base/mutex.h"
 #include "host/platform/log_format.h"
 #include "host/platform/log_sink.h"
 
@@ -18,8 +18,9 @@ using NS_LOG_SERVICE1::Logger;
 using Names = std::tuple<std::string, std::string, std::string>;
 
 struct Loggers {
-  std::mutex lock;
-  std::map<Names, Logger*> byNames;  // A logger that its client deletes removes its entry.
+  Mutex lock;
+  /// A logger that its client deletes removes its entry.
+  std::map<Names, Logger*> byNames HOST_THREAD_SAFETY(guarded_by(lock));
 };
 
 Loggers& TheLoggers() {
@@ -35,7 +36,7 @@ class HostLogger : public Logger {
 
   ~HostLogger() override {
     Loggers& loggers = TheLoggers();
-    const std::lock_guard<std::mutex> guard(loggers.lock);
+    const MutexLock guard(loggers.lock);
     loggers.byNames.erase(names_);
   }
 
@@ -66,7 +67,7 @@ class LogInterface : public NS_LOG_SERVICE1::LogSvcInterface {
   Logger* GetLogger(const std::string& bundle, const std::string& service,
                     const std::string& channel) override {
     Loggers& loggers = TheLoggers();
-    const std::lock_guard<std::mutex> guard(loggers.lock);
+    const MutexLock guard(loggers.lock);
     Logger*& logger = loggers.byNames[{bundle, service, channel}];
     if (logger == nullptr) {
       logger = new HostLogger({bundle, service, channel});

@@ -14,9 +14,9 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <mutex>
 #include <system_error>
 
+#include "host/base/mutex.h"
 #include "host/base/problem.h"
 #include "host/base/text_escape.h"
 
@@ -30,8 +30,8 @@ thread_local bool writingOwnLine = false;
 thread_local AceComplaints* complaints = nullptr;
 
 struct Captures {
-  std::mutex lock;
-  std::vector<LogCapture*> open;
+  Mutex lock;
+  std::vector<LogCapture*> open HOST_THREAD_SAFETY(guarded_by(lock));
 };
 
 Captures& TheCaptures() {
@@ -96,7 +96,7 @@ class Backend : public ACE_Log_Msg_Backend {
 
   /// Sets the file to write to, which this object then owns, and its name; null for standard error.
   void SetFile(std::FILE* file, const std::string& name) {
-    const std::lock_guard<std::mutex> guard(lock_);
+    const MutexLock guard(lock_);
     if (file_ != nullptr) {
       static_cast<void>(std::fclose(file_));
     }
@@ -106,13 +106,13 @@ class Backend : public ACE_Log_Msg_Backend {
   }
 
   bool WritesToFile() const {
-    const std::lock_guard<std::mutex> guard(lock_);
+    const MutexLock guard(lock_);
     return file_ != nullptr && !hasGivenUp_;
   }
 
   /// Whether a write to the file has failed; records have gone to standard error since.
   bool HasGivenUp() const {
-    const std::lock_guard<std::mutex> guard(lock_);
+    const MutexLock guard(lock_);
     return hasGivenUp_;
   }
 
@@ -122,7 +122,7 @@ class Backend : public ACE_Log_Msg_Backend {
   }
 
   void Write(const std::string& line) {
-    const std::lock_guard<std::mutex> guard(lock_);
+    const MutexLock guard(lock_);
     if (file_ != nullptr && !hasGivenUp_) {
       if (WriteTo(file_, line)) {
         return;
@@ -136,10 +136,10 @@ class Backend : public ACE_Log_Msg_Backend {
   }
 
   // Needed besides ACE's lock: `WritesToFile` and `SetFile` are called without that one.
-  mutable std::mutex lock_;
-  std::FILE* file_ = nullptr;
-  std::string name_;
-  bool hasGivenUp_ = false;
+  mutable Mutex lock_;
+  std::FILE* file_ HOST_THREAD_SAFETY(guarded_by(lock_)) = nullptr;
+  std::string name_ HOST_THREAD_SAFETY(guarded_by(lock_));
+  bool hasGivenUp_ HOST_THREAD_SAFETY(guarded_by(lock_)) = false;
 };
 
 Backend& TheBackend() {
@@ -179,7 +179,7 @@ void WriteLog(const LogRecord& record) {
   bool captured = false;
   {
     Captures& captures = TheCaptures();
-    const std::lock_guard<std::mutex> guard(captures.lock);
+    const MutexLock guard(captures.lock);
     for (LogCapture* const capture : captures.open) {
       capture->Add(record);
       captured = true;
@@ -220,23 +220,23 @@ bool LogOutput::IsComplete() const { return !TheBackend().HasGivenUp(); }
 
 LogCapture::LogCapture(bool keepTexts) : keepTexts_(keepTexts) {
   Captures& captures = TheCaptures();
-  const std::lock_guard<std::mutex> guard(captures.lock);
+  const MutexLock guard(captures.lock);
   captures.open.push_back(this);
 }
 
 LogCapture::~LogCapture() {
   Captures& captures = TheCaptures();
-  const std::lock_guard<std::mutex> guard(captures.lock);
+  const MutexLock guard(captures.lock);
   captures.open.erase(std::remove(captures.open.begin(), captures.open.end(), this), captures.open.end());
 }
 
 std::vector<LogRecord> LogCapture::Records() const {
-  const std::lock_guard<std::mutex> guard(TheCaptures().lock);
+  const MutexLock guard(TheCaptures().lock);
   return records_;
 }
 
 std::size_t LogCapture::Count() const {
-  const std::lock_guard<std::mutex> guard(TheCaptures().lock);
+  const MutexLock guard(TheCaptures().lock);
   return count_;
 }
 
