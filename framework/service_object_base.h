@@ -37,7 +37,7 @@ class PLATFORM_API ServiceObjectBase : public ACE_Service_Object {
   virtual int UnRegistSvc();
 
   /// The service name given at construction.
-  virtual const char* GetName() const;
+  [[nodiscard]] virtual const char* GetName() const;
 
   /// A hook for derived classes, which the framework may call; does nothing here.
   virtual void SvcHook();

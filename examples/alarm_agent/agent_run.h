@@ -35,7 +35,7 @@ class AgentRun {
 
  private:
   bool TakeLine(FeedLine& line);
-  std::string MessageFor(const FeedLine& line) const;
+  [[nodiscard]] std::string MessageFor(const FeedLine& line) const;
   void Deliver(const std::string& message);
 
   FeedReader reader_;

@@ -48,7 +48,7 @@ class FeedReader {
   bool Fill();
   /// Waits until the feed can be read or `Finish` is called. Returns whether it can be read; false also after
   /// a signal.
-  bool WaitForInput() const;
+  [[nodiscard]] bool WaitForInput() const;
   /// The most bytes that the next read may take.
   [[nodiscard]] std::size_t Allowance() const;
   /// How many bytes can be read without waiting.

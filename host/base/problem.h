@@ -20,7 +20,7 @@ class PLATFORM_API Problem : public std::runtime_error {
 
   /// The index of the wrong word on the command line; 0, the index of the command's name, means the whole
   /// line.
-  std::size_t Word() const { return word_; }
+  [[nodiscard]] std::size_t Word() const { return word_; }
 
  private:
   std::size_t word_;
@@ -39,10 +39,10 @@ class PLATFORM_API LineError : public UsageError {
   LineError(std::size_t column, const std::string& reason)
       : UsageError(Prefix(column) + reason), column_(column), reasonAt_(Prefix(column).size()) {}
 
-  std::size_t Column() const { return column_; }
+  [[nodiscard]] std::size_t Column() const { return column_; }
 
   /// The message without the column.
-  const char* Reason() const { return what() + reasonAt_; }
+  [[nodiscard]] const char* Reason() const { return what() + reasonAt_; }
 
  private:
   static std::string Prefix(std::size_t column) { return "column " + std::to_string(column) + ": "; }

@@ -191,7 +191,7 @@ class Player {
     }
   }
 
-  std::size_t Records() const { return records_; }
+  [[nodiscard]] std::size_t Records() const { return records_; }
   Replay Result() && { return std::move(replay_); }
 
  private:
@@ -214,7 +214,7 @@ class Player {
     return now;
   }
 
-  bool IsCompared(const Record& record) const {
+  [[nodiscard]] bool IsCompared(const Record& record) const {
     switch (record.operation) {
       case recording_format::Operation::kGetTimeStamp:
       case recording_format::Operation::kWriteDbgLog:

@@ -29,7 +29,7 @@ struct OperationReplay {
   std::vector<std::int64_t> recorded;  ///< durations in nanoseconds in the recording
   std::vector<std::int64_t> replayed;  ///< durations in nanoseconds of the calls that were made
 
-  std::size_t Calls() const { return same + different + notCompared; }
+  [[nodiscard]] std::size_t Calls() const { return same + different + notCompared; }
 };
 
 /// A call whose answer differs from the recorded one.

@@ -262,7 +262,7 @@ void Loader::Process(const std::string& directive) {
     return;
   }
   if (parts.verb != "static" && !IsKnownToAce(parts.name)) {
-    Find(parts.name);
+    static_cast<void>(Find(parts.name));
   }
   DriveByAce(directive);
 }
@@ -316,7 +316,7 @@ void Loader::Start(const Plan& plan) {
 }
 
 void Loader::Init(const std::string& name, const Words& arguments) {
-  Find(name);
+  static_cast<void>(Find(name));
   LoadedBundle& bundle = *std::find_if(bundles_.begin(), bundles_.end(),
                                        [&](const LoadedBundle& loaded) { return loaded.name == name; });
   const AceComplaints complaints;

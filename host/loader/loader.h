@@ -34,7 +34,7 @@ struct LoadedBundle {
   std::chrono::system_clock::time_point loadTime;
 
   /// Whether the file was changed, replaced or removed since the load.
-  bool ChangedOnDisk() const { return IdentityOf(library) != file; }
+  [[nodiscard]] bool ChangedOnDisk() const { return IdentityOf(library) != file; }
 };
 
 /// The result of an unload.
@@ -105,14 +105,14 @@ class Loader {
   const LoadedBundle& Reload(const std::string& name);
 
   /// The loaded bundles, in load order.
-  const std::vector<LoadedBundle>& Bundles() const { return bundles_; }
+  [[nodiscard]] const std::vector<LoadedBundle>& Bundles() const { return bundles_; }
 
   /// The loaded bundle of that name; throws `Failure` with a suggestion when there is none.
-  const LoadedBundle& Find(const std::string& name) const;
+  [[nodiscard]] const LoadedBundle& Find(const std::string& name) const;
 
   /// The address of a symbol in the libraries of the loaded bundles, searched from the last one loaded; null
   /// when none defines it.
-  void* FindSymbol(const std::string& symbol) const;
+  [[nodiscard]] void* FindSymbol(const std::string& symbol) const;
 
  private:
   struct Plan;

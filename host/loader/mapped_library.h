@@ -40,10 +40,10 @@ class LibraryHandle {
   explicit operator bool() const { return handle_ != nullptr; }
 
   /// The address of a symbol that the library or one that it needs defines; null when there is none.
-  void* Symbol(const std::string& name) const;
+  [[nodiscard]] void* Symbol(const std::string& name) const;
 
   /// The path that the dynamic linker loaded it from.
-  std::string Path() const;
+  [[nodiscard]] std::string Path() const;
 
  private:
   struct Close {
@@ -63,7 +63,7 @@ struct MappedLibrary {
   bool isNoDelete = false;          ///< linked with -z nodelete
 
   /// Whether it was linked against `other`.
-  bool Needs(const MappedLibrary& other) const;
+  [[nodiscard]] bool Needs(const MappedLibrary& other) const;
 };
 
 /// All libraries that are mapped, in the order in which they were loaded.

@@ -34,10 +34,10 @@ class PLATFORM_API Platform {
   explicit Platform(const PlatformOptions& options);
 
   /// The warnings about config_items.ini, one line each.
-  const std::vector<std::string>& Warnings() const { return warnings_; }
+  [[nodiscard]] const std::vector<std::string>& Warnings() const { return warnings_; }
 
   /// Whether all records so far have reached the log file.
-  bool LogIsComplete() const { return output_.IsComplete(); }
+  [[nodiscard]] bool LogIsComplete() const { return output_.IsComplete(); }
 
  private:
   const LogOutput output_;

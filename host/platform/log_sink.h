@@ -65,7 +65,7 @@ class PLATFORM_API LogOutput {
   LogOutput& operator=(const LogOutput&) = delete;
 
   /// Whether all records have reached the file so far.
-  bool IsComplete() const;
+  [[nodiscard]] bool IsComplete() const;
 
  private:
   ACE_Log_Msg_Backend* const previous_;
@@ -82,9 +82,9 @@ class PLATFORM_API LogCapture {
   LogCapture& operator=(const LogCapture&) = delete;
 
   /// The records so far; empty when the texts are not kept.
-  std::vector<LogRecord> Records() const;
+  [[nodiscard]] std::vector<LogRecord> Records() const;
   /// The number of records so far.
-  std::size_t Count() const;
+  [[nodiscard]] std::size_t Count() const;
 
  private:
   friend PLATFORM_API void WriteLog(const LogRecord& record);
