@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/almcfg/run_program.h"
+#include "tests/temp_directory.h"
 
 namespace {
 
@@ -160,10 +161,57 @@ TEST(Coverage, CountsTheLinesThatItDoesNotListOneByOne) {
 
 TEST(Coverage, NeedsAFileWithQueries) {
   EXPECT_EQ(Coverage("").exitCode, 2);
-  EXPECT_THAT(Coverage("junk\n").err, HasSubstr("CALLS: cannot be read or holds no call of GetAlmCfgValue"));
+  EXPECT_THAT(Coverage("junk\n").err, HasSubstr("CALLS: holds no call of GetAlmCfgValue"));
   const Outcome outcome = RunAlmcfg({"coverage", "examples/broken/value-replaced.csv"});
   EXPECT_EQ(outcome.exitCode, 2);
   EXPECT_THAT(outcome.err, HasSubstr("coverage: --calls RECORDING is needed"));
+}
+
+TEST(Coverage, SaysWhyTheCallsCannotBeRead) {
+  const std::string config = "examples/broken/value-replaced.csv";
+  for (const auto& [calls, reason] :
+       {std::pair{"/no/such", "No such file or directory"}, std::pair{"/", "Is a directory"},
+        std::pair{"/dev/zero", "It is a device, not a file"}}) {
+    const Outcome outcome = RunAlmcfg({"coverage", config, "--calls", calls});
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_THAT(outcome.err, testing::EndsWith(std::string("almcfg: ") + calls + ": " + reason + "\n"));
+  }
+}
+
+TEST(Coverage, SaysThatTheLoadNeverEnds) {
+  const TempFile config("COM\tBTS\tLOS\t7\t1\n" + std::string(1023, 'x') + "\n");
+  const TempFile calls("COM\tBTS\tLOS\t7\n");
+  const Outcome text = RunAlmcfg({"coverage", config.path(), "--calls", calls.path()});
+  EXPECT_EQ(text.exitCode, 1);
+  EXPECT_THAT(text.out, HasSubstr("\nload:        NEVER ENDS at " + config.path() + ":2\n"));
+  const Outcome json = RunAlmcfg({"coverage", "--format", "json", config.path(), "--calls", calls.path()});
+  EXPECT_EQ(json.exitCode, 1);
+  EXPECT_EQ(nlohmann::json::parse(json.out)["endlessLine"],
+            (nlohmann::json{{"file", config.path()}, {"line", 2}}));
+}
+
+TEST(Coverage, InJsonHasEveryFieldForTwoFiles) {
+  const TempDirectory folder;
+  folder.Write("a.csv", "A\tB\tC\t7\t1\nQ\xFF\tB\tC\t7\tx\n");
+  folder.Write("b.csv", "A\tB\tC\t7\t3\nB/D\tB\tC\t7\t2\nE\tB\tC\t7\t\xFF\n");
+  folder.Write("calls", "A\tB\tC\t7\t3\na\tB\tC\t7\nQ\xFF\tB\tC\t7\nB\tB\tC\t7\n");
+  const Outcome outcome = almcfg_test::RunIn(
+      folder.path(), {"coverage", "--format", "json", "a.csv", "b.csv", "--calls", "calls"});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(nlohmann::json::parse(outcome.out), nlohmann::json::parse(R"json({
+    "calls": 6, "queries": 4, "every": 1, "dropped": 0, "lines": 4,
+    "notServed": [{"key1": "a", "key2": "B", "key3": "C", "number": "7", "count": 1,
+      "nearest": [{"file": "b.csv", "line": 1, "difference": "column 1 is \"A\", not \"a\" (another case)"}]}],
+    "noInteger": [{"key1": "Q\uFFFD", "key1Hex": "51ff", "key2": "B", "key3": "C", "number": "7", "count": 1,
+      "file": "a.csv", "line": 2, "value": "x"}],
+    "unasked": [
+      {"file": "b.csv", "line": 2, "text": "B/D\tB\tC\t7\t2", "alternatives": ["\"D\", \"B\""]},
+      {"file": "b.csv", "line": 3, "text": "E\tB\tC\t7\t\uFFFD", "textHex": "4509420943093709ff",
+       "alternatives": []}],
+    "served": [
+      {"key1": "A", "key2": "B", "key3": "C", "number": "7", "count": 3, "file": "b.csv", "line": 1, "value": "3"},
+      {"key1": "B", "key2": "B", "key3": "C", "number": "7", "count": 1, "file": "b.csv", "line": 2, "value": "2"}],
+    "endlessLine": null})json"));
 }
 
 /// The data of the HTML page for calls, from its rows on.

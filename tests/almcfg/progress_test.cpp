@@ -1,4 +1,4 @@
-// The progress line on a terminal: when it appears and that it is removed.
+// The progress line on a terminal: when it appears, and that it is removed before anything else is written.
 
 #include "tools/almcfg/write/progress.h"
 
@@ -11,12 +11,19 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <iostream>
 #include <string>
+#include <vector>
+
+#include "tests/almcfg/run_program.h"
+#include "tools/almcfg/commands.h"
 
 namespace {
 
 using almcfg::Progress;
 using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 constexpr Progress::Clock::duration kAtOnce{0};
@@ -60,6 +67,60 @@ TEST(Progress, WaitsBetweenTwoLines) {
 
 TEST(Progress, ShowsNothingWhereThereIsNoTerminal) {
   EXPECT_EQ(Written([] { Progress(false, kAtOnce, kAtOnce).Show("a", "read", 1); }), "");
+}
+
+/// What a terminal shows at the end: "\r\x1b[K" erases the line that it is on.
+std::string ScreenAfter(const std::string& written) {
+  std::string screen;
+  for (std::size_t from = 0; from < written.size();) {
+    const std::size_t erase = std::min(written.find("\r\x1b[K", from), written.size());
+    screen += written.substr(from, erase - from);
+    if (erase != written.size()) {
+      screen.erase(screen.rfind('\n') + 1);
+    }
+    from = erase + 4;
+  }
+  return screen;
+}
+
+/// What is written when a command runs with both outputs on one terminal and progress is shown at once.
+std::string WrittenBy(const almcfg::Options& options,
+                      int (*run)(const almcfg::Options&, const almcfg::Outputs&)) {
+  return Written([&] {
+    Progress progress(true, kAtOnce, kAtOnce);
+    run(options, {std::cerr, std::cerr, progress, {}, true});
+  });
+}
+
+TEST(Progress, IsNeverLeftBeforeWhatACommandWrites) {
+  std::string lines = "lost\n";
+  for (int i = 0; i < 5000; ++i) {
+    lines += "A\tB\tC\t" + std::to_string(i) + "\t1\n";
+  }
+  const almcfg_test::TempFile bad(lines + "A/\tB\tC\t07\t1\n" + std::string(1023, 'x') + "\nlost\n");
+  const almcfg_test::TempFile good(lines);
+  const almcfg_test::TempFile calls("A\tB\tC\t7\njunk\n");
+  almcfg::Options options;
+  options.key1 = "A";
+  options.calls = calls.path();
+  const auto expectNoProgress = [&](auto run, const std::vector<std::string>& files) {
+    options.files = files;
+    const std::string written = WrittenBy(options, run);
+    EXPECT_THAT(written, HasSubstr(" lines "));
+    for (const std::string done : {"read", "parsed", "checked"}) {
+      EXPECT_THAT(ScreenAfter(written), Not(HasSubstr(" lines " + done))) << files[0];
+    }
+  };
+  for (const std::string& second : {good.path(), bad.path(), std::string("/no/such")}) {
+    for (auto* const run :
+         {almcfg::RunCheck, almcfg::RunShow, almcfg::RunLookup, almcfg::RunDiff, almcfg::RunCoverage}) {
+      expectNoProgress(run, {good.path(), second});
+    }
+  }
+  expectNoProgress(almcfg::RunShow, {bad.path(), good.path()});
+  expectNoProgress(almcfg::RunFix, {bad.path()});
+  options.calls = "/no/such";
+  expectNoProgress(almcfg::RunCoverage, {good.path()});
 }
 
 /// The checker, reading a pipe, with its messages on a terminal.

@@ -15,14 +15,14 @@ namespace {
 constexpr unsigned kLongestRun = 30;  // seconds
 
 /// Becomes the program; what fails here shows as exit code 127.
-[[noreturn]] void Become(const std::vector<std::string>& arguments, const std::string& in,
-                         const std::string& out, const std::string& err) {
+[[noreturn]] void Become(const std::string& folder, const std::vector<std::string>& arguments,
+                         const std::string& in, const std::string& out, const std::string& err) {
   std::vector<char*> argv{const_cast<char*>("almcfg")};
   for (const std::string& argument : arguments) {
     argv.push_back(const_cast<char*>(argument.c_str()));
   }
   argv.push_back(nullptr);
-  const bool isReady = chdir(PROJECT_FOLDER) == 0 && dup2(open(in.c_str(), O_RDONLY), STDIN_FILENO) >= 0 &&
+  const bool isReady = chdir(folder.c_str()) == 0 && dup2(open(in.c_str(), O_RDONLY), STDIN_FILENO) >= 0 &&
                        dup2(open(out.c_str(), O_WRONLY), STDOUT_FILENO) >= 0 &&
                        dup2(open(err.c_str(), O_WRONLY), STDERR_FILENO) >= 0;
   alarm(kLongestRun);
@@ -35,12 +35,17 @@ constexpr unsigned kLongestRun = 30;  // seconds
 }  // namespace
 
 Outcome RunAlmcfg(const std::vector<std::string>& arguments, const std::string& input) {
+  return RunIn(PROJECT_FOLDER, arguments, input);
+}
+
+Outcome RunIn(const std::string& folder, const std::vector<std::string>& arguments,
+              const std::string& input) {
   const TempFile in(input);
   const TempFile out("");
   const TempFile err("");
   const pid_t child = fork();
   if (child == 0) {
-    Become(arguments, in.path(), out.path(), err.path());
+    Become(folder, arguments, in.path(), out.path(), err.path());
   }
   int status = 0;
   waitpid(child, &status, 0);

@@ -17,6 +17,10 @@ struct Outcome {
 /// 30 seconds is ended and counts as ended by a signal.
 Outcome RunAlmcfg(const std::vector<std::string>& arguments, const std::string& input = "");
 
+/// The same in another folder, so that outputs have the names of the files in it without a path.
+Outcome RunIn(const std::string& folder, const std::vector<std::string>& arguments,
+              const std::string& input = "");
+
 /// The whole file; fails the test when there is none.
 std::string ReadFile(const std::string& path);
 

@@ -59,8 +59,10 @@ int RunCommand(const Options& options, const Outputs& outputs) {
 }
 
 int Run(const Options& options) {
-  Progress progress(isatty(STDERR_FILENO) != 0);
   const bool isTerminal = isatty(STDOUT_FILENO) != 0;
+  // JSON and SARIF are written in pieces of lines, which a line of progress would erase.
+  const bool mayErase = isTerminal && (options.format == Format::kJson || options.format == Format::kSarif);
+  Progress progress(isatty(STDERR_FILENO) != 0 && !mayErase);
   const Outputs outputs{std::cout, std::cerr, progress, StyleFor(options.color, isTerminal), isTerminal};
   return RunCommand(options, outputs);
 }

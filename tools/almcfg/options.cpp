@@ -201,7 +201,8 @@ const std::vector<CommandSpec>& Commands() {
        {CallsOption("Recorded calls, or lines of KEY1, KEY2, KEY3, NUMBER, COUNT between TABs"),
         Flag("--strict", "Queries that no line serves give exit code 1", &Options::strict), StdinNameOption(),
         FormatOption("json|text", "How to report (default: text)"), ColorOption()},
-       "0 reported, 1 with --strict and a query that no line serves, 2 could not run"}};
+       "0 reported, 1 with --strict and a query that no line serves, or the load never ends, 2 could not "
+       "run"}};
   return kCommands;
 }
 

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/almcfg/read/input_file.h"
 #include "tools/almcfg/write/printable.h"
 #include "tools/almcfg/write/progress.h"
 #include "tools/recorder/format/reader.h"
@@ -26,8 +27,8 @@ class LineProblems {
   void Add(std::size_t line, std::size_t column, const std::string& text) {
     if (++count_ <= kMaxReported) {
       outputs_.progress.Hide();
-      outputs_.err << "almcfg: " << Printable(path_) << ':' << line << ':' << column << ": " << text
-                   << "; the line is skipped\n";
+      outputs_.err << "almcfg: " << Printable(path_) << ':' << line << ':' << column << ": "
+                   << Printable(text) << "; the line is skipped\n";
     }
   }
 
@@ -126,22 +127,27 @@ std::uint64_t CountOf(const Calls& calls, const NS_ASCII::AlarmKey& key) {
 }
 
 bool ReadCalls(const std::string& path, const Outputs& outputs, Calls& calls) {
-  std::ifstream file(path, std::ios::binary);
-  const int first = file.peek();
-  LineProblems problems(path, outputs);
-  if (file) {
-    (first == '{' ? ReadRecording : ReadTable)(file, problems, calls);
-    problems.End();
-  }
-  if (calls.counts.empty()) {
+  const auto report = [&](const std::string& reason) {
     outputs.progress.Hide();
-    outputs.err
-        << "almcfg: " << Printable(path)
-        << ": cannot be read or holds no call of GetAlmCfgValue; give a recording, or lines of KEY1, KEY2, "
-           "KEY3, NUMBER and perhaps a count between TABs\n";
+    outputs.err << "almcfg: " + Printable(path) + ": " + reason + '\n';
+  };
+  try {
+    RequireReadable(path);
+  } catch (const ReadError& error) {
+    report(error.what());
     return false;
   }
-  return true;
+  std::ifstream file(path, std::ios::binary);
+  LineProblems problems(path, outputs);
+  (file.peek() == '{' ? ReadRecording : ReadTable)(file, problems, calls);
+  problems.End();
+  if (calls.counts.empty()) {
+    report(
+        "holds no call of GetAlmCfgValue; give a recording, or lines of KEY1, KEY2, KEY3, NUMBER and perhaps "
+        "a "
+        "count between TABs");
+  }
+  return !calls.counts.empty();
 }
 
 }  // namespace almcfg

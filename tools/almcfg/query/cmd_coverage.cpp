@@ -18,6 +18,7 @@
 #include "tools/almcfg/query/load_files.h"
 #include "tools/almcfg/query/nearest.h"
 #include "tools/almcfg/write/json_text.h"
+#include "tools/almcfg/write/place_json.h"
 #include "tools/almcfg/write/printable.h"
 #include "tools/almcfg/write/progress.h"
 
@@ -51,6 +52,7 @@ struct Coverage {
   std::vector<AnsweredQuery> noInteger;
   std::vector<UnaskedLine> unasked;
   std::size_t lines = 0;  ///< lines that serve a key
+  Place endlessLine;
 };
 
 std::uint64_t CallsOf(const std::vector<AnsweredQuery>& queries) {
@@ -150,6 +152,9 @@ void WriteText(std::ostream& out, const Calls& calls, const Coverage& coverage) 
       << "no integer:  " << Grouped(CallsOf(coverage.noInteger)) << "; the caller's variable is unchanged\n"
       << "lines:       " << Grouped(coverage.lines) << ", of which " << Grouped(coverage.unasked.size())
       << " have keys that were never asked for\n";
+  if (coverage.endlessLine) {
+    out << "load:        NEVER ENDS at " << Shown(coverage.endlessLine) << '\n';
+  }
   if (calls.every != 1) {
     out << "sample:      one call of " << Grouped(static_cast<std::uint64_t>(calls.every))
         << " was recorded\n";
@@ -223,6 +228,7 @@ void WriteJson(std::ostream& out, const Calls& calls, const Coverage& coverage) 
     json["unasked"].push_back(std::move(entry));
   }
   json["served"] = ToJson(coverage.served);
+  json["endlessLine"] = ToJson(coverage.endlessLine);
   out << Dump(json) << '\n';
 }
 
@@ -237,9 +243,11 @@ int RunCoverage(const Options& options, const Outputs& outputs) {
   Coverage coverage;
   SortQueries(*table, calls, coverage);
   FindUnasked(*table, coverage);
+  coverage.endlessLine = table->endlessLine();
   outputs.progress.Hide();
   (options.format == Format::kJson ? WriteJson : WriteText)(outputs.out, calls, coverage);
-  return options.strict && !coverage.notServed.empty() ? kFindings : kClean;
+  const bool isClean = !coverage.endlessLine && (!options.strict || coverage.notServed.empty());
+  return isClean ? kClean : kFindings;
 }
 
 }  // namespace almcfg

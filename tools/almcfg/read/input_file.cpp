@@ -95,6 +95,8 @@ bool IsSilentPipe(const InputFile& file) {
 
 }  // namespace
 
+void RequireReadable(const std::string& path) { RequireText(InputFile(path).fd()); }
+
 void ReadBytes(const std::string& path,
                const std::function<void(const char* bytes, std::size_t count)>& take) {
   const InputFile file(path);

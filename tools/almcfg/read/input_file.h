@@ -32,6 +32,9 @@ class ReadError : public std::runtime_error {
 void ReadBytes(const std::string& path,
                const std::function<void(const char* bytes, std::size_t count)>& take);
 
+/// Throws `ReadError` when the file `path` cannot be opened, is a directory, or is a device that may have no end.
+void RequireReadable(const std::string& path);
+
 }  // namespace almcfg
 
 #endif  // TOOLS_ALMCFG_READ_INPUT_FILE_H_

@@ -38,11 +38,24 @@ Tally CheckBytes(const std::string& content, Progress& progress) {
 void ReportRepairs(const RepairedText& repaired, const Tally& left, const std::string& name,
                    std::ostream& err) {
   for (const Finding& repair : repaired.repairs) {
-    err << name << ':' << repair.line << ':' << repair.column << ": repaired: " << repair.message << " ["
-        << RuleOf(repair.code).name << "]\n";
+    err << name + ':' + std::to_string(repair.line) + ':' + std::to_string(repair.column) +
+               ": repaired: " + repair.message + " [" + RuleOf(repair.code).name + "]\n";
   }
-  err << "almcfg: " << name << ": " << Counted(repaired.repairs.size(), "repair") << "; " << Summary(left)
-      << (left.Total() == 0 ? "" : " left, see almcfg check") << '\n';
+  err << "almcfg: " + name + ": " + Counted(repaired.repairs.size(), "repair") + "; " + Summary(left) +
+             (left.Total() == 0 ? "" : " left, see almcfg check") + '\n';
+}
+
+/// On a terminal, with control characters made visible.
+void WriteText(std::ostream& out, const std::string& text, bool isTerminal) {
+  if (!isTerminal) {
+    out << text;
+    return;
+  }
+  for (std::size_t from = 0; from < text.size();) {
+    const std::size_t to = std::min(text.find('\n', from), text.size());
+    out << Marked(std::string_view(text).substr(from, to - from)) << '\n';
+    from = to + 1;
+  }
 }
 
 void WriteResult(const RepairedText& repaired, const std::string& path, const Options& options,
@@ -51,7 +64,7 @@ void WriteResult(const RepairedText& repaired, const std::string& path, const Op
     WriteUnifiedDiff(outputs.out, options.NameOf(path), repaired.original, repaired.repaired,
                      outputs.isTerminal);
   } else if (!options.inPlace) {
-    outputs.out << repaired.Text();
+    WriteText(outputs.out, repaired.Text(), outputs.isTerminal);
   } else if (!repaired.repairs.empty()) {
     ReplaceFile(path, repaired.Text(), options.backup);
   }
