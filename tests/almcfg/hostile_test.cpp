@@ -241,7 +241,7 @@ TEST(HostileInput, OfAFileWithoutLineFeedsTakesNoMemoryForIt) {
   ASSERT_EQ(truncate(file.path().c_str(), off_t{64} << 20), 0);
   const Outcome outcome = RunAlmcfg({"check", file.path()});
   EXPECT_EQ(outcome.exitCode, 1);
-  EXPECT_THAT(outcome.out, HasSubstr("67,108,864 characters"));
+  EXPECT_THAT(outcome.out, HasSubstr("67,108,864 bytes"));
 }
 
 TEST(HostileInput, MayBeADirectoryADeviceOrASilentPipe) {

@@ -110,7 +110,7 @@ TEST_F(Terminal, GetsNoColorsWhenItIsDumbOrUnknown) {
   EXPECT_TRUE(HasColor({"vt100"}));
 }
 
-TEST_F(Terminal, ObeysTheColorOptionWhateverTheEnvironment) {
+TEST_F(Terminal, ObeysTheColorOptionInEveryEnvironment) {
   EXPECT_FALSE(HasColor({}, {"--color", "never"}));
   EXPECT_TRUE(HasColor({}, {"--color", "auto"}));
   EXPECT_TRUE(HasColor({"dumb", "1"}, {"--color", "always"}));

@@ -1,4 +1,4 @@
-// Parses the command line by CLI11. No state, the result is a copy. Called once, by `main`.
+// Parses the command line. No state, the result is a copy. Called once, by `main`.
 
 #include "tools/almcfg/options.h"
 
