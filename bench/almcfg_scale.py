@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares the processor time and memory of `almcfg check` with those of the bundle's own load, on generated files.
+"""Compares the processor time and memory of almcfg's commands with those of the bundle's own load, on generated files.
 
 usage: almcfg_scale.py BUILD [LINES [ROUNDS]]
 
@@ -44,15 +44,23 @@ def main():
     with tempfile.TemporaryDirectory() as directory:
         file = pathlib.Path(directory, "ii_asciiagent_bundle", "AlarmConfig.csv")
         file.parent.mkdir()
-        load = [build / "host/bundle_host", "--config-dir", directory, "--bundle", build / "src/libii_ascii_util.so"]
-        check = [build / "tools/almcfg/almcfg", "check", file]
+        load = [build / "host/bundle_host", "--config-dir", directory, "--bundle", build / "src/libii_ascii_util.so",
+                "quit"]
+        almcfg = build / "tools/almcfg/almcfg"
         for name, line in FILES.items():
             file.write_text("".join(line.format(i) for i in range(lines)))
-            costs = [(cost(load), cost(check)) for _ in range(rounds)]
-            (load_time, load_memory), (time, memory) = (best(side) for side in zip(*costs))
             size = file.stat().st_size / 1e6
-            print(f"{name}: {size:.0f} MB; load {load_time:.2f} s, {load_memory:.0f} MB; check {time:.2f} s, "
-                  f"{time / load_time:.1f} x the load, {memory:.0f} MB, {memory / size:.1f} x the file", flush=True)
+            commands = {"check": [almcfg, "check", file]}
+            if name == "one record each":
+                commands["show"] = [almcfg, "show", file]
+                commands["lookup"] = [almcfg, "lookup", file, "Node0000007", "Port07", "Alarm7", "7"]
+                commands["diff"] = [almcfg, "diff", file, file]
+            costs = [(cost(load), *map(cost, commands.values())) for _ in range(rounds)]
+            (load_time, load_memory), *others = (best(side) for side in zip(*costs))
+            print(f"{name}: {size:.0f} MB; load {load_time:.2f} s, {load_memory:.0f} MB", flush=True)
+            for command, (time, memory) in zip(commands, others):
+                print(f"  {command}: {time:.2f} s, {time / load_time:.1f} x the load, {memory:.0f} MB, "
+                      f"{memory / size:.1f} x the file", flush=True)
 
 
 if __name__ == "__main__":
