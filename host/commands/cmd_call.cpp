@@ -175,10 +175,8 @@ std::string OperationList() {
     text += "  " + Synopsis(operation) + "\n";
   }
   return text +
-         "- instead of an operation reads operations and arguments from standard input, a call a line. "
-         "--json "
-         "prints a call's\n"
-         "values as one line, numbers as numbers.\n"
+         "With - as OPERATION, calls are read from standard input, one per line. --json prints the\n"
+         "values of a call as one line of JSON, with numbers unquoted.\n"
          "In texts \\xNN stands for a byte. A map is NAME=ITEM|ITEM,NAME=ITEM. Out values start as 0 or "
          "empty.\n";
 }

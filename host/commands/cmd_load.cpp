@@ -56,20 +56,20 @@ Action ParseUnload(const Words& words) {
 std::vector<Command> LoadCommands() {
   return {
       {"load", "LIBRARY [ARGUMENT...]", "load a bundle and initialise it with the arguments",
-       "LIBRARY is a path, or a name that the dynamic linker finds; libNAME.so is bundle NAME and has the "
-       "factory\n"
-       "_make_NAME. Arguments must not hold quotes, backslashes or '$'.\n",
+       "LIBRARY is a path, a file of the working directory, or a name that the dynamic linker finds or that\n"
+       "is in the directory of bundle_host or of libbundle_host.so. libNAME.so is bundle NAME and has the\n"
+       "factory _make_NAME. init gets the arguments unchanged.\n",
        1, kAnyNumber, Completes::kFiles, ParseLoad},
       {"init", "NAME [ARGUMENT...]", "call init of a loaded bundle again", "", 1, kAnyNumber,
        Completes::kBundles, ParseInit},
       {"reload", "NAME", "unload a bundle, load its file again and initialise it",
-       "init gets the same arguments as before. Refused while another loaded bundle is linked against the "
-       "library.\n",
+       "init gets the same arguments as before. Refused while another loaded bundle is linked against the\n"
+       "library or, like the recorder, passes calls on to the bundle's interface.\n",
        1, 1, Completes::kBundles, ParseReload},
       {"unload", "NAME", "call fini, destroy the service object and unmap the library",
-       "Says whether the process has the library still mapped and, if so, why. What other bundles fetched "
-       "from it\n"
-       "they must have dropped before. Refused while another loaded bundle is linked against the library.\n",
+       "Says whether the process has the library still mapped and, if so, why. Other bundles must have\n"
+       "dropped the interfaces that they fetched from it. Refused while another loaded bundle is linked\n"
+       "against the library or, like the recorder, passes calls on to the bundle's interface.\n",
        1, 1, Completes::kBundles, ParseUnload},
   };
 }

@@ -80,9 +80,8 @@ std::vector<Command> RunCommands() {
        "Stops at the first that fails, with its place; with --keep-going reports each and counts them.\n", 1,
        1, Completes::kFiles, ParseRun},
       {"expect", "TEXT", "fail unless the last command printed the text",
-       "TEXT may be a part of what it printed that starts and ends with whole words and numbers. Several in "
-       "a row\n"
-       "look at the same command.\n",
+       "TEXT may be a part of what it printed that starts and ends with whole words and numbers. Several\n"
+       "expect commands in a row check the output of the same command.\n",
        1, 1, Completes::kNothing, ParseExpect},
       {"expect-error", "TEXT", "fail unless the last command failed with the text",
        "In a file the command before it may fail. TEXT may be a part of the message, as for expect.\n", 1, 1,

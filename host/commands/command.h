@@ -11,8 +11,8 @@
 #include "host/commands/session.h"
 
 /// The table of commands, used by the program's command line, command files and the console. Help, completion
-/// and the test of the manual page read it. To add a command, add a row to its group's function, and a new
-/// group to `Commands`.
+/// and the test of the manual page read it. To add a command, add a row to the function of its group; add the
+/// function of a new group to the list in `Commands` (command.cpp).
 ///
 /// Threads: the program's main thread only, for everything in host/commands.
 namespace host {

@@ -132,8 +132,8 @@ std::string Text(const Operation& operation, const Outcome& outcome) {
   return text.str();
 }
 
-/// `SplitStr` with an empty separator never returns.
-bool NeverEnds(const Record& record) {
+/// `SplitStr` with an empty separator appends pieces until memory runs out.
+bool FillsMemory(const Record& record) {
   return record.operation == recording_format::Operation::kSplitStr &&
          std::get<std::string>(record.in[1]).empty();
 }
@@ -175,9 +175,10 @@ class Player {
     OperationReplay& row = replay_.operations[static_cast<std::size_t>(record.operation)];
     row.recorded.push_back(record.duration);
     const Outcome then{record.result, record.thrown, record.out};
-    if (NeverEnds(record)) {
+    if (FillsMemory(record)) {
       ++row.different;
-      Keep(operation, record, line, then, "not called: with an empty separator the call would never end\n");
+      Keep(operation, record, line, then,
+           "not called: with an empty separator the call would fill the memory\n");
       return;
     }
     const Outcome now = Call(operation, record, row);

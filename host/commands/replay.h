@@ -55,9 +55,9 @@ struct Replay {
 
 /// Makes the recorded calls on `interface`, one after the other on this thread. Answers of GetTimeStamp and
 /// WriteDbgLog are not compared, nor those of GetAlmCfgValue while the loaded configuration differs from the
-/// recorded one, unless the options ask for it. Calls that would never return are not made and count as
-/// different. Throws
-/// `Failure` when the file cannot be read or holds no record.
+/// recorded one, unless the options ask for it. Calls of `SplitStr` with an empty separator, which would fill
+/// the memory, are not made and count as different. Throws `Failure` when the file cannot be read or holds no
+/// record.
 Replay ReplayCalls(const ReplayOptions& options, NS_ASCII::AsciiUtilInterface& interface);
 
 }  // namespace host

@@ -106,7 +106,7 @@ Value ParseValue(const Parameter& parameter, const std::string& argument) {
       return ParseMap(parameter, argument);
     default:
       if (argument.empty() && !parameter.mayBeEmpty) {
-        Reject(parameter, argument, "empty, and the operation would never end");
+        Reject(parameter, argument, "empty, and the operation would fill the memory");
       }
       RequireWholeEscapes(parameter, argument);
       return UnescapeBytes(argument);

@@ -79,9 +79,8 @@ Action ParseConsole(const Words& /*words*/) { return RunConsole; }
 std::vector<Command> ConsoleCommands() {
   return {
       {"console", "", "read commands from the terminal, or from a pipe",
-       "A terminal has history and completion; a command that fails is reported and the console continues. A "
-       "pipe\n"
-       "is read like a file.\n",
+       "A terminal has history and completion; a command that fails is reported and the console continues.\n"
+       "When standard input or output is not a terminal, commands are read as by \"run -\".\n",
        0, 0, Completes::kNothing, ParseConsole},
   };
 }

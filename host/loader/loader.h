@@ -39,7 +39,7 @@ struct LoadedBundle {
 
 /// The result of an unload.
 struct UnloadReport {
-  /// What failed during the unload; empty when nothing did. The bundle is unloaded in any case.
+  /// What failed during the unload; empty when nothing did. The loader forgets the bundle in any case.
   std::string problem;
   /// Why the library is still mapped; empty when it is not.
   std::string whyMapped;
@@ -100,8 +100,8 @@ class Loader {
   ///
   /// Throws before the unload when other loaded bundles use this one, as for `Unload` (the message names all
   /// of them), or when the new file cannot be loaded. Throws after the unload, and the message says so, when
-  /// the old library stays mapped or the new code's factory or `init` fails. Throws after the reload when the
-  /// unload reported a problem.
+  /// the old library stays mapped, the new file has no factory of the old name, or its factory or `init`
+  /// fails. Throws after the reload when the unload reported a problem.
   const LoadedBundle& Reload(const std::string& name);
 
   /// The loaded bundles, in load order.

@@ -14,8 +14,9 @@
 ///   dynamic bundle_platform Service_Object * libbundle_host.so:_make_bundle_platform()
 ///     "--config-dir DIR [--log-file FILE] [--log-level LEVEL]"      (on one line)
 ///
-/// Its `init` logs one line and returns -1 for an invalid option, a directory or log file that cannot be
-/// opened, and an invalid config_items.ini. Threads: one at a time, as for any service object.
+/// Its `init` logs one line and returns -1 for an invalid option, an unknown configuration directory, a
+/// directory or log file that cannot be opened, and an invalid config_items.ini. Threads: one at a time, as
+/// for any service object.
 namespace host {
 
 struct PlatformOptions {
@@ -29,8 +30,8 @@ struct PlatformOptions {
 class PLATFORM_API Platform {
  public:
   /// Throws `Failure` with a one-line message when the log file or the directory cannot be opened or
-  /// config_items.ini is invalid; the log output is then restored. An unknown directory and a missing
-  /// config_items.ini are allowed.
+  /// config_items.ini is invalid; the log output is then restored. Allows an unknown directory, as
+  /// bundle_host does, and a missing config_items.ini.
   explicit Platform(const PlatformOptions& options);
 
   /// The warnings about config_items.ini, one line each.

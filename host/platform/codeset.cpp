@@ -121,6 +121,8 @@ class Converter {
       std::size_t rest = given;
       const int problem = converted.Write(convert_, in, rest);
       left -= given - rest;
+      // The piece ends inside a character and more input follows: the next piece starts with that character.
+      // When iconv converted nothing, it would not do so in the next call either.
       const bool isCutByPiece = problem == EINVAL && rest < given && rest < left;
       if (problem != 0 && !isCutByPiece) {
         complete = false;

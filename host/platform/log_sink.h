@@ -13,8 +13,8 @@
 ///
 /// One record is one line, `TIME [LEVEL] TAG:LINE FUNCTION: TEXT`, as in
 ///   2026-11-21T08:15:02.417Z [1] almconfig:195 unknown: almconfig.cfg file error. line=s%
-/// with UTC time to the millisecond, "-" for an empty tag or function, and bytes outside printable ASCII in
-/// the text as \xNN, so that a text cannot forge another line.
+/// with UTC time to the millisecond, "-" for an empty tag or function, and the backslash and bytes outside
+/// printable ASCII as \xNN, so that a text cannot forge another line.
 ///
 /// Levels rise with importance: 0 details for debugging, 1 decisions and errors, 2 the start of a service and
 /// its failure.

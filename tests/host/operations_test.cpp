@@ -117,7 +117,7 @@ TEST(OperationArguments, AProblemNamesTheArgumentAndWhatWasExpected) {
             "2: Str2Num: argument 2, base: 'ten' is not an integer from -2147483648 to 2147483647");
   EXPECT_EQ(Problem({"ToUpper"}), "0: ToUpper takes 1 argument, not 0: ToUpper text:text -> text");
   EXPECT_EQ(Problem({"SplitStr", "a", ""}),
-            "2: SplitStr: argument 2, separator: '' is empty, and the operation would never end");
+            "2: SplitStr: argument 2, separator: '' is empty, and the operation would fill the memory");
   EXPECT_EQ(Problem({"touper"}), "0: no operation 'touper'; did you mean ToUpper?");
 }
 

@@ -171,12 +171,12 @@ expect 'is unmapped'
             self.assertIn(f"bundle_host: {file}{reason}", done.stderr)
         self.assertIn(": is a directory", self.host("replay", self.dir).stderr)
 
-    def test_a_call_that_would_never_end_is_not_made(self):
+    def test_a_call_that_would_fill_the_memory_is_not_made(self):
         self.calls.write_text('{"op":"SplitStr","in":["a",""],"result":0,"out":[["a"]],"thread":1,"start":2,"ns":3}\n')
         table, report, done = self.replayed()
         self.assertEqual((done.returncode, table["SplitStr"]["different"]), (1, 1))
         self.assertIsNone(table["SplitStr"]["now_ns"])
-        self.assertIn("would never end", report["differences"][0]["now"])
+        self.assertIn("would fill the memory", report["differences"][0]["now"])
 
     def test_wrong_usage_is_named(self):
         for arguments, reason in ((["f", "--max-differences", "x"], "'x' is not a number from 0 on"),
