@@ -17,10 +17,10 @@ namespace NS_BUNDLEMGR1 {
 /// that was registered last.
 PLATFORM_API int SetIFBuf(const std::string& name, ServiceInterface* interface);
 
-/// The interfaces registered under `name`; the one registered last comes first. Null when there are none. The
-/// buffer belongs to the registry and stays valid until the process ends, its elements until their bundles
-/// are unloaded. A later registration may use another buffer. An interface lookup may append to a buffer
-/// while it holds `_g_actualmutex`.
+/// The interfaces registered under `name`; the one registered last comes first. Null when there are none; a
+/// platform may return an empty buffer instead, to which an interface lookup appends what it finds, holding
+/// `_g_actualmutex`. The buffer belongs to the registry and stays valid until the process ends, its elements
+/// until their bundles are unloaded. A later registration may use another buffer.
 PLATFORM_API std::vector<ServiceInterface*>* CheckIFBuf(const std::string& name);
 
 /// The framework's global mutex, by the framework's name. Held while an interface search runs and while a

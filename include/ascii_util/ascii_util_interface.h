@@ -26,12 +26,14 @@ using ListMap = std::map<std::string, std::vector<std::string>>;
 ///
 /// Ownership: the interface belongs to the service object that registered it. A caller borrows it and must
 /// not use it after the bundle is unloaded.
-/// Threads: the interface has no state. Every operation may be called from any thread at any time, also
-/// while the configuration is being loaded; the caller synchronizes access to the maps and lists it passes.
-/// Errors: bad input never throws. Exhausted memory throws `std::bad_alloc`, or ends the process through the
-/// unexpected-exception handler if it occurs while the log service is looked up. Exceptions of the platform
-/// and its logger reach the caller. After an exception, the map of `ParseListMap` and the list of `SplitStr`
-/// keep what was added; every other out value is unchanged.
+/// Threads: the interface has no state. Every operation may be called from any thread at any time, also while
+/// the configuration is being loaded; the caller synchronizes access to the maps and lists it passes.
+/// Errors: bad input does not throw, except for an empty separator of `SplitStr`, which exhausts memory.
+/// Exhausted memory throws `std::bad_alloc`. Exceptions of the platform's functions and of a logger's `Log`
+/// and `LogF` reach the caller; an exception of `GetLogger` only drops the message. Any other exception while
+/// the log service is looked up, `std::bad_alloc` included, ends the process through the unexpected-exception
+/// handler. After an exception, the map of `ParseListMap` and the list of `SplitStr` keep what was added;
+/// every other out value is unchanged.
 class PLATFORM_API AsciiUtilInterface : public NS_BUNDLEMGR1::ServiceInterface {
  public:
   /// Slot 5. Reads `text`, up to its first NUL, as an integer with `strtol` in `base` (0 or 2 to 36). `value`
@@ -46,9 +48,9 @@ class PLATFORM_API AsciiUtilInterface : public NS_BUNDLEMGR1::ServiceInterface {
   /// a year below 1000 padded with blanks. Empty when the time does not fit, as from the year 10000 on.
   virtual std::string GetTimeStamp() = 0;
 
-  /// Slot 7. Whether the operator-specific translation applies: true when the integer configuration item
-  /// "IsTransQuelt" is 1 or cannot be read, false for every other value. Every call reads the item and logs
-  /// its decision.
+  /// Slot 7. Whether callers apply the operator-specific translation, which is not part of this bundle: true
+  /// when the integer configuration item "IsTransQuelt" is 1 or cannot be read, false for every other value.
+  /// Every call reads the item and logs its decision.
   virtual bool IsTransQueltEnabled() = 0;
 
   /// Slot 8. Looks up the integer configured for columns 1 to 3 (`key1`, `key2`, `key3`) and column 4

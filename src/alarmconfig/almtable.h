@@ -17,8 +17,8 @@
 
 namespace NS_ASCII {
 
-/// Whether `a` precedes `b` in the table's order: by key1, key2, key3, numKey, bytes compared as unsigned, in
-/// *descending* order.
+/// Whether `a` precedes `b` in the table's order: by key1, key2, key3, numKey, bytes compared as unsigned.
+/// Required: the order is descending.
 bool ComesBefore(const AlarmKey& a, const AlarmKey& b);
 
 /// The table of the alarm configuration: an insert-only hash table with lock-free readers.

@@ -42,8 +42,8 @@ void ReportFailedSlot() {
 
 }  // namespace
 
-/// Exists from the load of the library to its unload. Required: `lock_` and `names_`, although nothing uses
-/// them.
+/// Exists from the load of the library to its unload. Required: the class has `lock_` and `names_`; no code
+/// uses them.
 class ModuleState {
  public:
   ModuleState() = default;

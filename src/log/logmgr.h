@@ -36,7 +36,7 @@ class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
   bool EnsureKey();
   [[nodiscard]] bool Store(NS_LOG_SERVICE1::PosForDbg* record) const;
 
-  std::atomic<bool> hasKey_{false};  // The base reads its own flag without its lock.
+  std::atomic<bool> hasKey_{false};  // Used instead of the base's `once_`, which it reads unlocked.
   std::atomic<bool> closed_{false};
 };
 

@@ -1,7 +1,8 @@
 #ifndef SRC_LOG_MESSAGES_H_
 #define SRC_LOG_MESSAGES_H_
 
-/// Every message that the bundle sends to the log service or to ACE's log.
+/// Every message that the bundle sends to the log service or to ACE's log, except the assertion of the
+/// exterminator (src/service/asciiutilsvc.cpp).
 ///
 /// Required: tag, number, level and text never change, spelling mistakes included; log watchers search for
 /// them. The numbers are not line numbers of the present sources. docs/binary-contract.md lists the same

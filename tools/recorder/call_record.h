@@ -15,9 +15,9 @@
 
 namespace recorder {
 
-/// The start of a record in the queue. The values follow: the arguments, the out values at
-/// the start unless all are 0 or empty, the result or the exception's type and text, the out values at the
-/// end. Booleans take a byte, integers eight; a text follows its size, a list and a map their count.
+/// The start of a record in the queue. The values follow: the arguments, the out values at the start unless
+/// all are 0 or empty, the result or the exception's type and text, the out values at the end. Booleans take
+/// a byte, integers eight; a text is preceded by its size, a list or a map by the number of its elements.
 struct RecordHeader {
   recording_format::Operation operation;
   bool hasBefore;

@@ -13,9 +13,10 @@ namespace recorder {
 /// The file that a recording is written to.
 ///
 /// An existing regular file of that name is renamed to FILE.1 first and replaces an older FILE.1. A new file
-/// has mode 0600, because it contains alarm texts. With a limit, a file that has reached it gets its tail and
-/// is renamed to FILE.1, and a new file is created; so at most twice the limit is on the disk. A device is
-/// written to directly; anything else, such as a directory or a symbolic link, is refused.
+/// has mode 0600, because it contains alarm texts. With a limit, when the next line would exceed it, the file
+/// gets its tail and is renamed to FILE.1, and a new file is created. So at most twice the limit is on the
+/// disk, unless a single record, or the file that existed before, is larger. A character device is written to
+/// directly; anything else, such as a directory or a symbolic link, is refused.
 ///
 /// Failures throw `std::system_error` whose text names the file. After a failure only the destructor may be
 /// called; it closes the file. Threads: one at a time.

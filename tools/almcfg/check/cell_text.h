@@ -35,7 +35,8 @@ std::optional<std::string> Unquoted(std::string_view cell);
 /// Empty when the line has another separator, a TAB, an empty cell, or not exactly five cells.
 std::vector<std::string> SplitDelimited(std::string_view line);
 
-/// Columns 4 and 5 are words and no column is a number: a heading, not a record.
+/// Columns 4 and 5 are words and no column is a number: the line looks like a heading. A load makes a record
+/// of it if its columns are separated by TABs.
 bool IsHeading(const std::vector<std::string>& cells);
 bool IsHeading(const NS_ASCII::PartList& columns);
 

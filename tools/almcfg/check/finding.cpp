@@ -34,7 +34,7 @@ const std::array<Rule, kRuleCount>& Rules() {
       {Code::kValueReplaced, "value-replaced", S::kWarning, R::kUnsafe,
        "An earlier line has the same key and another value: the later line wins."},
       {Code::kDuplicateKey, "duplicate-key", S::kWarning, R::kUnsafe,
-       "An earlier line has the same key and the same value."},
+       "An earlier line has the same key and the same value, or the line names an alternative twice."},
       {Code::kHeaderLine, "header-line", S::kWarning, R::kSafe,
        "Columns 4 and 5 hold words instead of numbers: a heading that is loaded as a record."},
       {Code::kQuotedCell, "quoted-cell", S::kWarning, R::kSafe,

@@ -55,7 +55,8 @@ struct Repeat {
 };
 
 /// The table that a process would have after loading one or more files in order: for each key the line that
-/// set it last. A load ends at the first over-long line, so nothing after that line is part of the table.
+/// set it last. A load reads nothing after the first over-long line and never returns; the table has the
+/// lines before it, and the first 1,022 bytes of that line.
 ///
 /// The index is a sorted list of key hashes and line numbers, eight bytes a record; keys are compared in the
 /// lines themselves. Measured side by side with a million records, a `std::unordered_multimap` from hash to line

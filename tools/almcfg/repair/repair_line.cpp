@@ -76,7 +76,7 @@ class LineRepairer {
     RemoveMark(isFirst);
     RemoveCr();
     TrimUnlessColumnsAreEmpty();
-    UncommentOrSeparate();
+    CommentOutOrSeparate();
     if (IsAccepted(text_)) {
       RepairColumns();
     }
@@ -125,7 +125,7 @@ class LineRepairer {
     }
   }
 
-  void UncommentOrSeparate() {
+  void CommentOutOrSeparate() {
     const std::string trimmed = Trimmed();
     if (text_.empty() || text_.front() == '#' || trimmed.empty()) {
       return;

@@ -25,9 +25,10 @@ struct RepairRules {
   }
 };
 
-/// Returns whether loading the line in place of the original one keeps the answer of every key that had one.
-/// Called for repairs that add or change keys, unless `RepairRules::unsafe`; it may then be empty. The other
-/// safe repairs change neither keys nor values of a loaded line, except that a heading becomes a comment.
+/// Returns whether every key for which queries got an integer keeps it when the line is loaded in place of
+/// the original one. Called for repairs that add or change keys, unless `RepairRules::unsafe`; it may then be
+/// empty. The other safe repairs change neither keys nor values of a loaded line, except that a heading
+/// becomes a comment.
 using KeepsAnswers = std::function<bool(std::string_view line)>;
 
 /// Repairs one line (without its LF) on its own. Returns the lines that replace it, usually one, and appends

@@ -50,7 +50,8 @@ class Answers {
  public:
   explicit Answers(std::string_view content) : before_(LoadBytes(content)) {}
 
-  /// Whether every key of `line` keeps the answer it had when `line` replaces line `number` of the file.
+  /// Whether every key of `line` for which queries got an integer keeps it when `line` replaces line `number`
+  /// of the file.
   [[nodiscard]] bool AreKeptBy(std::string_view line, LineNumber number) const {
     const Records records = RecordsOf(line);
     return std::all_of(records.begin(), records.end(), [&](const Record& record) {

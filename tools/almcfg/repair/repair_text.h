@@ -9,7 +9,7 @@
 #include "tools/almcfg/repair/repair_line.h"
 
 /// Repairs a whole file: each line on its own, then the lines that repeat or replace others. Compares with
-/// the table of the original file, so that safe repairs keep every answer.
+/// the table of the original file, so that safe repairs keep every integer that queries get.
 namespace almcfg {
 
 /// A file after its repair.
@@ -22,8 +22,9 @@ struct RepairedText {
   [[nodiscard]] std::string Text() const;
 };
 
-/// Repairs a file. Comments and the order of lines are kept. Without `rules.unsafe` every key that had an
-/// answer keeps it, except keys with quotation marks or a byte order mark, as long as the load ends.
+/// Repairs a file. Comments and the order of lines are kept. Without `rules.unsafe`, and if the load ends,
+/// every key for which queries got an integer keeps it, except keys with quotation marks or a byte order
+/// mark. A query that failed may get an integer.
 RepairedText RepairText(std::string_view content, const RepairRules& rules);
 
 }  // namespace almcfg

@@ -27,8 +27,8 @@ void Append(std::string& shown, const Glyph& glyph);
 enum class Blanks { kAtEdges, kAll };
 
 /// The text character by character: TAB as an arrow, CR and NUL as their symbols, blanks at the edge of the
-/// line, a column or an alternative (with kAll: every blank) as a dot, other control characters, invisible
-/// ones and bytes that are not UTF-8 as an escape.
+/// line, a column or an alternative and runs of two or more (with kAll: every blank) as dots, other control
+/// characters, invisible ones and bytes that are not UTF-8 as an escape.
 std::vector<Glyph> Glyphs(std::string_view text, Blanks blanks);
 
 /// The number of bytes of the UTF-8 character that `text` starts with; 0 when it starts with none.
