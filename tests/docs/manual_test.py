@@ -2,8 +2,9 @@
 """Compares the manual page of bundle_host and docs/host.md with the output of --help: manual_test.py PROGRAM PAGE.
 
 Options and commands must be the same, with the same arguments, and each must be explained beginning with the words that
---help has for it.
+--help has for it. The dictionary of the fuzz target has every command, too.
 """
+import itertools
 import pathlib
 import re
 import subprocess
@@ -11,6 +12,7 @@ import sys
 import unittest
 
 PROGRAM, PAGE = sys.argv[1:3]
+DICTIONARY = pathlib.Path(__file__).parents[2] / "fuzz/host/host_command_line.dict"
 
 
 def plain(text):
@@ -41,7 +43,8 @@ class ManualPage(unittest.TestCase):
         said = helped()[section]
         written = entries(section)
         self.assertGreater(len(said), 5)
-        self.assertEqual(sorted(said), sorted(written))
+        self.assertEqual(sorted(set(said) - set(written)), [], f"{PAGE}, {section}: write these entries")
+        self.assertEqual(sorted(set(written) - set(said)), [], f"{PAGE}, {section}: delete these, --help lacks them")
         for head, words in said.items():
             self.assertTrue(written[head].lower().startswith(words.lower()), f"{head}: {written[head]!r}, --help: {words!r}")
 
@@ -55,7 +58,13 @@ class ManualPage(unittest.TestCase):
         text = (pathlib.Path(PAGE).parent.parent / "host.md").read_text()
         table = text[text.index("| command | does |"):]
         written = re.findall(r"^\| `(.*?)` \| (.*) \|$", table[: table.index("\n\n")], re.MULTILINE)
-        self.assertEqual(written, list(helped()["COMMANDS"].items()))
+        for row, said in itertools.zip_longest(written, helped()["COMMANDS"].items()):
+            self.assertEqual(row, said, "docs/host.md, table of commands: write the second row here, as --help has it")
+
+    def test_dictionary_of_the_fuzz_target_has_every_command(self):
+        words = DICTIONARY.read_text().replace('"', "").split()
+        names = {head.split()[0] for head in helped()["COMMANDS"]}
+        self.assertEqual(sorted(names - set(words)), [], f"{DICTIONARY}: write these commands")
 
     def test_environment_variable_is_the_one_in_help(self):
         text = subprocess.run([PROGRAM, "--help"], text=True, stdout=subprocess.PIPE, check=True).stdout
