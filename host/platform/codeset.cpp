@@ -29,7 +29,7 @@ class Descriptor {
     }
   }
 
-  bool IsOpen() const { return value_ != None(); }
+  [[nodiscard]] bool IsOpen() const { return value_ != None(); }
 
   void Reset() const { iconv(value_, nullptr, nullptr, nullptr, nullptr); }
 

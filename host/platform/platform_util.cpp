@@ -27,7 +27,9 @@ extern "C" int sprintf_s(char* buffer, std::size_t size, const char* format, ...
   }
   std::va_list values;
   va_start(values, format);
-  const int length = std::vsnprintf(buffer, size, format, values);
+  // clang-tidy 14 does not see that va_start initialised `values`.
+  const int length =
+      std::vsnprintf(buffer, size, format, values);  // NOLINT(clang-analyzer-valist.Uninitialized)
   va_end(values);
   if (length < 0 || static_cast<std::size_t>(length) >= size) {
     buffer[0] = '\0';
