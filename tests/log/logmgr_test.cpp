@@ -12,7 +12,6 @@
 #include <new>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "tests/private_member.h"
@@ -37,7 +36,7 @@ std::atomic<int> watchedFreed{0};
 std::atomic<bool> aceLocksFail{false};
 int freedBeforeKey = 0;  ///< how often `watched` was freed when a thread key was freed
 /// The next allocation of a record closes this storage, as if the main thread did so at exit.
-NS_ASCII::PosStorage* closedByNextAllocation = nullptr;
+std::atomic<NS_ASCII::PosStorage*> closedByNextAllocation{nullptr};
 
 void NoteFreed(const void* piece) noexcept {
   if (piece != nullptr && piece == watched.load()) {
@@ -68,8 +67,7 @@ extern "C" int __wrap__ZN6ACE_OS11thr_keyfreeEj(pthread_key_t key) {
   throw std::bad_alloc();
 }
 [[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  if (NS_ASCII::PosStorage* const storage = std::exchange(closedByNextAllocation, nullptr);
-      storage != nullptr) {
+  if (NS_ASCII::PosStorage* const storage = closedByNextAllocation.exchange(nullptr); storage != nullptr) {
     storage->Close();
   }
   return std::malloc(size);
@@ -418,7 +416,7 @@ TEST_F(PosStorageTest, ReportsNothingWhenTheKeyWasFreedMeanwhile) {
     const AceLog log;
     closedByNextAllocation = &StorageOf(manager);
     manager->LogPos("second");
-    EXPECT_EQ(closedByNextAllocation, nullptr);
+    EXPECT_EQ(closedByNextAllocation.load(), nullptr);
     EXPECT_THAT(log.entries, IsEmpty());
   });
   EXPECT_THAT(framework.Messages(), SizeIs(2));
