@@ -4,8 +4,9 @@
 #   scripts/valgrind.sh [--help] [PROGRAM...]
 #
 # PROGRAM is a test program such as logmsg_test (default: those of every folder of src). The comparisons with the literal
-# rules are left out: they test whole input spaces, which takes hours here and seconds in every other build. Exit 1 when
-# valgrind or a test finds an error.
+# rules are left out: they test whole input spaces, which takes hours here and seconds in every other build. So are the
+# tests in single steps, a mode of the processor that valgrind does not emulate. Exit 1 when valgrind or a test finds an
+# error.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -34,7 +35,7 @@ export LOCPATH=$PWD/build/release/tests/text/locales ASCII_UTIL_TRIALS=0
 check() {
   local output
   if output=$(valgrind --quiet --trace-children=yes --leak-check=full --errors-for-leak-kinds=definite --error-exitcode=9 \
-    "build/release/tests/$1" --gtest_brief=1 --gtest_filter='-*AgreesWith*' 2>&1); then
+    "build/release/tests/$1" --gtest_brief=1 --gtest_filter='-*AgreesWith*:AlarmTableInSingleSteps.*' 2>&1); then
     echo "${1##*/}: $(grep -oE '\[  PASSED  \] [0-9]+' <<<"$output" | awk '{ sum += $4 } END { print sum }') tests"
   else
     echo "$output"

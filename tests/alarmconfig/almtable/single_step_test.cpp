@@ -79,9 +79,7 @@ TEST_F(AlarmTableInSingleSteps, ShowsAnEntryWithItsValueOrNotAtAll) {
       table_.Insert({"alarm", std::to_string(i), "c", "1"}, value);
     }
   }
-  if (steps == 0) {
-    GTEST_SKIP() << "no single-step mode, for example under valgrind";
-  }
+  EXPECT_GT(steps, 0U) << "the processor's single-step mode had no effect";
   EXPECT_EQ(wrong_, 0) << steps << " steps";
 }
 
@@ -90,9 +88,7 @@ TEST_F(AlarmTableInSingleSteps, ShowsTheOlderValueUntilItShowsTheNewOne) {
     Insert(0, i == 0 ? std::nullopt : std::optional("value " + std::to_string(i - 1)),
            "value " + std::to_string(i));
   }
-  if (steps == 0) {
-    GTEST_SKIP() << "no single-step mode, for example under valgrind";
-  }
+  EXPECT_GT(steps, 0U) << "the processor's single-step mode had no effect";
   EXPECT_EQ(wrong_, 0) << steps << " steps";
 }
 
