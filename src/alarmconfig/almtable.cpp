@@ -7,7 +7,6 @@
 #include <limits>
 #include <new>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 namespace NS_ASCII {
@@ -40,11 +39,8 @@ bool ComesBefore(const AlarmKey& a, const AlarmKey& b) {
   return std::tie(a.key1, a.key2, a.key3, a.numKey) > std::tie(b.key1, b.key2, b.key3, b.numKey);
 }
 
-AlarmTable::SlotArray::SlotArray(std::size_t count, std::unique_ptr<SlotArray> previous)
-    : mask(count - 1),
-      refMask(LargestRef(count)),
-      slots(new std::atomic<std::uint32_t>[count]),
-      older(std::move(previous)) {
+AlarmTable::SlotArray::SlotArray(std::size_t count)
+    : mask(count - 1), refMask(LargestRef(count)), slots(new std::atomic<std::uint32_t>[count]) {
   for (std::size_t i = 0; i < count; ++i) {
     slots[i].store(0, std::memory_order_relaxed);  // Not published yet.
   }
@@ -210,7 +206,7 @@ AlarmTable::Ref AlarmTable::AddNode(const AlarmKey& key, Ref value) {
 void AlarmTable::Grow() {
   SlotArray* const old = CurrentArray();
   const std::size_t count = old == nullptr ? kFirstSlots : 2 * (old->mask + 1);
-  auto larger = std::make_unique<SlotArray>(count, nullptr);
+  auto larger = std::make_unique<SlotArray>(count);
   std::vector<std::uint32_t> hashes(count);
   for (std::size_t i = 0; old != nullptr && i <= old->mask; ++i) {
     // Relaxed throughout: only this thread changes the old array, and the new one is not published yet.

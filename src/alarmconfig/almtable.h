@@ -91,7 +91,7 @@ class AlarmTable {
   /// A slot holds a node's number in its lower bits and upper bits of its key's hash in the rest; 0 when it
   /// is free. Storing only part of the hash halves an array's memory, so more of it stays in the caches.
   struct SlotArray {
-    SlotArray(std::size_t count, std::unique_ptr<SlotArray> previous);
+    explicit SlotArray(std::size_t count);
 
     [[nodiscard]] std::uint32_t PackSlot(std::uint32_t hash, Ref ref) const {
       return (hash & ~refMask) | ref;
