@@ -412,6 +412,8 @@ void ExpectSlotReport(const std::vector<AceLog::Entry>& entries) {
 TEST_F(PosStorageTest, ReportsNothingWhenTheKeyWasFreedMeanwhile) {
   LogMgr* const manager = LogMgr::Instance();
   manager->LogPos("first");
+  // The storage cannot reach this thread's record after the other thread has closed it.
+  const std::unique_ptr<NS_LOG_SERVICE1::PosForDbg> record(StorageOf(manager).Record());
   OnAnotherThread([&] {
     const AceLog log;
     closedByNextAllocation = &StorageOf(manager);
