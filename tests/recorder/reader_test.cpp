@@ -178,6 +178,12 @@ TEST(RecordingReader, IntegersMustFitTheirType) {
             R"(1: "result" is not an integer from -9223372036854775808 to 9223372036854775807)");
 }
 
+TEST(RecordingReader, ANumberThatNoTypeHoldsIsAProblem) {
+  EXPECT_EQ(ProblemOf("-9e999"), "1: a number is larger than a double can be");
+  EXPECT_EQ(ProblemOf(R"({"op":"IsValid","in":[],"result":1e309)" + kEnd),
+            "1: a number is larger than a double can be");
+}
+
 TEST(RecordingReader, ACharacterAboveOneByteIsAProblem) {
   EXPECT_EQ(ProblemOf(R"({"op":"ToUpper","in":["\u0100"]})"), R"(1: "in" holds a character above U+00FF)");
   EXPECT_EQ(ProblemOf(R"({"op":"GetMapList","in":[{"\u20ac":[]},"a"]})"),

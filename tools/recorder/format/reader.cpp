@@ -225,6 +225,8 @@ Line ParseLine(const std::string& text) {
   } catch (const json::parse_error& error) {
     const bool isCut = error.byte > text.size();
     return Problem{error.byte, isCut ? "the line is cut" : "not JSON"};
+  } catch (const json::out_of_range&) {  // Without a position, unlike a syntax error.
+    return Problem{1, "a number is larger than a double can be"};
   } catch (const LineError& error) {
     return Problem{1, error.what()};
   }
