@@ -115,9 +115,9 @@ def main():
     rows = slower(times, context["bundles"].split(","), remarks(sys.argv[2]))
     print(f"""# Benchmarks
 
-What each operation takes beside what a caller could use instead. `scripts/bench.sh --report` writes this page. Every ratio
-is the time of the bundle, loaded with `dlopen` and called through its virtual table or exported functions, divided by the
-other's: below 1 the bundle is faster. Each run goes over many different inputs, and a contestant is timed only after it has
+The time of each operation, compared with what a caller could use instead. `scripts/bench.sh --report` writes this page. Every
+ratio is the time of the bundle, loaded with `dlopen` and called through its virtual table or exported functions, divided by the
+other's: below 1 the bundle is faster. Each run uses many different inputs, and a contestant is timed only after it has
 given the expected answer to all of them. Contestants take turns in one process; a time is the lower quartile of the
 processor time over all repetitions, because other load on the machine only adds to it.
 

@@ -1,4 +1,4 @@
-# Finds ACE by pkg-config and makes the target ACE::ACE. Says which package brings it when it is missing.
+# Finds ACE by pkg-config and makes the target ACE::ACE. When ACE is missing, the message names the Debian package.
 
 find_package(PkgConfig QUIET)
 ascii_util_require(PKG_CONFIG_FOUND "pkg-config" pkg-config)

@@ -1,5 +1,5 @@
-# The bill of materials, built with the rest and installed beside it: which Debian packages, in which versions, the built
-# files are linked to. It needs the package database, so other systems than Debian do without it.
+# The bill of materials, built and installed with the other files: the Debian packages, with their versions, that the built
+# files are linked to. It is made from Debian's package database, so on other systems it is left out.
 
 find_package(Python3 QUIET COMPONENTS Interpreter)
 find_program(DPKG_QUERY dpkg-query)

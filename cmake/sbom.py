@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Writes a software bill of materials (CycloneDX 1.5, JSON) for built files, from what they are really linked to.
+"""Writes a software bill of materials (CycloneDX 1.5, JSON) for built files, from the libraries that they are linked to.
 
   sbom.py --name NAME --version VERSION --output FILE [--compiled-in PACKAGE]... [--directory DIR]... BINARY...
 
-Each BINARY becomes a component of NAME. What it needs is read from its dynamic section, what that needs from there on.
-Libraries are searched for in each DIR in turn: those of the target, which need not be the machine that builds. Their names,
-versions and architectures are those of the Debian packages that own them. --compiled-in names packages of headers only,
-which leave no trace in a file. The same input gives the same output.
+Each BINARY becomes a component of NAME. The libraries that it needs are read from its dynamic section, and the libraries
+that those need from theirs. Libraries are searched for in each DIR in order: the directories of the target, which may differ
+from the build machine's. Their names, versions and architectures are those of the Debian packages that own them.
+--compiled-in names packages of headers, which a built file does not show. The same input gives the same output.
 """
 import argparse
 import json
@@ -19,7 +19,7 @@ import uuid
 
 
 class Failure(Exception):
-    """What could not be found out, in one line."""
+    """Why the bill cannot be made, in one line."""
 
 
 def run(*command):
@@ -30,7 +30,7 @@ def run(*command):
 
 
 def needed(path):
-    """The names that the file's dynamic section asks for, in its order."""
+    """The libraries that the file's dynamic section names, in its order."""
     return re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "--dynamic", "--wide", str(path)))
 
 
@@ -61,7 +61,7 @@ class Bill:
         self.depends = {}           # references by reference
 
     def package_of(self, library):
-        """The reference of the package that a library is from. Follows what that library needs in turn."""
+        """The reference of the package that a library is from. Adds the packages of the libraries that it needs."""
         if library in self.reference_of:
             return self.reference_of[library]
         path = self.find(library)
@@ -90,7 +90,7 @@ class Bill:
         return reference
 
     def add_own(self, path, compiled_in):
-        """One of our files. Names in compiled_in are for programs, the only ones with header libraries inside."""
+        """One of our files. The packages in compiled_in are added to programs: only these contain header libraries."""
         reference = f"file:{path.name}"
         self.depends[reference] = {
             f"file:{name}" if name in self.own else self.package_of(name) for name in needed(path)}

@@ -5,7 +5,7 @@
 #
 # FILTER is a regular expression over the names "operation/input/contestant". --bundle adds another build of the bundle to
 # every comparison. --smoke only checks that each comparison runs and gets equal answers. --report runs all in several
-# processes, in repetitions that take turns, and writes docs/benchmarks.md; with FILTER or --bundle it prints the page
+# processes, in repetitions in random order, and writes docs/benchmarks.md; with FILTER or --bundle it prints the page
 # instead. That takes some ten minutes on an idle machine.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -42,8 +42,8 @@ results=build/release/bench/results
 rm -rf "$results"
 mkdir -p "$results"
 
-# run NAME FILTER REPETITIONS SECONDS: one group in one process, its repetitions in random order. Without benchmarks that
-# FILTER also matches, no file is written.
+# run NAME FILTER REPETITIONS SECONDS: one group in one process, its repetitions in random order. Writes no file when the
+# script's FILTER matches none of the group's benchmarks.
 run() {
   local both=$2
   if [ -n "$filter" ]; then

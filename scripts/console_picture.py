@@ -54,4 +54,7 @@ def draw(lines):
 
 
 if __name__ == "__main__":
-    print("\n".join(draw(list(session(pathlib.Path(sys.argv[1]).resolve())))))
+    if sys.argv[1:] == ["--help"]:
+        print(__doc__.strip())
+    else:
+        print("\n".join(draw(list(session(pathlib.Path(sys.argv[1]).resolve())))))

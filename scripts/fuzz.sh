@@ -3,11 +3,11 @@
 #
 #   scripts/fuzz.sh [--help] TARGET|all SECONDS [LIBFUZZER-OPTION...]
 #
-# TARGET is one of the input languages in fuzz/: alarm_config, key_value, list_map, split, url_encode, url_decode,
-# str2num, host_command_line, config_items, recording; `all` runs one after the other. Inputs that were found are kept in
+# TARGET is one of the fuzz targets in fuzz/: alarm_config, key_value, list_map, split, url_encode, url_decode,
+# str2num, host_command_line, config_items, recording; `all` runs one after the other. Inputs that reach new code are kept in
 # build/fuzz-corpus/TARGET and used again; the checked-in ones are fuzz/corpus/TARGET. Prints the number of executions.
-# When something is found: exit 1, with the input's path and how to run it again. An input that was found becomes a file
-# of the checked-in corpus and a test of the unit.
+# When an input fails: exit 1, with the input's path and how to run it again. Add that input to the checked-in corpus and
+# write a test for the unit.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

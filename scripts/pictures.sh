@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Draws the pictures of docs/architecture.md: docs/images/NAME.svg from docs/images/NAME.dot; and docs/images/console.svg, a console
-# session, for which it builds bundle_host.
+# Draws the pictures of docs/architecture.md, docs/images/NAME.svg from docs/images/NAME.dot, and a console session,
+# docs/images/console.svg, for which it builds bundle_host.
 #
 #   scripts/pictures.sh [--help]
 #

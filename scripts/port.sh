@@ -10,9 +10,9 @@
 # STEP    one of the steps to run (default: all): demo, test and packages; for another architecture setup, build,
 #         bundle-tests, commands and packages
 #
-# Needs root, a Debian mirror and about 4 GB in build/port/TARGET. Prints one line for each step and at the end the row for
-# the table in docs/testing.md. A log of each step is kept beside the root, which is used again next time; remove it to begin with
-# a bare one. Exit 1 when a step failed.
+# Needs root, a Debian mirror and about 4 GB in build/port/TARGET. Prints one line for each step, and at the end all results in
+# one line, for the table in docs/testing.md. A log of each step is kept in build/port/TARGET. The root is used again by the next
+# run; remove it to start with a bare one. Exit 1 when a step failed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -43,7 +43,7 @@ row=$target
 
 in_root() { chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 bash -euc "$1"; }
 
-# step NAME COMMAND: runs the command in the root's copy of the sources; a line, and a cell of the table.
+# step NAME COMMAND: runs the command in the root's copy of the sources, prints a line and adds a cell to the row.
 step() {
   [ ${#steps[@]} -eq 0 ] || [[ " ${steps[*]} " == *" $1 "* ]] || return 0
   local begin=$SECONDS result=ok tests
@@ -63,7 +63,7 @@ trap unmount EXIT
 scripts/setup.sh port
 case "$target" in
   arm64 | s390x)
-    # The kernel runs the target's programs by the emulator; a container begins without its file system for that.
+    # The kernel runs the target's programs with the emulator that binfmt_misc names; in a container it is not mounted at first.
     emulator=qemu-${target/arm64/aarch64}
     [ -e /proc/sys/fs/binfmt_misc/status ] || mount -t binfmt_misc binfmt_misc /proc/sys/fs/binfmt_misc
     [ -e "/proc/sys/fs/binfmt_misc/$emulator" ] || update-binfmts --enable "$emulator" ;;
@@ -112,7 +112,7 @@ cross() {
 native() {
   step demo "scripts/demo.sh"
   step test "scripts/test.sh"
-  # The packages that the tests have made, upgraded and purged in an empty root; here with all that they depend on.
+  # Installs the packages that the tests have made, here with all their dependencies.
   step packages "apt-get install -y -q --no-install-recommends ./build/release/tests/packages/made/*.deb
     debian/tests/consumer
     debian/tests/demo

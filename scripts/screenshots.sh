@@ -25,7 +25,7 @@ if ! { cmake --preset release && cmake --build build/release --target almcfg; } 
   exit 1
 fi
 
-# A fixed time, so that the same page gives the same picture. The files have findings, so almcfg says so.
+# A fixed time, so that the same page gives the same picture. almcfg reports the file's findings on standard error.
 SOURCE_DATE_EPOCH=1795219200 build/release/tools/almcfg/almcfg show --format html \
   examples/config/ii_asciiagent_bundle/AlarmConfig.csv >"$work/page.html" 2>"$work/log"
 PYTHONPATH=tests/almcfg/page python3 -B - "$work/page.html" "${1:-}" <<'END'

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Runs the example agent at full speed for a while, with the bundle loaded, its configuration loaded again under the running
-# agent, and both unloaded, round after round in one process.
+# Runs the example agent at full speed for SECONDS, in rounds in one process. Each round loads the bundle and the agent, loads
+# the configuration again while the agent runs, and unloads both.
 #
 #   scripts/soak.sh [--help] SECONDS
 #
 # At the end it prints the rounds, the messages and the resident memory after the first minute (after a quarter of the time,
-# when that is less) and at the end. Exit 1 when a round does not go as it should, when an alarm has no message or one too
-# many, or when memory grew by more than 5 % and 1 MiB.
+# when that is less) and at the end. Exit 1 when a command fails, when the number of messages differs from the number of alarms,
+# or when memory grew by more than 5 % and more than 1 MiB.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -78,7 +78,7 @@ done
 last=$(resident)
 exec 3>&-
 wait "$host" || { cat "$work/errors" >&2; fail "the host ended with an error"; }
-[ ! -s "$work/errors" ] || { head "$work/errors" >&2; fail "the host had something to say (above)"; }
+[ ! -s "$work/errors" ] || { head "$work/errors" >&2; fail "the host wrote to standard error (above)"; }
 
 echo "$rounds rounds, $messages messages for as many alarms; resident memory $settled KiB after ${settle} s, $last KiB at the end"
 [ $((last - settled)) -le 1024 ] || [ $((20 * (last - settled))) -le "$settled" ] || fail "memory grew"
