@@ -11,6 +11,8 @@ import subprocess
 import sys
 import unittest
 
+import built
+
 PROGRAM, PAGE = sys.argv[1:3]
 DICTIONARY = pathlib.Path(__file__).parents[2] / "fuzz/host/host_command_line.dict"
 
@@ -46,7 +48,8 @@ class ManualPage(unittest.TestCase):
         self.assertEqual(sorted(set(said) - set(written)), [], f"{PAGE}, {section}: write these entries")
         self.assertEqual(sorted(set(written) - set(said)), [], f"{PAGE}, {section}: delete these, --help lacks them")
         for head, words in said.items():
-            self.assertTrue(written[head].lower().startswith(words.lower()), f"{head}: {written[head]!r}, --help: {words!r}")
+            self.assertTrue(written[head].lower().startswith(words.lower()),
+                            f"{PAGE}, {section}: begin the entry {head!r} with the words of --help: {words!r}, not {written[head]!r}")
 
     def test_options_are_those_of_the_program(self):
         self.compare("OPTIONS")
@@ -69,8 +72,10 @@ class ManualPage(unittest.TestCase):
     def test_environment_variable_is_the_one_in_help(self):
         text = subprocess.run([PROGRAM, "--help"], text=True, stdout=subprocess.PIPE, check=True).stdout
         named = re.search(r"environment variable (\w+)", text).group(1)
-        self.assertIn(named, entries("ENVIRONMENT"))
+        self.assertIn(named, entries("ENVIRONMENT"), f"{PAGE}, ENVIRONMENT: write an entry for {named}")
 
 
 if __name__ == "__main__":
+    if absent := built.missing(PROGRAM):
+        sys.exit(absent)
     unittest.main(argv=sys.argv[:1])

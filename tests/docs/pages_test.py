@@ -7,6 +7,8 @@ import re
 import subprocess
 import unittest
 
+import built
+
 PROJECT = pathlib.Path(__file__).resolve().parent.parent.parent
 DOCS = PROJECT / "docs"
 PAGES = [PROJECT / name for name in ["README.md", "CONTRIBUTING.md", "CHANGELOG.md"]] + sorted(DOCS.glob("*.md"))
@@ -52,16 +54,19 @@ class Architecture(unittest.TestCase):
         for source in sources:
             checksum = hashlib.sha256(source.read_bytes()).hexdigest()
             self.assertIn(f"<!-- {checksum} -->", source.with_suffix(".svg").read_text(), f"{source.name}: run scripts/pictures.sh")
-            self.assertIn(f"images/{source.stem}.svg", self.page.read_text())
+            self.assertIn(f"images/{source.stem}.svg", self.page.read_text(), "docs/architecture.md: show this picture, or delete it")
 
     def test_units_are_those_of_the_source_folder(self):
         named = [unit for units, _ in rows(self.page, "unit") for unit in code(units)]
         there = {path.stem for path in (PROJECT / "src").rglob("*") if path.suffix in SOURCES}
-        self.assertEqual(sorted(named), sorted(there))
+        self.assertEqual(sorted(named), sorted(there), "docs/architecture.md, table of units: list the units on the right")
 
     def test_memory_of_the_table_is_as_measured(self):
+        program = os.environ["TABLE_MEMORY"]
+        if absent := built.missing(program):
+            self.fail(absent)
         written = [f"{entries} {table}" for entries, table, _ in rows(self.page, "entries")]
-        measured = subprocess.run([os.environ["TABLE_MEMORY"]], text=True, stdout=subprocess.PIPE, check=True).stdout
+        measured = subprocess.run([program], text=True, stdout=subprocess.PIPE, check=True).stdout
         self.assertEqual(written, measured.splitlines(), "write the measured figures, and adapt the arithmetic above them")
 
 
@@ -74,13 +79,14 @@ class BinaryContract(unittest.TestCase):
         self.assertEqual(len(declared), 12)
         slots = {code(name)[0]: text for name, text in rows(self.page, "class")}
         written = re.findall(r"(\d+) `(\w+)`", slots["AsciiUtilInterface"])
-        self.assertEqual(written, declared)
+        self.assertEqual(written, declared, "docs/binary-contract.md, slots: list those of the header, on the right")
 
     def test_exported_functions_are_those_of_the_version_script(self):
         script = (PROJECT / "src/exports.map").read_text()
         exported = re.findall(r"^\s+(?:_ZN8NS_ASCII\d+([A-Za-z0-9]+?)(?:E\*|B5cxx11Ei)|(_make\w+));", script, re.MULTILINE)
         written = [name.removeprefix("NS_ASCII::") for cell, _ in rows(self.page, "symbol") for name in code(cell)]
-        self.assertEqual(sorted(written), sorted(mangled or plain for mangled, plain in exported))
+        self.assertEqual(sorted(written), sorted(mangled or plain for mangled, plain in exported),
+                         "docs/binary-contract.md, exported functions: list those of src/exports.map, on the right")
 
     def test_messages_are_those_of_the_source(self):
         header = (PROJECT / "src/log/messages.h").read_text()
@@ -102,11 +108,11 @@ class Everywhere(unittest.TestCase):
                     continue
                 name, _, anchor = target.partition("#")
                 to = (page.parent / name).resolve() if name else page
-                self.assertTrue(to.exists(), f"{page.name}: {target}")
+                self.assertTrue(to.exists(), f"{page.name}: correct the link {target}: there is no such file")
                 if anchor:
                     headings = re.findall(r"^#+ (.*)$", to.read_text(), re.MULTILINE)
                     anchors = {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-") for heading in headings}
-                    self.assertIn(anchor, anchors, page.name)
+                    self.assertIn(anchor, anchors, f"{page.name}: correct the link {target}: the page has no such heading")
                 checked += 1
         self.assertGreater(checked, 10)
 
@@ -120,12 +126,12 @@ class Everywhere(unittest.TestCase):
     def test_scripts_that_pages_name_are_there_and_say_what_they_do(self):
         named = {name for page in PAGES for name in re.findall(r"\bscripts/\w+\.sh\b", page.read_text())}
         there = {f"scripts/{path.name}" for path in (PROJECT / "scripts").glob("*.sh")}
-        self.assertEqual(named - there, set())
+        self.assertEqual(named - there, set(), "the pages name scripts that do not exist; correct the names")
         for script in sorted(there):
             done = subprocess.run([PROJECT / script, "--help"], text=True, stdout=subprocess.PIPE, check=False)
-            self.assertEqual(done.returncode, 0, script)
-            self.assertIn(script, done.stdout)
-            self.assertGreater(len(done.stdout.splitlines()), 2, script)
+            self.assertEqual(done.returncode, 0, f"{script}: --help must exit with 0")
+            self.assertIn(script, done.stdout, f"{script}: --help must show how it is called")
+            self.assertGreater(len(done.stdout.splitlines()), 2, f"{script}: --help must say what it does")
 
     def test_options_and_variables_that_pages_name_exist(self):
         recipes = [PROJECT / "CMakeLists.txt", *(PROJECT / "cmake").glob("*.cmake"), *(PROJECT / "scripts").iterdir(),
@@ -135,15 +141,15 @@ class Everywhere(unittest.TestCase):
             known |= set(re.findall(r"\bASCII_UTIL_\w+", path.read_text(errors="replace")))
         for page in PAGES:
             for name in re.findall(r"\bASCII_UTIL_[A-Z_]*[A-Z]\b", page.read_text()):
-                self.assertIn(name, known, page.name)
+                self.assertIn(name, known, f"{page.name}: correct the name, or define the option {name}")
 
     def test_changelog_has_the_version_and_lines_that_fit_a_terminal(self):
         version = re.search(r"VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text().split("project(")[1]).group(1)
         changelog = (PROJECT / "CHANGELOG.md").read_text()
-        self.assertRegex(changelog, rf"(?m)^## {re.escape(version)} - \d\d\d\d-\d\d-\d\d$")
-        self.assertEqual([line for line in changelog.splitlines() if len(line) > 78], [])
+        self.assertRegex(changelog, rf"(?m)^## {re.escape(version)} - \d\d\d\d-\d\d-\d\d$", "CHANGELOG.md: write this heading")
+        self.assertEqual([line for line in changelog.splitlines() if len(line) > 78], [], "CHANGELOG.md: break these lines")
         for manual in (DOCS / "man").glob("*.1"):
-            self.assertIn(f'"ii_ascii_util {version}"', manual.read_text().splitlines()[0])
+            self.assertIn(f'"ii_ascii_util {version}"', manual.read_text().splitlines()[0], f"{manual.name}, line 1: write the version")
 
 
 if __name__ == "__main__":

@@ -16,10 +16,14 @@ import sys
 import tempfile
 import unittest
 
+import built
+
 PROJECT, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
 PAGES = [PROJECT / "README.md", PROJECT / "CONTRIBUTING.md", *sorted((PROJECT / "docs").glob("*.md"))]
 PROGRAMS = ["host", "tools/almcfg"]
 LIBRARIES = ["src", "host", "examples/alarm_agent", "tools/recorder"]
+BUILT = ["host/bundle_host", "tools/almcfg/almcfg", "src/libii_ascii_util.so", "tools/recorder/libii_ascii_recorder.so",
+         "examples/alarm_agent/libalarm_agent_example.so"]
 VARIABLE = [(re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d(\.\d+)?Z?"), "TIME"), (re.compile(r"\d\d:\d\d:\d\d(\.\d+)?"), "CLOCK"),
             (re.compile(r"\b\d+(\.\d+)? (ns|us|ms|s)\b"), "DURATION")]
 
@@ -70,6 +74,8 @@ class Transcripts(unittest.TestCase):
     maxDiff = None
 
     def test_commands_print_what_the_page_shows(self):
+        if absent := built.missing(*(BUILD / file for file in BUILT)):
+            self.fail(absent)
         environment = {**os.environ, "LC_ALL": "C.UTF-8", "COLUMNS": "120",
                        "PATH": ":".join([*(str(BUILD / place) for place in PROGRAMS), os.environ["PATH"]]),
                        "LD_LIBRARY_PATH": ":".join(str(BUILD / place) for place in LIBRARIES)}
@@ -99,11 +105,16 @@ class Commands(unittest.TestCase):
             for language, start, lines in blocks(page):
                 if language == "sh":
                     done = subprocess.run(["bash", "-n"], input="\n".join(lines), text=True, check=False, stderr=subprocess.PIPE)
-                    self.assertEqual(done.stderr, "", f"{page.name}:{start}")
+                    self.assertEqual(done.stderr, "", f"{page.name}:{start}: correct this block")
 
     def listed_tests(self):
         listed = subprocess.run(["ctest", "-N"], cwd=BUILD, text=True, check=True, stdout=subprocess.PIPE).stdout
-        return re.findall(r"^ *Test +#\d+: (\S+)", listed, re.MULTILINE)
+        tests = re.findall(r"^ *Test +#\d+: (\S+)", listed, re.MULTILINE)
+        # ctest knows the tests of a program only when it is built.
+        absent = [test.removesuffix("_NOT_BUILT") for test in tests if test.endswith("_NOT_BUILT")]
+        if absent:
+            self.fail(f"not built: {', '.join(absent)}; run: cmake --build {BUILD}")
+        return tests
 
     def test_units_of_the_bundle_have_tests_of_their_name(self):
         tests = self.listed_tests()
@@ -118,7 +129,7 @@ class Commands(unittest.TestCase):
         for page in PAGES:
             text = page.read_text()
             for preset in re.findall(r"--preset (\w+)", text):
-                self.assertIn(preset, presets, page.name)
+                self.assertIn(preset, presets, f"{page.name}: correct the preset")
             for pattern in re.findall(r"\s-R '?([^\s'`]+)", text):
                 self.assertTrue(any(re.search(pattern, name) for name in tests), f"{page.name}: no test matches -R {pattern}")
 
