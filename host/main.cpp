@@ -60,10 +60,11 @@ int Run(const Options& options) {
   return ok && platform.LogIsComplete() ? 0 : kFailed;
 }
 
+/// Prints the problem; returns the exit code, which after a stop signal is the signal's.
 int Report(const std::exception& problem, int exitCode) {
   std::cout.flush();
   std::cerr << "bundle_host: " << host::OneLine(problem.what()) << '\n';
-  return exitCode;
+  return host::StopSignal() == 0 ? exitCode : kSignalled + host::StopSignal();
 }
 
 }  // namespace
@@ -87,8 +88,6 @@ int main(int argc, char* argv[]) {
       throw Failure("standard output cannot be written");
     }
     return exitCode;
-  } catch (const host::Interrupted& problem) {
-    return Report(problem, kSignalled + host::StopSignal());
   } catch (const host::UsageError& problem) {
     return Report(problem, kWrongUsage);
   } catch (const std::exception& problem) {

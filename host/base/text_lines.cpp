@@ -4,9 +4,7 @@
 #include "host/base/text_lines.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
-#include <iostream>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -44,8 +42,7 @@ bool TextLines::Next(std::string& line) {
     }
     line += static_cast<char>(c);
   }
-  // std::cin reads through the C library's stdin and reports its read errors as the end of the file.
-  if (stream_.bad() || (&stream_ == &std::cin && std::ferror(stdin) != 0)) {
+  if (stream_.bad()) {
     throw Failure(name_ + ": cannot be read");
   }
   if (number_ == 1 && line.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) {

@@ -10,18 +10,7 @@ namespace host {
 namespace {
 
 Action ParseRun(const Words& words) {
-  return [file = words[1]](Session& session) {
-    constexpr int kMaxDepth = 16;
-    if (session.runDepth == kMaxDepth) {
-      throw Failure("run: " + file + " would be nested deeper than 16 files; does it run itself?", 1);
-    }
-    struct Depth {
-      explicit Depth(int& depth) : value(++depth) {}
-      ~Depth() { --value; }
-      int& value;
-    } const depth(session.runDepth);
-    RunScript(session, file);
-  };
+  return [file = words[1]](Session& session) { RunScript(session, file); };
 }
 
 bool IsWordByte(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }

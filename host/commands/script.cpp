@@ -39,10 +39,12 @@ class InputBuffer : public std::streambuf {
   std::array<char, 65536> bytes_{};
 };
 
-/// One buffer for the process: a command file and a file that it runs may both be standard input.
+/// One buffer for the process: a command file and a file that it runs may both be standard input. A terminal
+/// may have more input after an end, so the state of the previous reader is cleared.
 std::istream& StandardInput() {
   static InputBuffer buffer;
   static std::istream stream(&buffer);
+  stream.clear();
   return stream;
 }
 
@@ -190,10 +192,20 @@ void RunLine(Session& session, const std::string& line, const Words& prefix) {
 }
 
 void RunScript(Session& session, const std::string& file, const Words& prefix) {
-  auto lines =
-      file == "-" ? std::make_unique<TextLines>(StandardInput(), "stdin") : std::make_unique<TextLines>(file);
+  constexpr int kMaxDepth = 16;
+  const std::string name = file == "-" ? "stdin" : file;
+  if (session.runDepth == kMaxDepth) {
+    throw Failure(name + " would be nested deeper than 16 files; does it run itself?");
+  }
+  struct Depth {
+    explicit Depth(int& depth) : value(++depth) {}
+    ~Depth() { --value; }
+    int& value;
+  } const depth(session.runDepth);
+  const auto lines =
+      file == "-" ? std::make_unique<TextLines>(StandardInput(), name) : std::make_unique<TextLines>(file);
   if (const std::string failed = Script(session, *lines, prefix).Run(); !failed.empty()) {
-    throw Failure((file == "-" ? "stdin" : file) + ": " + failed);
+    throw Failure(name + ": " + failed);
   }
 }
 

@@ -104,15 +104,15 @@ class LineEditor::Impl {
     // Set before the prompt appears: the terminal itself would otherwise handle an early Ctrl-D or Ctrl-C.
     el_set(editor_.get(), EL_PREP_TERM, 1);
     const char* const text = el_gets(editor_.get(), &length);
+    if (abandoned_) {
+      return std::string();
+    }
     if (text == nullptr || length <= 0) {
       static_cast<void>(std::fputs("\n", stdout));
       return StopSignal() == SIGINT ? std::make_optional<std::string>() : std::nullopt;
     }
     std::string line(text, static_cast<std::size_t>(length));
     line.erase(line.find_last_not_of("\r\n") + 1);
-    if (abandoned_) {
-      return std::string();
-    }
     Remember(line);
     return line;
   }

@@ -140,8 +140,10 @@ std::string WhyEnded(int status) {
     return "cannot be loaded: a constructor ends the process, with exit code " +
            std::to_string(WEXITSTATUS(status));
   }
-  return "cannot be loaded: the process that tries it ends by " + SignalName(WTERMSIG(status)) +
-         "; a constructor crashes, or the file is cut short (is it still being written?)";
+  const int signal = WTERMSIG(status);
+  const bool isCrash = signal != SIGINT && signal != SIGTERM && signal != SIGHUP;
+  return "cannot be loaded: the process that tries it ends by " + SignalName(signal) +
+         (isCrash ? "; a constructor crashes, or the file is cut short (is it still being written?)" : "");
 }
 
 }  // namespace

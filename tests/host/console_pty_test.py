@@ -193,6 +193,23 @@ class ConsoleAtATerminal(unittest.TestCase):
         terminal.wait_for(PROMPT)
         self.assertNotIn("Gone", terminal.run("items"))
 
+    def test_ctrl_c_on_an_empty_line_leaves_the_console_running(self):
+        terminal = self.start()
+        terminal.type("\x03")
+        terminal.wait_for("^C")
+        terminal.wait_for(PROMPT)
+        self.assertIn("log level: 0", terminal.run("log"))
+
+    def test_standard_input_is_read_again_after_its_end(self):
+        terminal = self.start()
+        for _ in range(2):
+            terminal.type("run -\r")
+            terminal.wait_for("\r\n")
+            terminal.type("log\r")
+            terminal.wait_for("log level: 0")
+            terminal.type("\x04")
+            terminal.wait_for(PROMPT)
+
     def test_sigterm_during_a_command_ends_the_console(self):
         terminal = self.start()
         terminal.type(f"load {FIXTURES}/libbroken_init_hangs.so\r")

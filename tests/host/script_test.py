@@ -128,6 +128,9 @@ class CallsFromAPipe(HostTest):
     def test_json_on_the_console_is_one_line_too(self):
         self.assertEqual(self.loaded("console", stdin="call --json ToUpper a\n").stdout, '{"result":"A"}\n')
 
+    def test_reading_calls_from_a_line_that_reads_calls_has_a_limit(self):
+        self.assert_fails(self.loaded("call", "-", stdin="-\n" * 20), 1, "would be nested deeper than 16 files")
+
     def test_a_missing_operation_is_reported(self):
         self.assert_fails(self.loaded("call", "--json"), 2, "call: an operation is missing")
 

@@ -1,11 +1,23 @@
 #!/usr/bin/env python3
 """Tests signals: the first stops the command and unloads everything in order, a second one ends the process at once."""
+import os
 import pathlib
 import signal
 import subprocess
 
 import host_case
 from host_case import BUNDLE, HOST, HostTest, broken
+
+
+def has_child(pid):
+    """Whether a process has `pid` as its parent."""
+    for status in pathlib.Path("/proc").glob("[0-9]*/stat"):
+        try:
+            if int(status.read_text(encoding="latin-1").rpartition(")")[2].split()[1]) == pid:
+                return True
+        except OSError:
+            continue  # The process has ended.
+    return False
 
 
 class Signals(HostTest):
@@ -103,6 +115,15 @@ class Signals(HostTest):
         self.assertEqual(process.stdout.readline(), "log level: 2\n")
         process.send_signal(signal.SIGTERM)
         self.assertEqual(self.end(process), (143, "", "bundle_host: interrupted by SIGTERM\n"))
+
+    def test_a_command_that_fails_by_the_signal_ends_with_the_signals_exit_code(self):
+        process = self.start("-b", broken("constructor_hangs"), "bundles", start_new_session=True)
+        while not has_child(process.pid):
+            self.assertIsNone(process.poll())
+        os.killpg(process.pid, signal.SIGINT)  # As Ctrl-C does: also to the child that loads the library.
+        code, out, err = self.end(process)
+        self.assertEqual((code, out), (130, ""))
+        self.assertEqual(err, f"bundle_host: {broken('constructor_hangs')}: cannot be loaded: the process that tries it ends by SIGINT\n")
 
     def test_a_signal_while_bundles_are_loaded_keeps_the_next_from_loading(self):
         # A read of the bundle continues after the signal.
