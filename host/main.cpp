@@ -1,5 +1,6 @@
 // The program bundle_host: sets up the platform, loads the bundles that the options name, runs one command,
-// unloads the bundles in reverse order, and turns exceptions into an exit code.
+// unloads the bundles in reverse order, and turns exceptions into an exit code. `Run` owns the platform, the
+// loader and the session. Main thread only.
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -11,7 +11,7 @@
 #include "host/platform/log_sink.h"
 
 #ifndef BUNDLE_HOST_VERSION
-#error "the build says which version this is"
+#error "define BUNDLE_HOST_VERSION, as host/CMakeLists.txt does"
 #endif
 
 namespace host {

@@ -23,7 +23,7 @@ struct Options {
 
 /// Parses the command line, the command included, without running it. Returns the options, or the text to
 /// print for --help or --version. Throws `UsageError` with a one-line message for an invalid option or
-/// command.
+/// command. Threads: the program's main thread.
 std::variant<Options, std::string> ParseOptions(int argc, const char* const* argv);
 
 }  // namespace host

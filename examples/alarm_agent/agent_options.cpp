@@ -1,3 +1,5 @@
+// Parses the arguments of the agent's directive. No state, the result is a copy; any thread may call.
+
 #include "examples/alarm_agent/agent_options.h"
 
 #include <charconv>

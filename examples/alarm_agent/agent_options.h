@@ -17,8 +17,8 @@ struct AgentOptions {
 };
 
 /// Parses the arguments. The first is already an option: the service configurator passes no program name.
-/// Throws `SetupError` for an unknown option, a missing or empty value, an option given twice, a worker count
-/// out of range.
+/// Throws `SetupError` for an unknown option, a missing or empty value, an option given twice, and a worker
+/// count out of range.
 AgentOptions ParseOptions(int argc, const char* const argv[]);
 
 }  // namespace alarm_agent

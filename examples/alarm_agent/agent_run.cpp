@@ -1,3 +1,6 @@
+// One run of the agent: reads lines, composes messages and writes them, on the pool's threads. The object owns
+// its files and threads and borrows the interface. Its owner's thread constructs, finishes and destroys it.
+
 #include "examples/alarm_agent/agent_run.h"
 
 #include <ace/Log_Msg.h>

@@ -1,3 +1,6 @@
+// Parses the text of an alarm by calls of a borrowed interface. No state, the result is a copy; any thread may
+// call.
+
 #include "examples/alarm_agent/alarm.h"
 
 #include <algorithm>

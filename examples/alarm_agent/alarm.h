@@ -34,7 +34,7 @@ struct Alarm {
 };
 
 /// Parses `text` with the interface. Returns nothing when it is not an alarm; `problem` (out) is then the
-/// reason.
+/// reason. Threads: any.
 std::optional<Alarm> ReadAlarm(NS_ASCII::AsciiUtilInterface& util, const std::string& text,
                                std::string& problem);
 

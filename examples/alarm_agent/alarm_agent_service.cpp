@@ -1,3 +1,7 @@
+// The agent's service object, factory and exterminator: fetches the interface at `init` and ends the run at
+// `fini`. The object owns the run and borrows the interface. The framework makes these calls on one thread at
+// a time.
+
 #include "examples/alarm_agent/alarm_agent_service.h"
 
 #include <exception>

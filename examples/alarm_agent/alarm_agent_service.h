@@ -14,10 +14,10 @@ class AgentRun;
 /// The service object of a bundle that turns a feed of alarms into text messages with the help of the
 /// interface "AsciiUtilInterface", which another bundle publishes. It publishes none itself.
 ///
-/// Life: `init` fetches the interface and starts the worker threads; `fini` lets them read what the feed
-/// still holds, joins them and drops the interface. After that no code of this bundle runs on any thread, so
-/// that it can be unloaded, and `init` may be called again. Unload this bundle before the one whose interface
-/// it uses; the service configurator closes services in the reverse order of their loading.
+/// Life cycle: `init` fetches the interface and starts the worker threads; `fini` lets them read what the feed
+/// still holds, joins them and drops the interface. Then no code of this bundle runs on any thread, so it can
+/// be unloaded, and `init` may be called again. Unload this bundle before the one whose interface it uses; the
+/// service configurator closes services in the reverse order of their loading.
 ///
 /// Threads: the framework makes these calls one at a time.
 class AlarmAgent : public NS_BUNDLEMGR1::ServiceObjectBase {
@@ -31,9 +31,9 @@ class AlarmAgent : public NS_BUNDLEMGR1::ServiceObjectBase {
   /// without a run.
   int fini() override;
 
-  /// Starts a run with the arguments of `ParseOptions`. -1, with one line in ACE's log that says why, when an
-  /// argument is bad, a file cannot be opened, the interface is missing or a run is going on; nothing is
-  /// started then.
+  /// Starts a run with the arguments of `ParseOptions`. Returns -1, with one line in ACE's log that says why,
+  /// when an argument is bad, a file cannot be opened, the interface is missing or the agent is running; nothing
+  /// is started then.
   int init(int argc, ACE_TCHAR* argv[]) override;
 
  private:

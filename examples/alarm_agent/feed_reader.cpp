@@ -1,3 +1,6 @@
+// Reads a feed line by line and waits for more on a pipe. The object owns its descriptors. One thread at a time
+// reads; any thread may call `Finish`.
+
 #include "examples/alarm_agent/feed_reader.h"
 
 #include <fcntl.h>

@@ -30,11 +30,11 @@ class FeedReader {
   /// Opens the file `path`, standard input when that is empty. Throws `SetupError` when it cannot be read.
   explicit FeedReader(const std::string& path);
 
-  /// Moves the next line into `line`. Returns false at the end of the feed and ever after.
+  /// Moves the next line into `line`. Returns false at the end of the feed, and in every later call.
   bool Next(FeedLine& line);
 
-  /// Ends the reading: what the feed holds now is still read, then `Next` returns false. Wakes a waiting
-  /// `Next`. Cannot be undone.
+  /// Ends the reading: `Next` still returns what the feed holds now, then false. Wakes a waiting `Next`. Cannot
+  /// be undone.
   void Finish();
 
   /// Why reading failed; empty when it did not.
@@ -44,7 +44,7 @@ class FeedReader {
   [[nodiscard]] bool IsSameFile(int fd) const;
 
  private:
-  /// Reads the next chunk, waiting for it; false when there is none.
+  /// Waits for the next chunk and reads it; false when there is none.
   bool Fill();
   /// Waits until the feed can be read or `Finish` is called. Returns whether it can be read; false also after
   /// a signal.

@@ -1,3 +1,6 @@
+// Composes the text message for a line of the feed. The interface is borrowed, messages are copies. No state
+// between calls; any thread may call.
+
 #include "examples/alarm_agent/message_composer.h"
 
 #include <array>

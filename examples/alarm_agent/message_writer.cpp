@@ -1,3 +1,6 @@
+// Writes messages to a file or to standard output and counts lost ones. The object owns its descriptor. One
+// thread at a time.
+
 #include "examples/alarm_agent/message_writer.h"
 
 #include <fcntl.h>

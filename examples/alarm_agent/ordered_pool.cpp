@@ -1,3 +1,6 @@
+// Processes lines on several threads and passes the results on in the order of the lines. The pool owns its
+// threads; its owner starts and joins them, and they call the three functions.
+
 #include "examples/alarm_agent/ordered_pool.h"
 
 #include <utility>

@@ -5,7 +5,8 @@
 
 namespace alarm_agent {
 
-/// Owns a file descriptor and closes it. A negative number: none.
+/// Owns a file descriptor and closes it. A negative number means none. Threads: any may call `get`; one
+/// constructs and destroys it.
 class UniqueFd {
  public:
   explicit UniqueFd(int fd) : fd_(fd) {}

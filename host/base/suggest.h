@@ -11,7 +11,7 @@ namespace host {
 /// Suggests a name for a misspelt word. Returns "; did you mean NAME?" with the name of the smallest edit
 /// distance from `word`, ignoring case, and `otherwise` when every distance is larger than a third of the
 /// length of `word` (at least 1). Changing, adding or removing a letter and swapping two neighbours each
-/// count 1. Pure function.
+/// count 1. Pure function; any thread may call it.
 PLATFORM_API std::string DidYouMean(const std::string& word, const std::vector<std::string>& names,
                                     const std::string& otherwise = {});
 

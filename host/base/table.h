@@ -8,7 +8,7 @@
 namespace host {
 
 /// A listing, printed as text or JSON. Each row has one text per column.
-/// Plain value; the functions below are pure except for what they write to `out`.
+/// Plain value. Any thread may call the functions below with a stream of its own.
 struct Table {
   std::vector<std::string> columns;
   std::vector<std::vector<std::string>> rows;

@@ -10,7 +10,7 @@ namespace host {
 
 using Words = std::vector<std::string>;
 
-/// Splits a command line into words. Pure functions.
+/// Splits a command line into words. Pure function; any thread may call it.
 ///
 ///   line  = { blank } { word blank { blank } } ( word | [ "#" comment ] )
 ///   word  = piece { piece }; the first one does not start with "#"

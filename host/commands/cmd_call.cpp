@@ -1,4 +1,5 @@
-// The commands call and time: parse an operation with its arguments, make the call, print the answer.
+// The commands call and time: parse an operation with its arguments, make the call, print the answer. The
+// interface is borrowed for one call. Main thread only.
 
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,4 @@
-// The commands help and quit.
+// The commands help and quit. Main thread only.
 
 #include <ostream>
 

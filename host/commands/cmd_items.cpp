@@ -1,4 +1,5 @@
-// The commands items, set and unset: list and change the configuration items of the process.
+// The commands items, set and unset: list and change the configuration items of the process. Main thread
+// only.
 
 #include <vector>
 

@@ -1,4 +1,5 @@
-// The commands bundles, services and interfaces: list the state of the loader and the platform.
+// The commands bundles, services and interfaces: list the state of the loader and the platform. The listed
+// objects are borrowed. Main thread only.
 
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,4 @@
-// The commands load, init, reload and unload, which call the session's loader.
+// The commands load, init, reload and unload, which call the session's loader. Main thread only.
 
 #include <ostream>
 

@@ -1,4 +1,4 @@
-// The command log: show or set the lowest level that is written to the log.
+// The command log: show or set the lowest level that is written to the log. Main thread only.
 
 #include <ostream>
 

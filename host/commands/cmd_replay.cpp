@@ -1,4 +1,5 @@
-// The command replay: parses its options and prints the result of `ReplayCalls` as text or JSON.
+// The command replay: parses its options and prints the result of `ReplayCalls` as text or JSON. Main thread
+// only.
 
 #include <algorithm>
 #include <charconv>

@@ -1,4 +1,5 @@
-// The commands run, expect and expect-error.
+// The commands run, expect and expect-error: run command files and check the output of commands. Main thread
+// only.
 
 #include <cctype>
 

@@ -9,7 +9,7 @@
 
 #include "ascii_util/ascii_util_interface.h"
 
-/// Parses and prints the values of operations' parameters. Pure functions, except for the output.
+/// Parses and prints the values of operations' parameters. Any thread may call, with an output stream of its own.
 namespace host {
 
 using TextList = std::vector<std::string>;

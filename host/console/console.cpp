@@ -1,5 +1,5 @@
 // The command console: reads lines from the terminal with editing, history and completion, or runs a pipe
-// like a command file. Threads: the program's own.
+// like a command file. The session is borrowed. Main thread only.
 
 #include <unistd.h>
 

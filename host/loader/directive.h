@@ -20,7 +20,8 @@ struct Directive {
   bool active = true;
 };
 
-/// Parses a directive. Only `dynamic` is checked in full; ACE checks the others. Pure function.
+/// Parses a directive. Only `dynamic` is checked in full; ACE checks the others. Pure function; any thread may
+/// call it.
 Directive ParseDirective(const std::string& text);
 
 }  // namespace host

@@ -22,9 +22,10 @@ struct ServiceProblems {
 int CallInit(ACE_Service_Object& object, const std::string& name, const Words& arguments,
              std::string& problem);
 
-/// ACE's record of a service object. As ACE's own record, and in addition watches `init` and `fini`, stores
-/// their problems, and catches their exceptions. Passes `arguments` to `init` instead of the arguments that
-/// ACE passes. Owns the object; deletes it and itself when ACE removes the service. Threads: one at a time.
+/// ACE's record of a service object. Does what ACE's own class does, and also watches `init` and `fini`,
+/// stores their problems, and catches their exceptions. Passes `arguments` to `init` instead of the arguments
+/// that ACE passes. Owns the object; deletes it and itself when ACE removes the service. Threads: one at a
+/// time.
 class WatchedService : public ACE_Service_Object_Type {
  public:
   /// `exterminator` may be null, as for ACE.

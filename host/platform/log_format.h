@@ -6,7 +6,8 @@
 
 #include "framework/visibility.h"
 
-/// Fills in printf formats that come from bundles and may be malformed. Pure functions.
+/// Fills in printf formats that come from bundles and may be malformed. Pure functions; any thread may call
+/// them.
 namespace host {
 
 /// Whether `format` has only conversions that the log service fills in: d i u x X c s f and %%, with flags

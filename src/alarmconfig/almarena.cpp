@@ -1,5 +1,5 @@
 // Allocation in the arena of the alarm table. The arena owns its chunks; they are freed with it.
-// Only the writer calls these operations (see almarena.h).
+// Only the writer's thread calls these operations (see almarena.h).
 
 #include "src/alarmconfig/almarena.h"
 

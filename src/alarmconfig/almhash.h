@@ -9,7 +9,7 @@
 #include <string_view>
 
 /// The hash of the alarm table and its text pools. Values differ between processes and between tables, so
-/// they must never be stored or decide an order.
+/// they must never be stored or decide an order. Any thread may call; each `TextHash` belongs to one thread.
 namespace NS_ASCII {
 
 /// The secret of a hash table. The author of a file does not know it and so cannot choose keys that collide.

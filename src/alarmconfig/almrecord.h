@@ -6,7 +6,7 @@
 
 namespace NS_ASCII {
 
-/// The key of a record, in the order in which keys are compared. Views of the caller's texts.
+/// The key of a record, in the order in which keys are compared. A plain value: views of the caller's texts.
 struct AlarmKey {
   std::string_view key1;    ///< column 1, one of its alternatives
   std::string_view key2;    ///< column 2, one of its alternatives

@@ -1,5 +1,5 @@
 // The hash table of the alarm configuration. The table owns its nodes and all slot arrays; they are freed
-// with it. One writer inserts while any number of readers search; almtable.h has the invariants.
+// with it. One thread inserts while any number of threads search; almtable.h has the invariants.
 
 #include "src/alarmconfig/almtable.h"
 

@@ -1,5 +1,5 @@
 // The pool of texts: an open-addressing hash set of pieces in an arena, which the pool owns.
-// Only the writer calls these operations (see almtextpool.h).
+// Only the writer's thread calls these operations (see almtextpool.h).
 
 #include "src/alarmconfig/almtextpool.h"
 

@@ -16,7 +16,7 @@ namespace NS_ASCII {
 /// through the virtual table, so that a derived class may override it.
 ///
 /// Platform functions (`strtol`, `time`, `gmtime_r`, `sprintf_s`, `NSTE_util`, the configuration items) are
-/// called each time and nothing is cached; the locale is looked up for each text.
+/// called each time and nothing is cached; the locale is looked up for each text. Threads: any, at any time.
 class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
  public:
   ~AsciiUtilInterfaceImpl() override;

@@ -6,7 +6,8 @@
 
 #include "ascii_util/ascii_util_interface.h"
 
-/// Splitting, and the lists of a `ListMap`.
+/// Splits texts into pieces, and copies lists of a `ListMap`. Functions without state: any thread may call
+/// them; lists and maps belong to the caller.
 namespace NS_ASCII {
 
 /// Appends the pieces of `text` between the occurrences of `separator`, trimmed, empty ones included, to

@@ -9,7 +9,7 @@
 /// messages, and a test compares the two.
 namespace NS_ASCII::messages {
 
-/// All texts are NUL-terminated.
+/// A plain value; all texts are NUL-terminated.
 struct Message {
   const char* tag;   ///< sent as the file
   int number;        ///< sent as the line

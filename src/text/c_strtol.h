@@ -6,7 +6,7 @@
 /// accept "0b".
 ///
 /// Sets `*end`, unless `end` is null, to the first character that was not read; for a base other than 0 and 2
-/// to 36 it leaves `*end` unchanged.
+/// to 36 it leaves `*end` unchanged. Any thread may call it.
 extern "C" long c_strtol(const char* text, char** end, int base) noexcept __asm__("strtol");
 
 #endif  // SRC_TEXT_C_STRTOL_H_

@@ -116,11 +116,15 @@ class Everywhere(unittest.TestCase):
                 checked += 1
         self.assertGreater(checked, 10)
 
-    def test_sources_start_with_what_they_do(self):
-        sources = [path for top in ("src", "host", "tools") for path in (PROJECT / top).rglob("*") if path.suffix in SOURCES]
+    def test_sources_start_with_what_they_do_and_which_threads_may_call(self):
+        def says(text, is_header):
+            head = "\n".join(re.findall(r"^ *///.*", text, re.MULTILINE)) if is_header else text.split("\n\n")[0]
+            return (is_header or head.startswith("// ")) and re.search(r"\bthreads?\b|plain value", head, re.IGNORECASE)
+
+        sources = [path for top in ("src", "host", "tools", "examples") for path in (PROJECT / top).rglob("*")
+                   if path.suffix in SOURCES]
         self.assertGreater(len(sources), 150)
-        wrong = [path.relative_to(PROJECT).as_posix() for path in sources
-                 if not (path.read_text().startswith("// ") if path.suffix == ".cpp" else "\n/// " in path.read_text())]
+        wrong = [path.relative_to(PROJECT).as_posix() for path in sources if not says(path.read_text(), path.suffix == ".h")]
         self.assertEqual(wrong, [], "write at the top what the file does, who owns what and which threads may call")
 
     def test_scripts_that_pages_name_are_there_and_say_what_they_do(self):

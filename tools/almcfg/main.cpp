@@ -1,5 +1,5 @@
 // The program almcfg: parses the command line, sets up the outputs, runs the command, and returns its exit
-// code. Reports a failed write and exhausted memory in one line.
+// code. Reports a failed write and exhausted memory in one line. The program has one thread.
 
 #include <sys/ioctl.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-// Parses the command line. No state, the result is a copy. Called once, by `main`.
+// Parses the command line. No state, the result is a copy. Main thread only.
 
 #include "tools/almcfg/options.h"
 

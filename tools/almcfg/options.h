@@ -10,7 +10,7 @@
 #include "tools/almcfg/check/finding.h"
 
 /// The command line of almcfg. Parses the arguments into `Options`, answers --help and --version, and reports
-/// mistakes in one line.
+/// mistakes in one line. Called once, on the main thread; options are plain values.
 namespace almcfg {
 
 enum class Command { kCheck, kFix, kShow, kLookup, kDiff, kCoverage };

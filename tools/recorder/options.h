@@ -25,9 +25,9 @@ struct Options {
   std::uint64_t limit = 0;  ///< --limit BYTES: size at which the file is rotated; 0: never
 };
 
-/// Reads the arguments, of which the first is already an option: the service configurator passes no program
-/// name. Throws `SetupError` for an unknown option or operation, a missing value, a number that is not one,
-/// an option given twice, and when there is no --output.
+/// Parses the arguments. The first is already an option: the service configurator passes no program name.
+/// Throws `SetupError` for an unknown option or operation, a missing value, a number that is malformed or 0,
+/// an option given twice, and when there is no --output. Any thread may call it.
 Options ParseOptions(int argc, const char* const argv[]);
 
 }  // namespace recorder

@@ -1,5 +1,5 @@
 // Registers the recorder's interface at `init` and withdraws it at `fini`. The recording and the interface
-// live as long as the process. The framework makes these calls one at a time.
+// live as long as the process. The framework makes these calls on one thread at a time.
 
 #include "tools/recorder/recorder_service.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-/// Converts a value of the file to the answer that callers get.
+/// Converts a value of the file to the answer that callers get. Pure functions; any thread may call them.
 namespace almcfg {
 
 /// What `GetAlmCfgValue` returns for a key, and the value it stores when `result` is 0.

@@ -10,7 +10,7 @@
 #include "src/alarmconfig/almgrammar.h"
 
 /// Functions that classify and convert the text of a column. Used by the checker and by the repairs. Returned
-/// views refer to the argument.
+/// views refer to the argument. Pure functions; any thread may call them.
 namespace almcfg {
 
 /// The first byte of `part`, a part of `line`, counted from 0.

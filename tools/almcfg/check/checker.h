@@ -6,7 +6,7 @@
 #include "tools/almcfg/read/loaded_table.h"
 
 /// Finds everything wrong or odd about one file. Parsing is the bundle's own, duplicate keys come from the
-/// loaded table. Borrows the table and the text for the call.
+/// loaded table. Borrows the table and the text for the call. Threads: one at a time.
 namespace almcfg {
 
 /// Reports everything wrong or odd about one file of the table to `sink`, in the order of lines and columns.

@@ -1,4 +1,5 @@
 // almcfg check: checks each file on its own, selects and counts the findings, and passes them to the report.
+// Owns the texts of one file at a time. One thread.
 
 #include <memory>
 #include <ostream>

@@ -5,7 +5,8 @@
 
 #include "tools/almcfg/check/finding.h"
 
-/// The output of `almcfg check --explain`. The text of docs/alarm-config.md is compiled into the program.
+/// The output of `almcfg check --explain`. The text of docs/alarm-config.md is compiled into the program. Pure
+/// function; any thread may call it.
 namespace almcfg {
 
 /// The rule's name and severity as a heading, then its section of docs/alarm-config.md.

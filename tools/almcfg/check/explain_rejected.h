@@ -9,7 +9,7 @@
 #include "tools/almcfg/check/finding.h"
 
 /// Explains lines from which a load takes no record: which part of the line is wrong, and how to correct it.
-/// Pure functions.
+/// Pure functions; any thread may call them.
 namespace almcfg {
 
 /// Explains why a load adds no record for a line that is not a comment. `line` is the text that was parsed.

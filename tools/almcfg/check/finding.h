@@ -9,7 +9,8 @@
 #include "tools/almcfg/read/source_text.h"
 
 /// The rules of `almcfg check`, with their names, severities and repairs, and the findings that refer to
-/// them. A new rule is added to `Code` here and to `Rules` in finding.cpp.
+/// them. A new rule is added to `Code` here and to `Rules` in finding.cpp. Any thread may read the rules;
+/// findings are plain values.
 namespace almcfg {
 
 enum class Severity { kError, kWarning, kNote };

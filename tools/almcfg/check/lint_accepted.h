@@ -7,7 +7,8 @@
 #include "src/alarmconfig/almgrammar.h"
 #include "tools/almcfg/check/finding.h"
 
-/// Finds what is odd about lines that a load accepts, such as numbers that no caller asks for. Pure function.
+/// Finds what is odd about lines that a load accepts, such as numbers that no caller asks for. Any thread may
+/// call, with a list of its own.
 namespace almcfg {
 
 /// Appends a finding for everything odd about a line that a load accepts. `line` is the text that was parsed.

@@ -10,6 +10,7 @@
 #include "tools/almcfg/commands.h"
 
 /// Reads what callers asked for: a recording or a list of queries. Used by `almcfg coverage` and `almcfg show`.
+/// Threads: one reads; then any number may call `CountOf`.
 namespace almcfg {
 
 /// The arguments of one call of GetAlmCfgValue.

@@ -1,5 +1,5 @@
 // almcfg coverage: compares recorded queries with the table in force, and reports queries that no line serves
-// and lines that no query asked for.
+// and lines that no query asked for. Owns the table and the calls. One thread.
 
 #include <algorithm>
 #include <cstdint>

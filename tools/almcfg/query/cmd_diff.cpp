@@ -1,4 +1,5 @@
-// almcfg diff: loads both files into tables of their own and reports the keys whose answers differ.
+// almcfg diff: loads both files into tables of their own, which it owns, and reports the keys whose answers
+// differ. One thread.
 
 #include <optional>
 #include <ostream>

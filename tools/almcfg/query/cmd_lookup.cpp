@@ -1,5 +1,5 @@
 // almcfg lookup: reports what `GetAlmCfgValue` returns for a key, the line that serves it and the lines that
-// it replaced, or the nearest keys.
+// it replaced, or the nearest keys. Owns the table. One thread.
 
 #include <cstdint>
 #include <optional>

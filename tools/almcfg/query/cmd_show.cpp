@@ -1,4 +1,5 @@
-// almcfg show: writes the table in force after loading the files in order.
+// almcfg show: writes the table in force after loading the files in order. Owns the table, the findings and
+// the calls. One thread.
 
 #include <cstdint>
 #include <memory>

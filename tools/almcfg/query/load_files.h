@@ -10,6 +10,7 @@
 #include "tools/almcfg/read/loaded_table.h"
 
 /// Reads the files of a command and reports their problems. Shared by show, lookup, diff and coverage.
+/// Threads: one at a time.
 namespace almcfg {
 
 /// Loads the files in order, as a process does, and passes findings to `sink`, if there is one. Reports on

@@ -1,5 +1,5 @@
-// Compares a key with the keys in force. The table is borrowed; neighbours refer to its texts. One thread
-// at a time.
+// Compares a key with the keys in force. The table is borrowed; neighbours refer to its texts. Any thread
+// may call.
 
 #include "tools/almcfg/query/nearest.h"
 

@@ -7,7 +7,8 @@
 
 #include "tools/almcfg/read/loaded_table.h"
 
-/// Finds keys that are similar to one that no line serves, and describes the difference.
+/// Finds keys that are similar to one that no line serves, and describes the difference. The table is
+/// borrowed; the places in the results are valid as long as it. Any thread may call.
 namespace almcfg {
 
 /// A key in force that is similar to the wanted one.

@@ -7,6 +7,7 @@
 #include <string>
 
 /// Reads files and standard input, and refuses input that would never end. Holds no file open after a call.
+/// Threads: one at a time.
 namespace almcfg {
 
 /// The reason why a file cannot be read here. What a load does with the file depends on it.

@@ -1,4 +1,4 @@
-// Cuts a file's bytes into lines, which the object owns. One thread at a time.
+// Cuts a file's bytes into lines, which the object owns. One thread fills it; then any number may read.
 
 #include "tools/almcfg/read/source_text.h"
 

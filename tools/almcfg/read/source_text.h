@@ -36,6 +36,7 @@ struct Line {
 /// without line feeds needs about one kilobyte, for every size.
 ///
 /// Ownership: views into the lines stay valid until this object, or the object it is moved to, is destroyed.
+/// Threads: any number may read at the same time.
 class SourceText {
  public:
   /// Reads the file `path` to its end, or standard input for "-". Throws `ReadError`.

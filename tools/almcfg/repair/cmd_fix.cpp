@@ -1,5 +1,5 @@
 // almcfg fix: repairs files and writes them to standard output, in place or as a diff. Reports each repair on
-// standard error.
+// standard error. Owns the content of one file at a time. One thread.
 
 #include <algorithm>
 #include <ostream>

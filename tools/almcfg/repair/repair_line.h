@@ -10,7 +10,8 @@
 
 /// Repairs that need one line only, such as separators, quotation marks and blanks. The caller decides,
 /// through `KeepsAnswers`, whether a line with other keys may replace the original one. Removing blanks or a
-/// byte order mark never makes a loaded line a comment, unless `RepairRules::unsafe`.
+/// byte order mark never makes a loaded line a comment, unless `RepairRules::unsafe`. Results are copies.
+/// Threads: one at a time.
 namespace almcfg {
 
 /// Which findings may be repaired.

@@ -9,7 +9,8 @@
 #include "tools/almcfg/repair/repair_line.h"
 
 /// Repairs a whole file: each line on its own, then the lines that repeat or replace others. Compares with
-/// the table of the original file, so that safe repairs keep every integer that queries get.
+/// the table of the original file, so that safe repairs keep every integer that queries get. The result is a
+/// copy. Threads: one at a time.
 namespace almcfg {
 
 /// A file after its repair.

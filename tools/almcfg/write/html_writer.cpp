@@ -1,5 +1,5 @@
 // The HTML output of `almcfg show`: a head in HTML, and the rows as JSON for the page's script, which draws
-// the visible ones. Style and script are in page/.
+// the visible ones. Style and script are in page/. The stream is borrowed. One thread at a time.
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,5 @@
-// The JSON output of `almcfg check`: one object, written finding by finding.
+// The JSON output of `almcfg check`: one object, written finding by finding to a borrowed stream. One thread
+// at a time.
 
 #include <ostream>
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// JSON from bytes of unknown encoding.
+/// JSON from bytes of unknown encoding. Any thread may call; the objects belong to the caller.
 namespace almcfg {
 
 /// Members keep their order, as a reader expects them.

@@ -4,7 +4,7 @@
 #include "tools/almcfg/read/loaded_table.h"
 #include "tools/almcfg/write/json_text.h"
 
-/// JSON for the place of a record.
+/// JSON for the place of a record, as a copy. Any thread may call.
 namespace almcfg {
 
 /// {"file": NAME, "line": NUMBER}, or null for no place.

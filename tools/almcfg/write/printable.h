@@ -8,7 +8,7 @@
 #include <vector>
 
 /// Makes bytes of unknown origin printable. No character of a file or a file name may move the cursor, change
-/// the direction of writing, or be invisible. Pure functions.
+/// the direction of writing, or be invisible. Pure functions; any thread may call them.
 namespace almcfg {
 
 /// One character of a text, escaped for display. Views into the text.

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-/// Shows the progress of long jobs on a terminal.
+/// Shows the progress of long jobs on a terminal. Threads: one at a time.
 namespace almcfg {
 
 /// One line on the terminal, written to standard error, that shows the progress of a long job. It appears

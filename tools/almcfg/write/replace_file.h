@@ -3,7 +3,7 @@
 
 #include <string>
 
-/// Replaces a file in one step, for `almcfg fix --in-place`.
+/// Replaces a file in one step, for `almcfg fix --in-place`. Keeps no file open. Threads: one at a time.
 namespace almcfg {
 
 /// Replaces the regular file `path` by one with this content, the same permissions and owner. Other processes

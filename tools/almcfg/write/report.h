@@ -8,7 +8,8 @@
 
 #include "tools/almcfg/check/finding.h"
 
-/// The outputs of `almcfg check`: text, JSON and SARIF. Reports borrow the stream that they write to.
+/// The outputs of `almcfg check`: text, JSON and SARIF. Reports borrow the stream that they write to. Threads:
+/// one at a time for each stream.
 namespace almcfg {
 
 class Progress;

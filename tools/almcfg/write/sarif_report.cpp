@@ -1,4 +1,5 @@
-// The SARIF 2.1.0 output of `almcfg check`, written finding by finding.
+// The SARIF 2.1.0 output of `almcfg check`, written finding by finding to a borrowed stream. One thread at a
+// time.
 
 #include <algorithm>
 #include <ostream>

@@ -7,7 +7,7 @@
 
 #include "tools/almcfg/write/printable.h"
 
-/// Cuts a long line to the part around a finding, for the text report.
+/// Cuts a long line to the part around a finding, for the text report. Pure function; any thread may call it.
 namespace almcfg {
 
 /// The part of a line around a finding, ready to print, and where the caret goes below it.

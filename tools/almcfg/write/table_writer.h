@@ -11,7 +11,8 @@
 #include "tools/almcfg/check/finding.h"
 #include "tools/almcfg/read/loaded_table.h"
 
-/// The outputs of `almcfg show`: TSV, JSON and HTML. Writers borrow the stream that they write to.
+/// The outputs of `almcfg show`: TSV, JSON and HTML. Writers borrow the stream that they write to. Threads: one
+/// at a time for each stream.
 namespace almcfg {
 
 /// A finding together with its place.

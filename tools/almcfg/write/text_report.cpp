@@ -1,4 +1,5 @@
-// The text output of `almcfg check`: each finding with its line, a caret and a hint, then the totals.
+// The text output of `almcfg check`: each finding with its line, a caret and a hint, then the totals. The
+// stream and the progress line are borrowed. One thread at a time.
 
 #include <algorithm>
 #include <ostream>

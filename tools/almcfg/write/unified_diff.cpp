@@ -1,4 +1,4 @@
-// Writes differences to a borrowed stream. No state. One thread at a time.
+// Writes differences to a borrowed stream. No state. One thread at a time for each stream.
 
 #include "tools/almcfg/write/unified_diff.h"
 

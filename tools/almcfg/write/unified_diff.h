@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// The output of `almcfg fix --diff`.
+/// The output of `almcfg fix --diff`. The stream is borrowed. Threads: one at a time for each stream.
 namespace almcfg {
 
 /// Writes a unified diff that patch(1) applies, with three lines of context; writes nothing when nothing

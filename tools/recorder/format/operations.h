@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-/// The recorded operations of the interface and their signatures.
+/// The recorded operations of the interface and their signatures. Constants; any thread may read them.
 namespace recording_format {
 
 enum class Operation : unsigned char {

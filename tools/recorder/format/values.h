@@ -10,7 +10,7 @@
 
 #include "tools/recorder/format/operations.h"
 
-/// The contents of the lines of a recording. Texts are byte strings.
+/// The contents of the lines of a recording, as plain values. Texts are byte strings.
 namespace recording_format {
 
 using TextList = std::vector<std::string>;
