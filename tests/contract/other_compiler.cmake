@@ -85,7 +85,7 @@ add_custom_target(contract_other_caller ALL DEPENDS ${other_caller})
 function(contract_caller_test test caller bundle)
   add_test(NAME contract.caller.${test} COMMAND ${caller} ${bundle})
   cmake_path(GET bundle PARENT_PATH directory)
-  set_tests_properties(contract.caller.${test} PROPERTIES TIMEOUT 60 ENVIRONMENT
+  set_tests_properties(contract.caller.${test} PROPERTIES TIMEOUT 600 ENVIRONMENT
     "LD_LIBRARY_PATH=${directory}:$<TARGET_FILE_DIR:bundle_host_lib>")
 endfunction()
 set(own_bundle $<TARGET_FILE_DIR:ii_ascii_util>/$<TARGET_FILE_NAME:ii_ascii_util>)
