@@ -12,7 +12,7 @@ usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
 # "a|b" means the first package that this Debian release has.
 packages_of() {
   case "$1" in
-    build) echo "g++ cmake ninja-build pkg-config python3 libace-dev libcli11-dev nlohmann-json3-dev libedit-dev" ;;
+    build) echo "g++ cmake ninja-build pkgconf python3 libace-dev libcli11-dev nlohmann-json3-dev libedit-dev" ;;
     test) echo "libgtest-dev locales libgmock-dev binutils valgrind python3 abigail-tools tmux ace-netsvcs" ;;
     coverage) echo "gcovr" ;;
     check) echo "clang libclang-rt-dev" ;;

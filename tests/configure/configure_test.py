@@ -52,7 +52,7 @@ class Missing(Step):
         return self.configure(environment={"PKG_CONFIG_LIBDIR": str(directory), "PKG_CONFIG_PATH": ""})
 
     def test_pkg_config(self):
-        self.assertEqual(self.without("PkgConfig"), "pkg-config is missing: install the Debian package pkg-config")
+        self.assertEqual(self.without("PkgConfig"), "pkg-config is missing: install the Debian package pkgconf")
 
     def test_ace(self):
         self.assertEqual(self.with_pkg_config_files({}),
