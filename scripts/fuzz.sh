@@ -42,6 +42,7 @@ if ! build >"$log" 2>&1; then
   exit 1
 fi
 
+all_executions=0
 for target in "${targets[@]}"; do
   found=build/fuzz-corpus/$target
   mkdir -p "$found"
@@ -52,5 +53,8 @@ for target in "${targets[@]}"; do
     echo "fuzz.sh: $target found something (above); run it again with build/fuzz/fuzz/fuzz_$target FILE" >&2
     exit 1
   fi
-  awk -v target="$target" '/^stat::number_of_executed_units/ { print target ": " $2 " executions, nothing found" }' "$log"
+  executions=$(awk '/^stat::number_of_executed_units/ { print $2 }' "$log")
+  echo "$target: $executions executions, nothing found"
+  all_executions=$((all_executions + executions))
 done
+[ ${#targets[@]} -eq 1 ] || echo "${#targets[@]} targets: $all_executions executions, nothing found"

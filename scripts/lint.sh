@@ -36,11 +36,15 @@ fi
 scripts/setup.sh lint
 python3 tests/docs/words_test.py "$@"
 clang-format-14 --dry-run --Werror "${files[@]}"
-! $format_only || exit 0
 
 # clang-tidy does not check the tests: fakes and raw tables, which it warns about, make them easier to read.
-mapfile -t tidied < <(printf '%s\n' "${files[@]}" | grep -E '^(src|host|tools|examples)/.*\.cpp$')
-[ ${#tidied[@]} -gt 0 ] || exit 0
+tidied=()
+$format_only || mapfile -t tidied < <(printf '%s\n' "${files[@]}" | grep -E '^(src|host|tools|examples)/.*\.cpp$')
+summary="${#files[@]} sources by clang-format, ${#tidied[@]} by clang-tidy: nothing found"
+if [ ${#tidied[@]} -eq 0 ]; then
+  echo "$summary"
+  exit 0
+fi
 commands=build/release/compile_commands.json
 if [ ! -f "$commands" ]; then
   echo "lint.sh: $commands is missing; run scripts/test.sh first" >&2
@@ -50,3 +54,4 @@ fi
 mkdir -p build/lint
 sed -E 's/ -f(no-gnu-unique|emit-class-debug-always)//g' "$commands" >build/lint/compile_commands.json
 printf '%s\0' "${tidied[@]}" | xargs -0 -n 1 -P "$(nproc)" clang-tidy-14 --quiet -p build/lint 2>/dev/null
+echo "$summary"

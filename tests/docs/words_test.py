@@ -79,5 +79,6 @@ def check(names):
 
 if __name__ == "__main__":
     found = check(sys.argv[1:] or tree())
-    print("\n".join(found))
+    for line in found:
+        print(line)
     sys.exit(bool(found))
