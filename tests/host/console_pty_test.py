@@ -205,7 +205,7 @@ class ConsoleAtATerminal(unittest.TestCase):
         for _ in range(2):
             terminal.type("run -\r")
             terminal.wait_for("\r\n")
-            terminal.type("log\r")
+            terminal.type("log\n")  # A line end in every mode of the terminal, which changes now.
             terminal.wait_for("log level: 0")
             terminal.type("\x04")
             terminal.wait_for(PROMPT)
