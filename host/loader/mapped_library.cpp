@@ -1,4 +1,4 @@
-// Reads the dynamic linker's list of libraries and the process's mappings. A handle owns one reference to
+// Reads the dynamic linker's list of libraries. A handle owns one reference to
 // its library, everything else is a copy. One thread at a time.
 
 #include "host/loader/mapped_library.h"
@@ -8,86 +8,41 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cstring>
-#include <map>
-#include <string_view>
 #include <tuple>
 
 #include "host/base/problem.h"
 #include "host/loader/library_search.h"
+#include "tools/recorder/format/build_id.h"
 
 namespace host {
 namespace {
 
-std::string HexDigits(std::string_view bytes) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string digits;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    digits += {kDigits[byte >> 4], kDigits[byte & 15]};
-  }
-  return digits;
-}
-
-/// The build id in the notes of one segment; empty when there is none.
-std::string BuildIdIn(std::string_view notes) {
-  static constexpr char kOwnerWithNul[] = "GNU";
-  constexpr std::string_view kOwner(kOwnerWithNul, sizeof kOwnerWithNul);
-  const auto padded = [](std::size_t bytes) { return (bytes + 3) / 4 * 4; };
-  ElfW(Nhdr) note;
-  while (notes.size() >= sizeof note) {
-    std::memcpy(&note, notes.data(), sizeof note);
-    notes.remove_prefix(sizeof note);
-    const std::size_t value = padded(note.n_namesz);
-    const std::size_t end = value + padded(note.n_descsz);
-    if (end > notes.size()) {
-      break;
-    }
-    if (note.n_type == NT_GNU_BUILD_ID && notes.substr(0, note.n_namesz) == kOwner) {
-      return HexDigits(notes.substr(value, note.n_descsz));
-    }
-    notes.remove_prefix(end);
-  }
-  return {};
-}
-
-using BuildIds = std::map<const void*, std::string>;  // by the address of the dynamic section
-
-int AddBuildId(dl_phdr_info* info, std::size_t /*size*/, void* data) {
-  const void* dynamic = nullptr;
-  std::string buildId;
-  for (const ElfW(Phdr)* header = info->dlpi_phdr; header != info->dlpi_phdr + info->dlpi_phnum; ++header) {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr)
-    const auto* const at = reinterpret_cast<const char*>(info->dlpi_addr + header->p_vaddr);
-    if (header->p_type == PT_DYNAMIC) {
-      dynamic = at;
-    } else if (header->p_type == PT_NOTE && buildId.empty()) {
-      buildId = BuildIdIn({at, header->p_memsz});
-    }
-  }
-  (*static_cast<BuildIds*>(data))[dynamic] = buildId;
-  return 0;
-}
-
-/// The string table of the dynamic section. On some architectures its address lacks the load address.
-const char* TextsOf(const link_map& map) {
-  for (const ElfW(Dyn)* entry = map.l_ld; entry->d_tag != DT_NULL; ++entry) {
-    if (entry->d_tag == DT_STRTAB) {
-      const ElfW(Addr) address = entry->d_un.d_ptr;
+/// The string table of a dynamic section. On some architectures its address lacks the load address.
+const char* TextsIn(const ElfW(Dyn) * dynamic, ElfW(Addr) loadAddress) {
+  for (; dynamic->d_tag != DT_NULL; ++dynamic) {
+    if (dynamic->d_tag == DT_STRTAB) {
+      const ElfW(Addr) address = dynamic->d_un.d_ptr;
       // NOLINTNEXTLINE(performance-no-int-to-ptr)
-      return reinterpret_cast<const char*>(address < map.l_addr ? map.l_addr + address : address);
+      return reinterpret_cast<const char*>(address < loadAddress ? loadAddress + address : address);
     }
   }
   return "";
 }
 
-MappedLibrary Describe(const link_map& map, const BuildIds& buildIds) {
+MappedLibrary Describe(const dl_phdr_info& info) {
   MappedLibrary library;
-  library.path = RealPath(map.l_name);
-  const auto buildId = buildIds.find(map.l_ld);
-  library.buildId = buildId == buildIds.end() ? "" : buildId->second;
-  const char* const texts = TextsOf(map);
-  for (const ElfW(Dyn)* entry = map.l_ld; entry->d_tag != DT_NULL; ++entry) {
+  library.path = RealPath(info.dlpi_name);
+  library.buildId = recording_format::BuildIdOf(info);
+  const auto* const end = info.dlpi_phdr + info.dlpi_phnum;
+  const auto* const segment = std::find_if(
+      info.dlpi_phdr, end, [](const ElfW(Phdr) & header) { return header.p_type == PT_DYNAMIC; });
+  if (segment == end) {
+    return library;
+  }
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
+  const auto* entry = reinterpret_cast<const ElfW(Dyn)*>(info.dlpi_addr + segment->p_vaddr);
+  const char* const texts = TextsIn(entry, info.dlpi_addr);
+  for (; entry->d_tag != DT_NULL; ++entry) {
     if (entry->d_tag == DT_NEEDED) {
       library.needed.emplace_back(texts + entry->d_un.d_val);
     } else if (entry->d_tag == DT_SONAME) {
@@ -152,17 +107,14 @@ bool MappedLibrary::Needs(const MappedLibrary& other) const {
 }
 
 std::vector<MappedLibrary> MappedLibraries() {
-  BuildIds buildIds;
-  dl_iterate_phdr(AddBuildId, &buildIds);
-  const std::unique_ptr<void, int (*)(void*)> program(dlopen(nullptr, RTLD_LAZY), dlclose);
-  const link_map* map = nullptr;
   std::vector<MappedLibrary> libraries;
-  // The first one is the program itself.
-  if (program != nullptr && dlinfo(program.get(), RTLD_DI_LINKMAP, &map) == 0) {
-    while ((map = map->l_next) != nullptr) {
-      libraries.push_back(Describe(*map, buildIds));
-    }
-  }
+  dl_iterate_phdr(
+      [](dl_phdr_info* info, std::size_t /*size*/, void* data) {
+        static_cast<std::vector<MappedLibrary>*>(data)->push_back(Describe(*info));
+        return 0;
+      },
+      &libraries);
+  libraries.erase(libraries.begin());  // The program itself.
   return libraries;
 }
 
