@@ -195,7 +195,7 @@ Action ParseReplay(const Words& words) {
     }
     if (replay.differences != 0) {
       throw Failure("replay: " + std::to_string(replay.differences) + " of " +
-                    std::to_string(CallsOf(replay)) + " calls are answered in another way");
+                    std::to_string(CallsOf(replay)) + " calls have another answer");
     }
   };
 }
@@ -206,7 +206,7 @@ std::vector<Command> ReplayCommands() {
   return {
       {"replay", "FILE [--operations NAME,...] [--max-differences N] [--compare-configuration] [--json]",
        "make the calls of a recording again and compare the answers",
-       "Prints the first 20 (--max-differences) calls that are answered in another way, and a table by\n"
+       "Prints the first 20 (--max-differences) calls that have another answer, and a table by\n"
        "operation with median durations in nanoseconds; those of now include turning the values of the\n"
        "file into arguments. Fails when an answer differs. GetTimeStamp and WriteDbgLog are not compared,\n"
        "nor is GetAlmCfgValue when another AlarmConfig.csv is loaded, unless --compare-configuration asks\n"

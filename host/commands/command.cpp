@@ -4,7 +4,6 @@
 #include "host/commands/command.h"
 
 #include <algorithm>
-#include <iomanip>
 #include <iterator>
 #include <ostream>
 
@@ -88,13 +87,13 @@ Action ParseCommand(const Words& words) {
 }
 
 void PrintCommands(std::ostream& out) {
-  std::size_t width = 0;
+  constexpr std::size_t kWidth =
+      17;  // A longer usage has a line of its own, so that summaries fit 80 columns.
   for (const Command& command : Commands()) {
-    width = std::max(width, Usage(command).size());
-  }
-  for (const Command& command : Commands()) {
-    out << "  " << std::left << std::setw(static_cast<int>(width) + 2) << Usage(command) << command.summary
-        << '\n';
+    const std::string usage = Usage(command);
+    const bool fits = usage.size() <= kWidth;
+    out << "  " << usage << (fits ? "" : "\n  ") << std::string(kWidth + 2 - (fits ? usage.size() : 0), ' ')
+        << command.summary << '\n';
   }
 }
 

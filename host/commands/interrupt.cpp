@@ -39,7 +39,7 @@ void OnSignal(int signal) {
 
 void CatchStopSignals() {
   if (pipe2(wakeUp.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
-    throw Failure(std::string("a pipe cannot be made: ") + std::strerror(errno));
+    throw Failure(std::string("cannot create a pipe: ") + std::strerror(errno));
   }
   struct sigaction action {};
   action.sa_handler = OnSignal;

@@ -191,7 +191,7 @@ std::vector<Operation> MakeTable() {
 }
 
 const char* KindName(Kind kind) {
-  constexpr std::array<const char*, 5> kNames{"truth", "integer", "text", "list", "map"};
+  constexpr std::array<const char*, 5> kNames{"boolean", "integer", "text", "list", "map"};
   return kNames.at(static_cast<std::size_t>(kind));
 }
 
@@ -204,12 +204,12 @@ NS_ASCII::AsciiUtilInterface* FetchAsciiUtil() {
   try {
     auto* const interface = NS_BUNDLEMGR1::FetchInterface<AsciiUtilInterface>(ref);
     if (interface == nullptr) {
-      throw Failure("what is registered as AsciiUtilInterface is another interface");
+      throw Failure("the interface registered as AsciiUtilInterface is of another type");
     }
     return interface;
   } catch (NS_BUNDLEMGR1::InterfaceNotExistException&) {
     throw Failure(
-        "no AsciiUtilInterface is registered; load a bundle that brings it, as libii_ascii_util.so");
+        "no AsciiUtilInterface is registered; load a bundle that registers it, such as libii_ascii_util.so");
   }
 }
 

@@ -16,6 +16,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -31,6 +32,8 @@ constexpr const char* kTrialOption = "--try-library";
 // The first byte of the child's report. A NUL byte ends the report.
 constexpr char kLoaded = 'L';  // the path follows
 constexpr char kFailed = 'F';  // the reason follows
+
+constexpr const char* kCutShort = " is cut short (is it still being written?)";
 
 std::string trialProgram;
 
@@ -50,35 +53,22 @@ struct Descriptor {
   }
 };
 
-/// Reads a byte of each page that the dynamic linker has mapped from the file at `path`: in a truncated file
-/// a page beyond its end raises SIGBUS.
-void TouchPages(const std::string& path) {
-  const auto touch = [](dl_phdr_info* info, std::size_t /*size*/, void* wanted) {
-    if (*static_cast<const std::string*>(wanted) != info->dlpi_name) {
-      return 0;
-    }
-    constexpr std::size_t kSmallestPage = 4096;
-    for (const ElfW(Phdr)* header = info->dlpi_phdr; header != info->dlpi_phdr + info->dlpi_phnum; ++header) {
-      const bool isReadable = header->p_type == PT_LOAD && (header->p_flags & PF_R) != 0;
-      // NOLINTNEXTLINE(performance-no-int-to-ptr)
-      const auto* const first = reinterpret_cast<const volatile char*>(info->dlpi_addr + header->p_vaddr);
-      for (std::size_t at = 0; isReadable && at < header->p_filesz; at += kSmallestPage) {
-        static_cast<void>(first[at]);
-      }
-    }
-    return 1;
-  };
-  std::string wanted = path;
-  dl_iterate_phdr(touch, &wanted);
+/// Whether the file ends before its section headers, which linkers write last. Where only a part of the last page
+/// is missing, the dynamic linker loads the file with zeros in place of that part.
+bool IsCutShort(const std::string& path) {
+  ElfW(Ehdr) header{};
+  std::ifstream(path, std::ios::binary).read(reinterpret_cast<char*>(&header), sizeof header);
+  return std::filesystem::file_size(path) < header.e_shoff + std::size_t{header.e_shentsize} * header.e_shnum;
 }
 
 /// Loads the library in this process. Returns the report without its NUL.
 std::string Report(const std::string& library) {
   try {
     const LibraryHandle handle = LibraryHandle::Load(library);
-    TouchPages(handle.Path());
-    return kLoaded + handle.Path();
-  } catch (const Failure& failure) {
+    const std::string path = handle.Path();
+    return IsCutShort(path) ? kFailed + ("cannot be loaded: " + path) + ": the file" + kCutShort
+                            : kLoaded + path;
+  } catch (const std::exception& failure) {
     return kFailed + std::string(failure.what());
   }
 }
@@ -143,7 +133,7 @@ std::string WhyEnded(int status) {
   const int signal = WTERMSIG(status);
   const bool isCrash = signal != SIGINT && signal != SIGTERM && signal != SIGHUP;
   return "cannot be loaded: the process that tries it ends by " + SignalName(signal) +
-         (isCrash ? "; a constructor crashes, or the file is cut short (is it still being written?)" : "");
+         (isCrash ? std::string("; a constructor crashes, or the file") + kCutShort : "");
 }
 
 }  // namespace

@@ -42,12 +42,11 @@ Words SplitAsAce(const std::string& parameters) {
 
 /// Whether ACE's scanner reads `name` as a name: an identifier that is none of its keywords.
 bool IsPlainName(const std::string& name) {
-  const std::vector<std::string> words{"dynamic", "static", "suspend",        "resume", "remove",  "stream",
+  constexpr const char* kBytes = "_0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+  const std::set<std::string> keywords{"dynamic", "static", "suspend",        "resume", "remove",  "stream",
                                        "STREAM",  "Module", "Service_Object", "active", "inactive"};
-  const auto isLetter = [](char c) { return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-  const auto isMore = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9'); };
-  return !name.empty() && isLetter(name.front()) && std::all_of(name.begin(), name.end(), isMore) &&
-         std::find(words.begin(), words.end(), name) == words.end();
+  return !name.empty() && (name[0] < '0' || name[0] > '9') &&
+         name.find_first_not_of(kBytes) == std::string::npos && keywords.count(name) == 0;
 }
 
 /// Throws when ACE's scanner would reject the name, or when the name or the string in the directive exceeds
@@ -60,8 +59,8 @@ void RequireScannable(const std::string& name, const std::string& directive) {
   if (!IsPlainName(name)) {
     throw UsageError(
         name +
-        ": no name for a bundle; ACE takes letters, digits and '_', no digit first, and none of its "
-        "own words, such as 'active'");
+        ": not a valid bundle name; ACE accepts letters, digits and '_', not a digit first, and none of "
+        "its keywords, such as 'active'");
   }
   const std::size_t open = directive.find_first_of("\"'");
   const std::size_t size = open == std::string::npos ? 0 : directive.rfind(directive[open]) - open - 1;
@@ -170,13 +169,6 @@ int Insert(const std::string& name, std::unique_ptr<ACE_Service_Type>& record) {
   return result;
 }
 
-/// The name of a bundle that was loaded from `library`; empty when none was.
-std::string BundleOf(const std::vector<LoadedBundle>& bundles, const std::string& library) {
-  const auto found = std::find_if(bundles.begin(), bundles.end(),
-                                  [&](const LoadedBundle& bundle) { return bundle.library == library; });
-  return found == bundles.end() ? "" : found->name;
-}
-
 }  // namespace
 
 /// The parameters of one load.
@@ -240,7 +232,7 @@ void Loader::Process(const std::string& directive) {
     // ACE would use any symbol of that name as the factory or object that the directive declares.
     if (parts.library.empty() || parts.factory.empty()) {
       throw Failure(
-          "not what a bundle is loaded by; write dynamic NAME Service_Object * LIBRARY:FACTORY() "
+          "the directive does not load a bundle; write dynamic NAME Service_Object * LIBRARY:FACTORY() "
           "\"ARGUMENTS\"");
     }
     RequireScannable(parts.name, directive);
@@ -269,7 +261,13 @@ void Loader::Process(const std::string& directive) {
 
 void Loader::DriveByAce(const std::string& directive) {
   const AceComplaints complaints;
-  if (ACE_Service_Config::process_directive(directive.c_str()) != 0 || !complaints.Text().empty()) {
+  bool ok = false;
+  try {
+    ok = ACE_Service_Config::process_directive(directive.c_str()) == 0;
+  } catch (...) {
+    throw Failure("the directive failed: the service threw: " + CurrentExceptionText());
+  }
+  if (!ok || !complaints.Text().empty()) {
     throw Failure(WithReason("the directive failed", complaints.Text()));
   }
 }
@@ -316,9 +314,7 @@ void Loader::Start(const Plan& plan) {
 }
 
 void Loader::Init(const std::string& name, const Words& arguments) {
-  static_cast<void>(Find(name));
-  LoadedBundle& bundle = *std::find_if(bundles_.begin(), bundles_.end(),
-                                       [&](const LoadedBundle& loaded) { return loaded.name == name; });
+  auto& bundle = const_cast<LoadedBundle&>(Find(name));  // An element of the vector, which is not const.
   const AceComplaints complaints;
   std::string problem;
   if (CallInit(*bundle.object, name, arguments, problem) != 0) {
@@ -392,13 +388,14 @@ UnloadReport Loader::Unload(const std::string& name, bool force) {
   }
   Forget(name);
   const std::vector<MappedLibrary> libraries = MappedLibraries();
-  if (FindMapped(libraries, bundle.library) != nullptr) {
-    const std::string other = BundleOf(bundles_, bundle.library);
-    report.whyMapped =
-        other.empty() ? WhyMapped(libraries, bundle.library) : "bundle " + other + " was loaded from it";
-    if (other.empty()) {
-      stillMapped_.insert(bundle.library);
-    }
+  const auto other = std::find_if(bundles_.begin(), bundles_.end(), [&](const LoadedBundle& loaded) {
+    return loaded.library == bundle.library;
+  });
+  if (other != bundles_.end()) {
+    report.whyMapped = "bundle " + other->name + " was loaded from it";
+  } else if (FindMapped(libraries, bundle.library) != nullptr) {
+    report.whyMapped = WhyMapped(libraries, bundle.library);
+    stillMapped_.insert(bundle.library);
   }
   NoteMapped();
   return report;
@@ -415,7 +412,7 @@ const LoadedBundle& Loader::Reload(const std::string& name) {
     throw Failure(name + " was unloaded, but not loaded again: " + failure.what());
   }
   if (!report.problem.empty()) {
-    throw Failure(name + " was reloaded, but on the way: " + report.problem);
+    throw Failure(name + " was reloaded, but its unload failed: " + report.problem);
   }
   return bundles_.back();
 }

@@ -27,7 +27,7 @@ std::string DirectiveIn(std::string_view line) {
       quote = c;
       quoteAt = end;
     } else if (c == '{' || c == '}') {
-      throw LineError(end + 1, "a brace; streams are not taken here");
+      throw LineError(end + 1, std::string("unexpected '") + c + "'; stream directives are not supported");
     }
   }
   if (quote != '\0') {

@@ -35,7 +35,7 @@ def helped():
     text = subprocess.run([PROGRAM, "--help"], text=True, stdout=subprocess.PIPE, check=True).stdout
     options, commands = text.split("\nCommands, also for files and the console:\n")
     rows = {"OPTIONS": re.findall(r"^  (-\S.*?) {2,}(\S.*)$", options, re.MULTILINE),
-            "COMMANDS": re.findall(r"^  ([a-z]\S*.*?) {2,}(\S.*)$", commands, re.MULTILINE)}
+            "COMMANDS": re.findall(r"^  ([a-z]\S*.*?)(?: {2,}|\n +)(\S.*)$", commands, re.MULTILINE)}
     return {section: {head.replace(",--", ", --").replace(" ...", ""): words for head, words in pairs}
             for section, pairs in rows.items()}
 

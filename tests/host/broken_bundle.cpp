@@ -126,6 +126,10 @@ class Broken : public NS_BUNDLEMGR1::ServiceObjectBase {
 #endif
   }
 
+#ifdef BROKEN_SUSPEND_THROWS
+  int suspend() override { throw 42; }
+#endif
+
   int fini() override {
 #if defined(BROKEN_TALKS) || defined(BROKEN_TALKS_TOO)
     std::printf("%s: fini\n", TEXT_OF(BUNDLE));

@@ -97,6 +97,18 @@ TEST_F(CommandLine, ExpectErrorLooksAtTheMessageWithoutItsColumn) {
   EXPECT_EQ(Run("expect-error item"), "! expected the error 'item', but the last command succeeded");
 }
 
+TEST_F(CommandLine, TheSummariesInTheHelpFitEightyColumns) {
+  std::istringstream help(Run("help"));
+  std::size_t lines = 0;
+  for (std::string line; std::getline(help, line); ++lines) {
+    EXPECT_TRUE(line.size() <= 80 || line.compare(0, 14, "  replay FILE ") == 0) << line;
+  }
+  EXPECT_GT(lines, host::Commands().size());
+  EXPECT_NE(help.str().find("\n  set ITEM INTEGER   set a"), std::string::npos);
+  EXPECT_NE(help.str().find("\n  load LIBRARY [ARGUMENT...]\n                     load a"),
+            std::string::npos);
+}
+
 TEST_F(CommandLine, QuitOnlyAsksForTheEnd) {
   EXPECT_EQ(Run("quit"), "");
   EXPECT_TRUE(session_.quitRequested);

@@ -202,7 +202,7 @@ TEST_F(LoaderTest, ASymbolIsThatOfTheBundleLoadedLast) {
 TEST_F(LoaderTest, AReloadWhoseOldFiniFailedLoadsTheNewCodeAndReportsIt) {
   loader_.Load(Fixture("broken_fini_fails"), {});
   EXPECT_EQ(ProblemOf([&] { loader_.Reload("broken_fini_fails"); }),
-            "broken_fini_fails was reloaded, but on the way: broken_fini_fails: fini returned -1");
+            "broken_fini_fails was reloaded, but its unload failed: broken_fini_fails: fini returned -1");
   EXPECT_EQ(loader_.Bundles().size(), 1U);
 }
 
@@ -265,6 +265,12 @@ TEST_F(LoaderTest, AnInactiveBundleIsSuspended) {
     loader_.Process(text.replace(text.find("NAME"), 4, name));
     EXPECT_EQ(isActive(name), expected) << state;
   }
+}
+
+TEST_F(LoaderTest, ADirectiveWhoseServiceThrowsFails) {
+  loader_.Load(Fixture("broken_suspend_throws"), {});
+  EXPECT_EQ(ProblemOf([&] { loader_.Process("suspend broken_suspend_throws"); }),
+            "the directive failed: the service threw: something that is not a std::exception");
 }
 
 TEST(FileIdentity, DiffersWhenAFileIsWrittenAgainWithTheSameSize) {

@@ -93,7 +93,7 @@ expect 'is unmapped'
             table, report, done = self.replayed(bundle="WRONG_BUNDLE", wrong=operation)
             self.assertEqual(done.returncode, 1)
             self.assertEqual({name for name, row in table.items() if row["different"]}, {operation})
-            self.assertIn(f"of {report['calls']} calls are answered in another way", done.stderr)
+            self.assertIn(f"of {report['calls']} calls have another answer", done.stderr)
             self.assertTrue(all(difference["call"].startswith(operation) for difference in report["differences"]))
         self.assertIn("exception: std::__cxx11::basic_string", report["differences"][0]["now"])
 
