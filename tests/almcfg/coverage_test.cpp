@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <nlohmann/json.hpp>
 #include <string>
@@ -140,9 +141,34 @@ TEST(Coverage, SkipsLinesThatAreNotQueriesAndSaysWhichOnes) {
   EXPECT_THAT(outcome.err, HasSubstr("almcfg: CALLS:3:1: neither a record nor KEY1, KEY2, KEY3, NUMBER"));
   EXPECT_THAT(outcome.err,
               HasSubstr("almcfg: CALLS:4:7: the fourth column is not a 32-bit decimal integer; the line is"));
-  EXPECT_THAT(outcome.err,
-              HasSubstr("almcfg: CALLS:5:9: the count is not a decimal integer; the line is skipped\n"));
+  EXPECT_THAT(
+      outcome.err,
+      HasSubstr(
+          "almcfg: CALLS:5:9: the count is not an integer from 0 to 4294967295; the line is skipped\n"));
   EXPECT_THAT(outcome.out, StartsWith("calls:       1 of"));
+}
+
+TEST(Coverage, ReadsTheCallsFromStandardInput) {
+  const TempFile config(kConfig);
+  const Outcome outcome = RunAlmcfg({"coverage", config.path(), "--calls", "-"}, "COM\tBTS\tLOS\t7\nlost\n");
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.out, StartsWith("calls:       1 of"));
+  EXPECT_THAT(outcome.err, HasSubstr("almcfg: <stdin>:2:1: neither a record nor"));
+  const Outcome twice = RunAlmcfg({"coverage", "-", "--calls", "-"});
+  EXPECT_EQ(twice.exitCode, 2);
+  EXPECT_THAT(twice.err, HasSubstr("standard input (-) can be read only once"));
+}
+
+TEST(Coverage, ReadsAListWithCrLf) {
+  EXPECT_THAT(Coverage("# x\r\n\r\nCOM\tBTS\tLOS\t7\r\nCOM\tBTS\tLOS\t7\t5\r\n").out,
+              StartsWith("calls:       6 of GetAlmCfgValue, 1 different queries\n"));
+}
+
+TEST(Coverage, RefusesACountWithWhichASumCouldOverflow) {
+  const Outcome outcome =
+      Coverage("COM\tBTS\tLOS\t7\t4294967295\nCOM\tBTS\tLOS\t7\t4294967296\nCOM\tBTS\tLOS\t7\t5\n");
+  EXPECT_THAT(outcome.out, StartsWith("calls:       4,294,967,300 of"));
+  EXPECT_THAT(outcome.err, HasSubstr("CALLS:2:15: the count is not an integer from 0 to 4294967295"));
 }
 
 TEST(Coverage, UsesACutRecording) {
@@ -169,9 +195,14 @@ TEST(Coverage, NeedsAFileWithQueries) {
 
 TEST(Coverage, SaysWhyTheCallsCannotBeRead) {
   const std::string config = "examples/broken/value-replaced.csv";
+  const TempDirectory folder;
+  const std::string pipe = folder / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   for (const auto& [calls, reason] :
        {std::pair{"/no/such", "No such file or directory"}, std::pair{"/", "Is a directory"},
-        std::pair{"/dev/zero", "It is a device, not a file"}}) {
+        std::pair{"/dev/zero", "It is a device, not a file"},
+        std::pair{"/proc/self/mem", "Input/output error"},
+        std::pair{pipe.c_str(), "Nothing writes to this pipe"}}) {
     const Outcome outcome = RunAlmcfg({"coverage", config, "--calls", calls});
     EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_THAT(outcome.err, testing::EndsWith(std::string("almcfg: ") + calls + ": " + reason + "\n"));

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/almcfg/check_text.h"
 #include "tools/almcfg/query/nearest.h"
 #include "tools/almcfg/write/json_text.h"
 #include "tools/almcfg/write/printable.h"
@@ -97,20 +98,68 @@ TEST(JsonText, KeepsEveryByteThatIsNotUtf8InHexadecimal) {
   EXPECT_EQ(Dump(json), "{\"a\":\"x\xEF\xBF\xBDy\",\"aHex\":\"78ff79\",\"b\":\"\xC3\x9C\"}");
 }
 
-TEST(Compare, SpellsOutSmallDifferences) {
-  const NS_ASCII::AlarmKey wanted{"Node", "Port", "Down", "7"};
-  EXPECT_EQ(Compare(wanted, {"node", "Port", "Down", "7"}).difference,
-            "column 1 is \"node\", not \"Node\" (another case)");
-  EXPECT_EQ(Compare(wanted, {"Node", "Port ", "Down", "7"}).difference,
-            "column 2 is \"Port·\", not \"Port\" (a blank at the edge)");
-  EXPECT_EQ(Compare(wanted, {"Node", "Port", "7", "Down"}).difference, "columns 3 and 4 are swapped");
-  EXPECT_EQ(Compare(wanted, {"Node", "Port", "Down", "+07"}).difference,
-            "column 4 is \"+07\", not \"7\" (the same number, written in a way that is never found)");
-  EXPECT_EQ(Compare(wanted, {"Node", "Port", "Up", "7"}).difference, "column 3 is \"Up\", not \"Down\"");
+using NS_ASCII::AlarmKey;
+
+/// "DISTANCE LINE DIFFERENCE" of the keys of `content` that are nearest to `wanted`.
+std::vector<std::string> Nearest(const AlarmKey& wanted, const std::string& content, std::size_t count = 5) {
+  const LoadedTable table = almcfg_test::TableOf(content);
+  const std::vector<Neighbour> nearest = FindNearest(table, {wanted}, count).front();
+  std::vector<std::string> found;
+  for (const Neighbour& neighbour : nearest) {
+    found.push_back(std::to_string(neighbour.distance) + ' ' + std::to_string(neighbour.place.line) + ' ' +
+                    neighbour.difference);
+  }
+  return found;
 }
 
-TEST(Compare, SaysNothingWhenTwoColumnsAreAltogetherDifferent) {
-  EXPECT_EQ(Compare({"A", "B", "C", "7"}, {"A", "X", "Y", "7"}).difference, "");
+TEST(Nearest, SpellsOutSmallDifferences) {
+  const AlarmKey wanted{"Node", "Port", "Down", "7"};
+  const auto lineOf = [&wanted](const std::string& line) { return Nearest(wanted, line + "\t1\n").at(0); };
+  EXPECT_EQ(lineOf("node\tPort\tDown\t7"), "1 1 column 1 is \"node\", not \"Node\" (another case)");
+  EXPECT_EQ(lineOf("Node\tPort \tDown\t7"), "1 1 column 2 is \"Port·\", not \"Port\" (a blank at the edge)");
+  EXPECT_EQ(lineOf("Node\t port\tDown\t7"),
+            "1 1 column 2 is \"·port\", not \"Port\" (another case and a blank at the edge)");
+  EXPECT_EQ(lineOf("Node\t\"Port\"\tDown\t7"),
+            "1 1 column 2 is \"\"Port\"\", not \"Port\" (in quotation marks)");
+  EXPECT_EQ(lineOf("Node\tPort\t7\tDown"), "1 1 columns 3 and 4 are swapped");
+  EXPECT_EQ(lineOf("node\tPort\t7\tDown"),
+            "2 1 column 1 is \"node\", not \"Node\" (another case); columns 3 and 4 are swapped");
+  EXPECT_EQ(lineOf("Node\tPort\tDown\t+07"),
+            "1 1 column 4 is \"+07\", not \"7\" (the same number, written in a way that is never found)");
+  EXPECT_EQ(lineOf("Node\tPort\tUp\t7"), "10 1 column 3 is \"Up\", not \"Down\"");
+  EXPECT_EQ(lineOf("Node\tPort\tDown\t8"), "10 1 column 4 is \"8\", not \"7\"");
+}
+
+TEST(Nearest, CallsOnlyTheNumberOfColumn4TheSameNumber) {
+  EXPECT_EQ(Nearest({"7", "Port", "Down", "7"}, "07\tPort\tDown\t7\t1\n"),
+            std::vector<std::string>{"10 1 column 1 is \"07\", not \"7\""});
+}
+
+TEST(Nearest, LeavesOutKeysOfWhichTwoColumnsAreAltogetherDifferent) {
+  EXPECT_TRUE(Nearest({"A", "B", "C", "7"}, "A\tX\tY\t7\t1\nX\tB\tC\t8\t1\n").empty());
+}
+
+TEST(Nearest, PrefersSmallDifferencesThenTheOrderOfTheFile) {
+  const AlarmKey wanted{"A", "B", "C", "7"};
+  const std::string far = "X\tB\tC\t7\t1\nY\tB\tC\t7\t1\nZ\tB\tC\t7\t1\n";
+  EXPECT_EQ(Nearest(wanted, far, 2), (std::vector<std::string>{"10 1 column 1 is \"X\", not \"A\"",
+                                                               "10 2 column 1 is \"Y\", not \"A\""}));
+  EXPECT_EQ(Nearest(wanted, far + "a\tb\tC\t7\t1\nA\tb\tC\t7\t1\n", 2),
+            (std::vector<std::string>{"1 5 column 2 is \"b\", not \"B\" (another case)",
+                                      "2 4 column 1 is \"a\", not \"A\" (another case); column 2 is \"b\", "
+                                      "not \"B\" (another case)"}));
+}
+
+TEST(Nearest, FindsTheNeighboursOfEachWantedKey) {
+  const LoadedTable table = almcfg_test::TableOf("A\tB\tC\t7\t1\nD\tE\tF\t8\t1\n");
+  const auto nearest =
+      FindNearest(table, {{"d", "E", "F", "8"}, {"no", "such", "key", "1"}, {"a", "B", "C", "7"}}, 2);
+  ASSERT_EQ(nearest.size(), 3U);
+  ASSERT_EQ(nearest[0].size(), 1U);
+  EXPECT_EQ(nearest[0][0].place.line, 2U);
+  EXPECT_TRUE(nearest[1].empty());
+  ASSERT_EQ(nearest[2].size(), 1U);
+  EXPECT_EQ(nearest[2][0].place.line, 1U);
 }
 
 }  // namespace

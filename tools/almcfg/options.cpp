@@ -198,7 +198,7 @@ const std::vector<CommandSpec>& Commands() {
        "coverage",
        "Compare what callers asked for with the table in force",
        {{"FILE...", kFileHelp}},
-       {CallsOption("Recorded calls, or lines of KEY1, KEY2, KEY3, NUMBER, COUNT between TABs"),
+       {CallsOption("Recorded calls, or lines of KEY1, KEY2, KEY3, NUMBER, COUNT; - is standard input"),
         Flag("--strict", "Queries that no line serves give exit code 1", &Options::strict), StdinNameOption(),
         FormatOption("json|text", "How to report (default: text)"), ColorOption()},
        "0 reported, 1 with --strict and a query that no line serves, or the load never ends, 2 could not "
@@ -339,7 +339,7 @@ void RequireFiles(const Options& options) {
   if (std::count(options.files.begin(), options.files.end(), "") > 0) {
     throw Mistake("FILE: a name is empty");
   }
-  if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
+  if (std::count(options.files.begin(), options.files.end(), "-") + (options.calls == "-" ? 1 : 0) > 1) {
     throw Mistake("FILE: standard input (-) can be read only once");
   }
 }

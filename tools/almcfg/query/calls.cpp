@@ -4,7 +4,8 @@
 
 #include <algorithm>
 #include <charconv>
-#include <fstream>
+#include <istream>
+#include <memory>
 #include <ostream>
 #include <string_view>
 #include <vector>
@@ -22,24 +23,24 @@ constexpr std::size_t kMaxReported = 10;
 /// Reports bad lines: the first ones one by one, then their number.
 class LineProblems {
  public:
-  LineProblems(const std::string& path, const Outputs& outputs) : path_(path), outputs_(outputs) {}
+  LineProblems(const std::string& name, const Outputs& outputs) : name_(name), outputs_(outputs) {}
 
   void Add(std::size_t line, std::size_t column, const std::string& text) {
     if (++count_ <= kMaxReported) {
       outputs_.progress.Hide();
-      outputs_.err << "almcfg: " << Printable(path_) << ':' << line << ':' << column << ": "
+      outputs_.err << "almcfg: " << Printable(name_) << ':' << line << ':' << column << ": "
                    << Printable(text) << "; the line is skipped\n";
     }
   }
 
   void End() const {
     if (count_ > kMaxReported) {
-      outputs_.err << "almcfg: " << Printable(path_) << ": " << count_ - kMaxReported << " more such lines\n";
+      outputs_.err << "almcfg: " << Printable(name_) << ": " << count_ - kMaxReported << " more such lines\n";
     }
   }
 
  private:
-  const std::string& path_;
+  const std::string& name_;
   const Outputs& outputs_;
   std::size_t count_ = 0;
 };
@@ -93,19 +94,22 @@ bool ParseNumber(std::string_view text, Number& number) {
 void ReadTable(std::istream& file, LineProblems& problems, Calls& calls) {
   std::string text;
   for (std::size_t number = 1; std::getline(file, text); ++number) {
+    if (!text.empty() && text.back() == '\r') {
+      text.pop_back();
+    }
     if (text.empty() || text[0] == '#') {
       continue;
     }
     const std::vector<Column> columns = ColumnsOf(text);
     int wanted = 0;
-    std::uint64_t count = 1;
+    std::uint32_t count = 1;  // So small that no sum overflows.
     if (columns.size() != 4 && columns.size() != 5) {
       problems.Add(number, 1,
                    "neither a record nor KEY1, KEY2, KEY3, NUMBER and perhaps a count between TABs");
     } else if (!ParseNumber(columns[3].text, wanted)) {
       problems.Add(number, columns[3].at + 1, "the fourth column is not a 32-bit decimal integer");
     } else if (columns.size() == 5 && !ParseNumber(columns[4].text, count)) {
-      problems.Add(number, columns[4].at + 1, "the count is not a decimal integer");
+      problems.Add(number, columns[4].at + 1, "the count is not an integer from 0 to 4294967295");
     } else {
       calls.counts[{std::string(columns[0].text), std::string(columns[1].text), std::string(columns[2].text),
                     wanted}] += count;
@@ -126,21 +130,23 @@ std::uint64_t CountOf(const Calls& calls, const NS_ASCII::AlarmKey& key) {
   return found == calls.counts.end() ? 0 : found->second;
 }
 
-bool ReadCalls(const std::string& path, const Outputs& outputs, Calls& calls) {
+bool ReadCalls(const Options& options, const Outputs& outputs, Calls& calls) {
+  const std::string& name = options.NameOf(options.calls);
   const auto report = [&](const std::string& reason) {
     outputs.progress.Hide();
-    outputs.err << "almcfg: " + Printable(path) + ": " + reason + '\n';
+    outputs.err << "almcfg: " + Printable(name) + ": " + reason + '\n';
   };
   try {
-    RequireReadable(path);
+    const std::unique_ptr<std::streambuf> input = OpenInput(options.calls);
+    std::istream file(input.get());
+    file.exceptions(std::ios::badbit);
+    LineProblems problems(name, outputs);
+    (file.peek() == '{' ? ReadRecording : ReadTable)(file, problems, calls);
+    problems.End();
   } catch (const ReadError& error) {
     report(error.what());
     return false;
   }
-  std::ifstream file(path, std::ios::binary);
-  LineProblems problems(path, outputs);
-  (file.peek() == '{' ? ReadRecording : ReadTable)(file, problems, calls);
-  problems.End();
   if (calls.counts.empty()) {
     report(
         "holds no call of GetAlmCfgValue; give a recording, or lines of KEY1, KEY2, KEY3, NUMBER and perhaps "

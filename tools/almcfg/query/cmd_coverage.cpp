@@ -68,7 +68,6 @@ void SortQueries(const LoadedTable& table, const Calls& calls, Coverage& coverag
     AnsweredQuery asked{&query, count, NSTE_util::Trim(NSTE_util::Num2Str(query.number)), {}, {}, {}};
     const std::optional<Entry> entry = table.Find(asked.Key());
     if (!entry) {
-      asked.nearest = FindNearest(table, asked.Key(), kNeighbours);
       coverage.notServed.push_back(std::move(asked));
       continue;
     }
@@ -80,6 +79,18 @@ void SortQueries(const LoadedTable& table, const Calls& calls, Coverage& coverag
        {&coverage.served, &coverage.notServed, &coverage.noInteger}) {
     std::stable_sort(list->begin(), list->end(),
                      [](const AnsweredQuery& a, const AnsweredQuery& b) { return a.count > b.count; });
+  }
+}
+
+void FindNearestOf(const LoadedTable& table, std::vector<AnsweredQuery>& notServed) {
+  std::vector<NS_ASCII::AlarmKey> wanted;
+  wanted.reserve(notServed.size());
+  for (const AnsweredQuery& asked : notServed) {
+    wanted.push_back(asked.Key());
+  }
+  std::vector<std::vector<Neighbour>> nearest = FindNearest(table, wanted, kNeighbours);
+  for (std::size_t i = 0; i < notServed.size(); ++i) {
+    notServed[i].nearest = std::move(nearest[i]);
   }
 }
 
@@ -237,11 +248,12 @@ void WriteJson(std::ostream& out, const Calls& calls, const Coverage& coverage) 
 int RunCoverage(const Options& options, const Outputs& outputs) {
   const std::optional<LoadedTable> table = LoadFiles(options.files, options, outputs);
   Calls calls;
-  if (!table || !ReadCalls(options.calls, outputs, calls)) {
+  if (!table || !ReadCalls(options, outputs, calls)) {
     return kCouldNotRun;
   }
   Coverage coverage;
   SortQueries(*table, calls, coverage);
+  FindNearestOf(*table, coverage.notServed);
   FindUnasked(*table, coverage);
   coverage.endlessLine = table->endlessLine();
   outputs.progress.Hide();

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <ostream>
+#include <utility>
 #include <vector>
 
 #include "framework/platform_util.h"
@@ -60,7 +61,7 @@ Found Find(const Options& options, const LoadedTable& table) {
     found.answer = Ask(options, &found.wanted);
   } else {
     found.answer = Ask(options, nullptr);
-    found.nearest = FindNearest(table, found.Key(), kNeighbours);
+    found.nearest = std::move(FindNearest(table, {found.Key()}, kNeighbours).front());
   }
   return found;
 }

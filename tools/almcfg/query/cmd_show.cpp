@@ -69,7 +69,7 @@ int RunShow(const Options& options, const Outputs& outputs) {
   PageContent content{std::move(collector.findings), !options.sorted, nullptr, ""};
   Calls calls;
   if (!options.calls.empty()) {
-    if (!ReadCalls(options.calls, outputs, calls)) {
+    if (!ReadCalls(options, outputs, calls)) {
       return kCouldNotRun;
     }
     AddCalls(*table, calls, content);

@@ -4,6 +4,9 @@
 #include "tools/almcfg/query/nearest.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string_view>
 
@@ -32,14 +35,22 @@ bool IsSameNumber(std::string_view wanted, std::string_view present) {
   return !meant.empty() && meant == wanted;
 }
 
+using Columns = std::array<std::string_view, 4>;
+
+Columns ColumnsOf(const AlarmKey& key) { return {key.key1, key.key2, key.key3, key.numKey}; }
+
+bool AreSwapped(const AlarmKey& wanted, const AlarmKey& present) {
+  return wanted.key3 == present.numKey && wanted.numKey == present.key3;
+}
+
 /// Why a slightly different text is not found; empty when the texts differ altogether.
-std::string DescribeSlip(int column, std::string_view wanted, std::string_view present) {
+std::string_view DescribeSlip(std::size_t column, std::string_view wanted, std::string_view present) {
   if (const std::optional<std::string> inner = Unquoted(present)) {
     return *inner == wanted ? "in quotation marks" : "";
   }
   const std::string_view a = NS_ASCII::TrimView(wanted);
   const std::string_view b = NS_ASCII::TrimView(present);
-  if (column == 4 && IsSameNumber(wanted, present)) {
+  if (column == 3 && IsSameNumber(wanted, present)) {
     return "the same number, written in a way that is never found";
   }
   if (IsSameButCase(wanted, present)) {
@@ -51,60 +62,125 @@ std::string DescribeSlip(int column, std::string_view wanted, std::string_view p
   return IsSameButCase(a, b) ? "another case and a blank at the edge" : "";
 }
 
-/// How one column differs, and by how much.
-std::size_t CompareColumn(int column, std::string_view wanted, std::string_view present,
-                          std::string& difference) {
-  if (wanted == present) {
-    return 0;
+std::size_t DistanceOf(const AlarmKey& wanted, const AlarmKey& present) {
+  const Columns a = ColumnsOf(wanted);
+  const Columns b = ColumnsOf(present);
+  const bool areSwapped = AreSwapped(wanted, present);
+  std::size_t distance = areSwapped ? kSlightly : 0;
+  for (std::size_t i = 0; i < (areSwapped ? 2 : a.size()); ++i) {
+    if (a[i] != b[i]) {
+      distance += DescribeSlip(i, a[i], b[i]).empty() ? kWholly : kSlightly;
+    }
   }
-  const std::string slip = DescribeSlip(column, wanted, present);
-  difference += difference.empty() ? "" : "; ";
-  difference += "column " + std::to_string(column) + " is " + Quoted(present) + ", not " + Quoted(wanted);
-  difference += slip.empty() ? "" : " (" + slip + ")";
-  return slip.empty() ? kWholly : kSlightly;
+  return distance;
 }
+
+std::string Describe(const AlarmKey& wanted, const AlarmKey& present) {
+  const Columns a = ColumnsOf(wanted);
+  const Columns b = ColumnsOf(present);
+  const bool areSwapped = AreSwapped(wanted, present);
+  std::string text;
+  for (std::size_t i = 0; i < (areSwapped ? 2 : a.size()); ++i) {
+    if (a[i] != b[i]) {
+      const std::string_view slip = DescribeSlip(i, a[i], b[i]);
+      text += text.empty() ? "" : "; ";
+      text += "column " + std::to_string(i + 1) + " is " + Quoted(b[i]) + ", not " + Quoted(a[i]);
+      text += slip.empty() ? "" : " (" + std::string(slip) + ")";
+    }
+  }
+  return areSwapped ? text + (text.empty() ? "" : "; ") + "columns 3 and 4 are swapped" : text;
+}
+
+/// A number for each column. Columns that differ slightly have the same one.
+using Fingerprint = std::array<std::uint32_t, 4>;
+
+std::uint32_t FingerprintOf(std::string_view text) {
+  std::string form = MeantNumber(text);
+  if (form.empty()) {
+    form = NS_ASCII::TrimView(text);
+    std::transform(form.begin(), form.end(), form.begin(), Lower);
+  }
+  return static_cast<std::uint32_t>(std::hash<std::string>()(form));
+}
+
+/// The wanted keys with the nearest keys visited so far.
+class Search {
+ public:
+  Search(const std::vector<AlarmKey>& wanted, std::size_t count)
+      : wanted_(wanted), count_(count), nearest_(wanted.size()) {
+    for (const AlarmKey& key : wanted_) {
+      Fingerprint& print = prints_.emplace_back();
+      const Columns columns = ColumnsOf(key);
+      std::transform(columns.begin(), columns.end(), print.begin(), FingerprintOf);
+    }
+  }
+
+  void Visit(const Entry& entry) {
+    Fingerprint print;
+    const Columns columns = ColumnsOf(entry.key);
+    std::transform(columns.begin(), columns.end(), print.begin(), [](std::string_view column) {
+      const std::optional<std::string> inner = Unquoted(column);
+      return FingerprintOf(inner ? *inner : column);
+    });
+    for (std::size_t i = 0; i < wanted_.size(); ++i) {
+      if (const std::size_t least = LeastDistance(prints_[i], print); least <= kFarthest) {
+        Offer(entry, least, wanted_[i], nearest_[i]);
+      }
+    }
+  }
+
+  std::vector<std::vector<Neighbour>> Take() {
+    for (std::vector<Neighbour>& nearest : nearest_) {
+      // Keys that differ by a typing mistake hide those with an altogether different column.
+      const auto other = std::find_if(nearest.begin(), nearest.end(), [](const Neighbour& neighbour) {
+        return neighbour.distance >= kWholly;
+      });
+      if (other != nearest.begin()) {
+        nearest.erase(other, nearest.end());
+      }
+    }
+    return std::move(nearest_);
+  }
+
+ private:
+  static std::size_t LeastDistance(const Fingerprint& a, const Fingerprint& b) {
+    const std::size_t firstTwo = (a[0] != b[0] ? 1U : 0U) + (a[1] != b[1] ? 1U : 0U);
+    const std::size_t lastTwo = (a[2] != b[2] ? 1U : 0U) + (a[3] != b[3] ? 1U : 0U);
+    const bool maySwap = a[2] == b[3] && a[3] == b[2];
+    return (firstTwo + (maySwap ? 0 : lastTwo)) * kWholly;
+  }
+
+  void Offer(const Entry& entry, std::size_t least, const AlarmKey& wanted,
+             std::vector<Neighbour>& nearest) const {
+    const auto isNearer = [](const Neighbour& a, const Neighbour& b) { return a.distance < b.distance; };
+    const auto isTooFar = [&](std::size_t distance) {
+      return distance > kFarthest || (nearest.size() == count_ && distance >= nearest.back().distance);
+    };
+    if (isTooFar(least)) {
+      return;
+    }
+    Neighbour neighbour{DistanceOf(wanted, entry.key), entry.place, ""};
+    if (!isTooFar(neighbour.distance)) {
+      neighbour.difference = Describe(wanted, entry.key);
+      nearest.insert(std::upper_bound(nearest.begin(), nearest.end(), neighbour, isNearer),
+                     std::move(neighbour));
+      nearest.resize(std::min(nearest.size(), count_));
+    }
+  }
+
+  const std::vector<AlarmKey>& wanted_;
+  const std::size_t count_;
+  std::vector<Fingerprint> prints_;
+  std::vector<std::vector<Neighbour>> nearest_;
+};
 
 }  // namespace
 
-Neighbour Compare(const AlarmKey& wanted, const AlarmKey& present) {
-  Neighbour neighbour;
-  std::string& difference = neighbour.difference;
-  neighbour.distance = CompareColumn(1, wanted.key1, present.key1, difference);
-  neighbour.distance += CompareColumn(2, wanted.key2, present.key2, difference);
-  if (wanted.key3 == present.numKey && wanted.numKey == present.key3) {
-    difference += difference.empty() ? "" : "; ";
-    difference += "columns 3 and 4 are swapped";
-    neighbour.distance += kSlightly;
-  } else {
-    neighbour.distance += CompareColumn(3, wanted.key3, present.key3, difference);
-    neighbour.distance += CompareColumn(4, wanted.numKey, present.numKey, difference);
-  }
-  if (neighbour.distance > kFarthest) {
-    difference.clear();
-  }
-  return neighbour;
-}
-
-std::vector<Neighbour> FindNearest(const LoadedTable& table, const AlarmKey& wanted, std::size_t count) {
-  std::vector<Neighbour> nearest;
-  const auto isNearer = [](const Neighbour& a, const Neighbour& b) { return a.distance < b.distance; };
-  table.ForEach([&](const Entry& entry) {
-    Neighbour neighbour = Compare(wanted, entry.key);
-    if (neighbour.difference.empty() || (nearest.size() == count && !isNearer(neighbour, nearest.back()))) {
-      return;
-    }
-    neighbour.place = entry.place;
-    nearest.insert(std::upper_bound(nearest.begin(), nearest.end(), neighbour, isNearer),
-                   std::move(neighbour));
-    nearest.resize(std::min(nearest.size(), count));
-  });
-  // Keys that differ by a typing mistake hide those with an altogether different column.
-  const auto other = std::find_if(nearest.begin(), nearest.end(),
-                                  [](const Neighbour& neighbour) { return neighbour.distance >= kWholly; });
-  if (other != nearest.begin()) {
-    nearest.erase(other, nearest.end());
-  }
-  return nearest;
+std::vector<std::vector<Neighbour>> FindNearest(const LoadedTable& table, const std::vector<AlarmKey>& wanted,
+                                                std::size_t count) {
+  Search search(wanted, count);
+  table.ForEach([&search](const Entry& entry) { search.Visit(entry); });
+  return search.Take();
 }
 
 }  // namespace almcfg

@@ -18,15 +18,13 @@ struct Neighbour {
   std::string difference;  ///< in words
 };
 
-/// Describes how two similar keys differ: in case, quotation marks, edge blanks or the spelling of the
-/// number; in the order of columns 3 and 4; or in one column, which is entirely different. The description is
-/// empty for other keys.
-Neighbour Compare(const NS_ASCII::AlarmKey& wanted, const NS_ASCII::AlarmKey& present);
-
-/// At most `count` keys in force, nearest first, equally near ones in the order of the files. Keys with an
-/// entirely different column are returned only when there are no nearer ones.
-std::vector<Neighbour> FindNearest(const LoadedTable& table, const NS_ASCII::AlarmKey& wanted,
-                                   std::size_t count);
+/// For each wanted key at most `count` keys in force, nearest first, equally near ones in the order of the
+/// files. Similar keys differ in case, quotation marks, edge blanks or the spelling of the number; in the
+/// order of columns 3 and 4; or in one column, which is entirely different. Those are returned only when there
+/// are no nearer ones. Visits the table once, and compares a few numbers for each pair of keys.
+std::vector<std::vector<Neighbour>> FindNearest(const LoadedTable& table,
+                                                const std::vector<NS_ASCII::AlarmKey>& wanted,
+                                                std::size_t count);
 
 }  // namespace almcfg
 

@@ -1,4 +1,4 @@
-// Opens, checks and reads files; each is closed before the call ends. One thread at a time.
+// Opens, checks and reads files; each is closed with the buffer that reads it. One thread at a time.
 
 #include "tools/almcfg/read/input_file.h"
 
@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <memory>
+#include <string_view>
 #include <system_error>
 
 namespace almcfg {
@@ -93,26 +93,56 @@ bool IsSilentPipe(const InputFile& file) {
          poll(&waiting, 1, 0) == 0;
 }
 
-}  // namespace
+/// The buffer of a stream, refilled from the file.
+class InputBuffer : public std::streambuf {
+ public:
+  explicit InputBuffer(const std::string& path) : file_(path), bytes_(new char[kReadBytes]) {
+    RequireText(file_.fd());
+    if (IsSilentPipe(file_)) {
+      // A pipe whose writer has not written yet reads as "try again".
+      const ssize_t count = read(file_.fd(), bytes_.get(), kReadBytes);
+      if (count == 0) {
+        throw ReadError("Nothing writes to this pipe", Obstacle::kSilentPipe);
+      }
+      SetEnd(count < 0 ? 0 : static_cast<std::size_t>(count));
+    }
+  }
 
-void RequireReadable(const std::string& path) { RequireText(InputFile(path).fd()); }
+  /// The next bytes, valid until the next call; empty at the end.
+  std::string_view Next() {
+    underflow();
+    const std::string_view bytes(gptr(), static_cast<std::size_t>(egptr() - gptr()));
+    SetEnd(0);
+    return bytes;
+  }
+
+ protected:
+  int_type underflow() override {
+    if (gptr() == egptr()) {
+      SetEnd(ReadSome(file_, bytes_.get(), kReadBytes));
+    }
+    return gptr() == egptr() ? traits_type::eof() : traits_type::to_int_type(*gptr());
+  }
+
+ private:
+  void SetEnd(std::size_t count) { setg(bytes_.get(), bytes_.get(), bytes_.get() + count); }
+
+  const InputFile file_;
+  const std::unique_ptr<char[]> bytes_;
+};
+
+}  // namespace
 
 void ReadBytes(const std::string& path,
                const std::function<void(const char* bytes, std::size_t count)>& take) {
-  const InputFile file(path);
-  RequireText(file.fd());
-  const std::unique_ptr<char[]> buffer(new char[kReadBytes]);
-  if (IsSilentPipe(file)) {
-    // A pipe whose writer has not written yet reads as "try again".
-    const ssize_t count = read(file.fd(), buffer.get(), kReadBytes);
-    if (count == 0) {
-      throw ReadError("Nothing writes to this pipe", Obstacle::kSilentPipe);
-    }
-    take(buffer.get(), count < 0 ? 0 : static_cast<std::size_t>(count));
+  InputBuffer input(path);
+  for (std::string_view bytes = input.Next(); !bytes.empty(); bytes = input.Next()) {
+    take(bytes.data(), bytes.size());
   }
-  while (const std::size_t count = ReadSome(file, buffer.get(), kReadBytes)) {
-    take(buffer.get(), count);
-  }
+}
+
+std::unique_ptr<std::streambuf> OpenInput(const std::string& path) {
+  return std::make_unique<InputBuffer>(path);
 }
 
 }  // namespace almcfg

@@ -3,11 +3,12 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <stdexcept>
+#include <streambuf>
 #include <string>
 
-/// Reads files and standard input, and refuses input that would never end. Holds no file open after a call.
-/// Threads: one at a time.
+/// Reads files and standard input, and refuses input that would never end. Threads: one at a time.
 namespace almcfg {
 
 /// The reason why a file cannot be read here. What a load does with the file depends on it.
@@ -33,8 +34,9 @@ class ReadError : public std::runtime_error {
 void ReadBytes(const std::string& path,
                const std::function<void(const char* bytes, std::size_t count)>& take);
 
-/// Throws `ReadError` when the file `path` cannot be opened, is a directory, or is a device that may have no end.
-void RequireReadable(const std::string& path);
+/// Opens the same input for a stream. Opening and reading throw `ReadError`; a stream passes it on when its
+/// exceptions include `badbit`. The file is closed with the buffer.
+std::unique_ptr<std::streambuf> OpenInput(const std::string& path);
 
 }  // namespace almcfg
 
