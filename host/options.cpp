@@ -21,12 +21,11 @@ std::string Footer() {
   std::ostringstream text;
   text << "Commands, also for files and the console:\n";
   PrintCommands(text);
-  text
-      << "\n'bundle_host help COMMAND' describes one of these. Words of a line are separated by "
-         "blanks;\n"
-      << "between '...' or \"...\" every byte stands for itself; # at the start of a word begins a comment.\n"
-      << "Exit code: 0 done, 1 failed, 2 wrong usage, 128+N ended by signal N. The environment variable "
-      << kConfigDirVariable << "\nnames the configuration directory when --config-dir does not.\n";
+  text << "\n'bundle_host help COMMAND' describes one of these. Words of a line are separated by "
+          "blanks;\n"
+       << "between '...' or \"...\" every byte is literal; # at the start of a word begins a comment.\n"
+       << "Exit code: 0 done, 1 failed, 2 wrong usage, 128+N ended by signal N. The environment variable "
+       << kConfigDirVariable << "\nnames the configuration directory when --config-dir does not.\n";
   return text.str();
 }
 
@@ -81,8 +80,9 @@ std::variant<Options, std::string> ParseOptions(int argc, const char* const* arg
       ->check(RefuseEmptyName);
   app.add_option("--log-level", level, "The lowest level to log: 0 (everything), 1, 2 or off")
       ->type_name("LEVEL");
-  app.add_flag("--echo", options.echo, "Print the lines of a command file before what they do");
-  app.add_flag("--keep-going", options.keepGoing, "Run a command file to its end, and count what failed");
+  app.add_flag("--echo", options.echo, "Print each line of a command file before its output");
+  app.add_flag("--keep-going", options.keepGoing,
+               "Run a command file to its end, and count the commands that fail");
   app.prefix_command();
   app.footer(Footer());
   try {

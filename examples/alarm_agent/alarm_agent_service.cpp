@@ -44,7 +44,7 @@ int AlarmAgent::fini() {
 int AlarmAgent::init(int argc, ACE_TCHAR* argv[]) {
   try {
     if (run_ != nullptr) {
-      throw SetupError("a run is going on; unload the bundle first");
+      throw SetupError("the agent is running already; unload the bundle first");
     }
     const AgentOptions options = ParseOptions(argc, argv);
     run_ = std::make_unique<AgentRun>(options, FetchUtil());

@@ -105,7 +105,7 @@ bool FeedReader::Fill() {
       continue;
     }
     if (got < 0) {
-      problem_ = "the feed \"" + name_ + "\" cannot be read on: " + ErrorText(errno);
+      problem_ = "the feed \"" + name_ + "\" cannot be read further: " + ErrorText(errno);
     }
     ended_ = true;
   }

@@ -190,7 +190,7 @@ std::vector<Command> CallCommands() {
        "call an operation of AsciiUtilInterface or a text function", OperationList(), 1, kAnyNumber,
        Completes::kOperations, ParseCall},
       {"time", "COUNT call OPERATION [ARGUMENT...]", "repeat a call, print the median and the rate",
-       "The time includes turning the arguments into values. Log records are counted, not shown.\n", 3,
+       "The time includes the conversion of the arguments. Log records are counted, not shown.\n", 3,
        kAnyNumber, Completes::kOperations, ParseTime},
   };
 }

@@ -47,7 +47,7 @@ Action ParseUnset(const Words& words) {
 std::vector<Command> ItemCommands() {
   return {
       {"items", "[--json]", "list the configuration items", "", 0, 1, Completes::kNothing, ParseItems},
-      {"set", "ITEM INTEGER", "set a configuration item", "The next read of the item sees it.\n", 2, 2,
+      {"set", "ITEM INTEGER", "set a configuration item", "The next read of the item returns it.\n", 2, 2,
        Completes::kItems, ParseSet},
       {"unset", "ITEM", "remove a configuration item", "", 1, 1, Completes::kItems, ParseUnset},
   };

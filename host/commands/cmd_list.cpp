@@ -95,19 +95,17 @@ Action ParseListing(const Words& words, Table (*list)(const Session&)) {
 std::vector<Command> ListCommands() {
   return {
       {"bundles", "[--json]", "list the loaded bundles",
-       "NAME is what reload, unload and init take; BUNDLE and SERVICE are how its service object is listed. "
-       "FILE is\n"
-       "\"changed\" when the library's file is not the one that was loaded; BUILD is the build id of the "
-       "code "
-       "that runs.\n",
+       "NAME is what reload, unload and init take; BUNDLE and SERVICE are the names of its service object.\n"
+       "FILE is \"changed\" when the library's file is not the one that was loaded; BUILD is the build id "
+       "of\n"
+       "the code that runs.\n",
        0, 1, Completes::kNothing, ParseBundles},
       {"services", "[--json]", "list the living service objects and their interfaces",
-       "INTERFACE is what the interface calls itself; VALID is its answer to IsValid.\n", 0, 1,
+       "INTERFACE is the name that the interface returns; VALID is the result of its IsValid.\n", 0, 1,
        Completes::kNothing, ParseServices},
       {"interfaces", "[--json]", "list the names of the interface registry",
-       "A name that is \"never registered\" was looked up and is still missing. COUNT is how "
-       "many\n"
-       "living interfaces have the name; the one registered last is used.\n",
+       "A name that is \"never registered\" was looked up and is still missing. COUNT is the number of\n"
+       "interfaces that have the name now; callers get the one registered last.\n",
        0, 1, Completes::kNothing, ParseInterfaces},
   };
 }

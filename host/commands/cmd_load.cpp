@@ -67,8 +67,8 @@ std::vector<Command> LoadCommands() {
        "library or, like the recorder, passes calls on to the bundle's interface.\n",
        1, 1, Completes::kBundles, ParseReload},
       {"unload", "NAME", "call fini, destroy the service object and unmap the library",
-       "Says whether the process has the library still mapped and, if so, why. Other bundles must have\n"
-       "dropped the interfaces that they fetched from it. Refused while another loaded bundle is linked\n"
+       "Reports whether the library is still mapped and, if so, why. Other bundles must have dropped the\n"
+       "interfaces that they fetched from it. Refused while another loaded bundle is linked\n"
        "against the library or, like the recorder, passes calls on to the bundle's interface.\n",
        1, 1, Completes::kBundles, ParseUnload},
   };

@@ -206,9 +206,9 @@ std::vector<Command> ReplayCommands() {
   return {
       {"replay", "FILE [--operations NAME,...] [--max-differences N] [--compare-configuration] [--json]",
        "make the calls of a recording again and compare the answers",
-       "Prints the first 20 (--max-differences) calls that have another answer, and a table by\n"
-       "operation with median durations in nanoseconds; those of now include turning the values of the\n"
-       "file into arguments. Fails when an answer differs. GetTimeStamp and WriteDbgLog are not compared,\n"
+       "Prints the first 20 (--max-differences) calls whose answers differ, and a table by operation with\n"
+       "median durations in nanoseconds; the present ones include the conversion of the file's values into\n"
+       "arguments. Fails when an answer differs. GetTimeStamp and WriteDbgLog are not compared,\n"
        "nor is GetAlmCfgValue when another AlarmConfig.csv is loaded, unless --compare-configuration asks\n"
        "for it. Log records of the calls are not shown.\n",
        1, kAnyNumber, Completes::kFiles, ParseReplay},

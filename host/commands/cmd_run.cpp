@@ -32,7 +32,7 @@ bool HasAsWords(const std::string& text, const std::string& part) {
 
 std::string TextToExpect(const Words& words) {
   if (words[1].empty()) {
-    throw UsageError(words[0] + ": '' is in every text; give a part of the one that is expected", 1);
+    throw UsageError(words[0] + ": '' occurs in every text; give a part of the expected one", 1);
   }
   return words[1];
 }

@@ -32,7 +32,7 @@ Action Guarded(const std::string& name, Action action) {
     } catch (const Problem&) {
       throw;
     } catch (...) {
-      throw Failure(name + ": an exception came out: " + CurrentExceptionText());
+      throw Failure(name + ": unexpected exception: " + CurrentExceptionText());
     }
   };
 }

@@ -54,7 +54,7 @@ bool IsPlainName(const std::string& name) {
 void RequireScannable(const std::string& name, const std::string& directive) {
   constexpr std::size_t kMost = 4094;
   if (name.size() > kMost) {
-    throw UsageError("'" + name + "' is too long a name; ACE holds " + std::to_string(kMost) + " bytes");
+    throw UsageError("'" + name + "' is too long for a name; ACE holds " + std::to_string(kMost) + " bytes");
   }
   if (!IsPlainName(name)) {
     throw UsageError(

@@ -44,7 +44,7 @@ AgentOptions Options(const TempDirectory& dir, const std::string& feed, int work
 }
 
 // The two threads that run wait for the pipe.
-TEST(AgentRun, EndsTheThreadsThatItHasWhenTheSystemRefusesOne) {
+TEST(AgentRun, EndsItsThreadsWhenTheSystemRefusesOne) {
   const TempDirectory dir;
   NS_ASCII::AsciiUtilInterfaceImpl util;
   const std::string pipe = dir / "pipe";
@@ -74,8 +74,8 @@ TEST(AgentRun, ReportsAFeedThatCannotBeRead) {
   ASSERT_EQ(ready, 1) << "nothing was reported";
   char text[256] = {};
   EXPECT_GT(::read(reader.get(), text, sizeof text - 1), 0);
-  EXPECT_STREQ(text,
-               "alarm_agent_example: the feed \"/proc/self/mem\" cannot be read on: Input/output error\n");
+  EXPECT_STREQ(
+      text, "alarm_agent_example: the feed \"/proc/self/mem\" cannot be read further: Input/output error\n");
 }
 
 }  // namespace

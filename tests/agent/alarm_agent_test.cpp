@@ -24,8 +24,8 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-// The pool's window, plus the lines that four threads are working on: when two lines are this far apart, the
-// message of the second is made after that of the first was written.
+// The pool's window, plus the lines that four threads are working on: when two lines are at least this far
+// apart, the message of the first is written before that of the second is made.
 constexpr std::size_t kInHand = 256 + 4;
 
 int Load(const std::string& name, const std::string& arguments = "") {
@@ -204,7 +204,7 @@ TEST_F(AlarmAgentTest, RunsAgainAfterFiniWithoutAnUnload) {
     host::AceComplaints complaints;
     EXPECT_EQ(agent->init(4, arguments.data()), -1);
     EXPECT_THAT(complaints.Text(),
-                HasSubstr("alarm_agent_example: a run is going on; unload the bundle first"));
+                HasSubstr("alarm_agent_example: the agent is running already; unload the bundle first"));
   }
   EXPECT_EQ(agent->fini(), 0);
   EXPECT_EQ(agent->fini(), 0);

@@ -120,7 +120,7 @@ TEST(FeedReader, ALineOverTheLimitIsCutAndMarkedAndTheNextOneIsWhole) {
   EXPECT_EQ(line.text, "z");
 }
 
-TEST(FeedReader, ALineThatWasCutStaysMarkedThoughItsEndComesInAChunkOfItsOwn) {
+TEST(FeedReader, ALineThatWasCutStaysMarkedWhenItsEndIsInTheNextChunk) {
   const TempDirectory dir;
   FeedReader reader(dir.Write("feed", std::string(2 * FeedReader::kMaxLine, 'x') + "\n"));
   FeedLine line;
@@ -147,14 +147,14 @@ TEST(FeedReader, ADirectoryIsRefused) {
             "the feed \"" + (dir / ".") + "\" is a directory; a file or a pipe is needed");
 }
 
-TEST(FeedReader, AFeedThatBreaksOffSaysWhy) {
+TEST(FeedReader, AFeedThatCannotBeReadFurtherSaysWhy) {
   // /proc/self/mem can be opened, but reading it at 0 fails, where nothing is mapped.
   FeedReader reader("/proc/self/mem");
   EXPECT_EQ(NextText(reader), std::nullopt);
-  EXPECT_EQ(reader.Problem(), "the feed \"/proc/self/mem\" cannot be read on: Input/output error");
+  EXPECT_EQ(reader.Problem(), "the feed \"/proc/self/mem\" cannot be read further: Input/output error");
 }
 
-TEST(FeedReader, AFileIsReadToItsEndThoughAnEndIsAskedFor) {
+TEST(FeedReader, AFinishStillReadsAFileToItsEnd) {
   const TempDirectory dir;
   FeedReader reader(dir.Write("feed", "a\nb\nc\n"));
   EXPECT_EQ(NextText(reader), "a");
@@ -162,14 +162,14 @@ TEST(FeedReader, AFileIsReadToItsEndThoughAnEndIsAskedFor) {
   EXPECT_THAT(AllTexts(reader), ElementsAre("b", "c"));
 }
 
-TEST(FeedReader, WhatAPipeHoldsIsStillReadWhenAnEndIsAskedForAndNothingIsWaitedFor) {
+TEST(FeedReader, AFinishReadsWhatThePipeHoldsAndWaitsForNothing) {
   Pipe pipe;
   pipe.Write("a\nb\nhalf");
   pipe.reader.Finish();
   EXPECT_THAT(AllTexts(pipe.reader), ElementsAre("a", "b", "half"));
 }
 
-TEST(FeedReader, AnEmptyPipeEndsAtOnceWhenAnEndIsAskedFor) {
+TEST(FeedReader, AFinishEndsAnEmptyPipeAtOnce) {
   Pipe pipe;
   pipe.reader.Finish();
   EXPECT_THAT(AllTexts(pipe.reader), ElementsAre());
@@ -184,7 +184,7 @@ TEST(FeedReader, OpensAPipeWithoutWaitingForAWriter) {
   const UniqueFd writer(::open(path.c_str(), O_RDWR | O_CLOEXEC));  // Releases a reader that waits.
 }
 
-TEST(FeedReader, AnEndThatIsAskedForEndsAWait) {
+TEST(FeedReader, AFinishEndsAWait) {
   Pipe pipe;
   std::promise<void> hasFirst;
   std::vector<std::string> texts;
@@ -200,7 +200,7 @@ TEST(FeedReader, AnEndThatIsAskedForEndsAWait) {
   EXPECT_THAT(texts, ElementsAre("a"));
 }
 
-TEST(FeedReader, KnowsItsOwnFile) {
+TEST(FeedReader, RecognisesItsOwnFile) {
   const TempDirectory dir;
   const FeedReader reader(dir.Write("feed", ""));
   const UniqueFd same(::open((dir / "feed").c_str(), O_RDONLY));

@@ -136,7 +136,7 @@ class Loading(HostTest):
         self.assertEqual(done.returncode, 1)
         self.assertIn("its exterminator did not destroy the service object", done.stderr)
 
-    def test_what_a_bundle_complains_about_while_it_loads_well_is_logged(self):
+    def test_messages_of_a_successful_load_are_logged(self):
         done = self.host("-b", broken("lazy_exterminator"), "bundles")
         self.assertIn(" [-] ACE:0 -: a warning of init\n", done.stderr)
 
@@ -281,7 +281,7 @@ class Loading(HostTest):
             ("suspend a b\n", ":1:1: ", "'suspend' takes the name of a service and nothing after it"),
             (f"dynamic a.b Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "a.b: not a valid bundle name"),
             (f"dynamic active Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "active: not a valid bundle name"),
-            (f"dynamic {'a' * 4097} Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", " is too long a name"),
+            (f"dynamic {'a' * 4097} Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", " is too long for a name"),
             (f"dynamic 1a Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n", ":1:1: ", "1a: not a valid bundle name"),
             ("remove absent\n", ":1:1: ", "no bundle 'absent' is loaded"),
             ("\xef\xbb\xbfremove absent\n", ":1:1: ", "a byte order mark"),

@@ -46,7 +46,7 @@ class Expect(HostTest):
         self.assert_fails(self.script("log\ncall Nonsense\n\0\n"), 1, "stdin:2:6: no operation")
 
     def test_an_empty_text_is_refused(self):
-        self.assert_fails(self.script("log\nexpect ''\n"), 1, "stdin:2:8: expect: '' is in every text")
+        self.assert_fails(self.script("log\nexpect ''\n"), 1, "stdin:2:8: expect: '' occurs in every text")
 
     def test_the_echo_of_a_line_is_not_what_a_command_printed(self):
         self.assert_fails(self.script("log\nexpect nowhere\n", "--echo"), 1, "expected 'nowhere'")
@@ -218,7 +218,7 @@ class Files(HostTest):
         self.assert_fails(done, 1, "stdin:1:1: no command 'xxx")
         self.assertLess(len(done.stderr), 2100)
 
-    def test_what_is_too_long_to_be_meant_is_not_compared_with_anything(self):
+    def test_no_name_is_suggested_for_a_very_long_word(self):
         done = self.loaded("run", "-", stdin=f"set {'a' * 40_000} 1\nunset {'b' * 40_001}\n")
         self.assert_fails(done, 1, "there is no item 'bbb")
         self.assertIn("'items' lists them", done.stderr)

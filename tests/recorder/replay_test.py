@@ -134,7 +134,7 @@ expect 'is unmapped'
         self.assertIn("\n3 more differences\n", done.stdout)
         self.assertRegex(done.stdout, r"\nToUpper +5 +0 +5 +0 ")
 
-    def test_another_configuration_is_said_first_and_not_compared(self):
+    def test_another_configuration_is_reported_first_and_not_compared(self):
         self.record()
         file = self.config / "ii_asciiagent_bundle/AlarmConfig.csv"
         file.write_text("COM\tBTS\tLOS\t7\t4\n")

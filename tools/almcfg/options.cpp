@@ -87,7 +87,7 @@ OptionSpec Flag(const std::string& name, const std::string& help, bool Options::
 }
 
 OptionSpec StdinNameOption() {
-  return {"--stdin-name", "NAME", "What messages call standard input",
+  return {"--stdin-name", "NAME", "The name of standard input in messages",
           [](Options& options, const std::string& name) { options.stdinName = name; }};
 }
 
@@ -253,7 +253,7 @@ void WriteHelp(const CommandSpec& spec) {
     }
   }
   std::cout
-      << "\nWhat starts with \"-\" and no digit, but is not an option, goes after \"--\".\nExit status: "
+      << "\nGive a file or key that starts with \"-\" after \"--\", unless it is a number.\nExit status: "
       << spec.exitHelp << ".\n";
 }
 
@@ -372,7 +372,7 @@ void Complete(Options& options) {
   }
   RequireFiles(options);
   if (options.command == Command::kCoverage && options.calls.empty()) {
-    throw Mistake("coverage: --calls RECORDING is needed, what callers asked for");
+    throw Mistake("coverage: --calls RECORDING is needed; it holds what callers asked for");
   }
   if (options.command == Command::kShow && !options.calls.empty() && options.format != Format::kHtml) {
     throw Mistake("show: --calls needs --format html; almcfg coverage reports as text or JSON");

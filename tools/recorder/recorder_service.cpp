@@ -130,7 +130,7 @@ void RecorderService::PutInFront(AsciiUtilInterface& implementation) {
   const std::vector<ServiceInterface*> now = Registered();
   isKeptAfter_ = std::find(now.begin(), now.end(), implementation_) != now.end();
   if (now.empty() || now.front() != interface_) {
-    throw SetupError("the platform's registry does not let a later registration lead");
+    throw SetupError("the platform's registry does not return the interface that was registered last");
   }
 }
 

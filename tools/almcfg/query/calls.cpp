@@ -105,7 +105,7 @@ void ReadTable(std::istream& file, LineProblems& problems, Calls& calls) {
     std::uint32_t count = 1;  // So small that no sum overflows.
     if (columns.size() != 4 && columns.size() != 5) {
       problems.Add(number, 1,
-                   "neither a record nor KEY1, KEY2, KEY3, NUMBER and perhaps a count between TABs");
+                   "neither a record nor KEY1, KEY2, KEY3, NUMBER and an optional count, separated by TABs");
     } else if (!ParseNumber(columns[3].text, wanted)) {
       problems.Add(number, columns[3].at + 1, "the fourth column is not a 32-bit decimal integer");
     } else if (columns.size() == 5 && !ParseNumber(columns[4].text, count)) {
@@ -149,9 +149,8 @@ bool ReadCalls(const Options& options, const Outputs& outputs, Calls& calls) {
   }
   if (calls.counts.empty()) {
     report(
-        "holds no call of GetAlmCfgValue; give a recording, or lines of KEY1, KEY2, KEY3, NUMBER and perhaps "
-        "a "
-        "count between TABs");
+        "holds no call of GetAlmCfgValue; give a recording, or lines of KEY1, KEY2, KEY3, NUMBER and an "
+        "optional count, separated by TABs");
   }
   return !calls.counts.empty();
 }

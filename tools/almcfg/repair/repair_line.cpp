@@ -169,7 +169,7 @@ class LineRepairer {
       RemoveTrailingSlashes();
       RepairCells(Code::kEdgeBlank, "removed the blanks at the edge of ",
                   [](std::string_view cell, std::size_t /*index*/) { return std::string(TrimEdges(cell)); });
-      RepairCells(Code::kNumberNeverMatches, "wrote as callers ask for it ",
+      RepairCells(Code::kNumberNeverMatches, "wrote the plain number in ",
                   [](std::string_view cell, std::size_t index) {
                     const std::string meant = index == 3 ? MeantNumber(cell) : std::string();
                     return meant.empty() ? std::string(cell) : meant;
