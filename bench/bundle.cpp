@@ -1,3 +1,6 @@
+// Loads copies of a bundle's library and calls them. Each object owns its copy and the service object in it. One
+// thread at a time loads; the operations may be called from any thread.
+
 #include "bench/bundle.h"
 
 #include <dlfcn.h>

@@ -1,3 +1,5 @@
+// Generates the inputs of the comparisons from fixed seeds. No state, the results are copies; any thread may call.
+
 #include "bench/inputs.h"
 
 #include <algorithm>

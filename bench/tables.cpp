@@ -1,3 +1,6 @@
+// Tables that hold the alarm configuration in other containers. Each table owns its file's mapping and its
+// memory; bench/tables.h says which ones may be read during a load.
+
 #include "bench/tables.h"
 
 #include <fcntl.h>

@@ -1,3 +1,5 @@
+// A file in memory, made by memfd_create. The object owns its descriptor. One thread at a time.
+
 #include "fuzz/memory_file.h"
 
 #include <sys/mman.h>

@@ -1,8 +1,8 @@
 // The host's file of configuration items.
 //
-// Holds for every file: it is read or refused with one line of text that says where it is wrong, and a
-// refused one changes nothing; an item that can be read as an integer is one by the rule for such texts;
-// reading the file again changes nothing. Input: the file.
+// Holds for every file: it is read, or refused with one line of text that names the place; a refused file
+// changes nothing; an item is readable exactly when its text is an integer; reading the file again changes
+// nothing. Input: the file.
 
 #include <map>
 #include <string>

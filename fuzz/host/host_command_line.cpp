@@ -1,8 +1,8 @@
 // The host's command lines: splitting into words, checking against the table of commands, escapes.
 //
-// Holds for every line: it is split or refused with one line of text, nothing else; the words, quoted, are
-// split into themselves; a line that is split is checked or refused with one line of text; an escaped text is
-// itself again. Input: the line.
+// Holds for every line: it is split, or refused with one line of text; the words, written in quotes, are split
+// into the same words; a line that is split is parsed as a command, or refused with one line of text; unescaping
+// an escaped text gives the text. Input: the line.
 
 #include <string>
 

@@ -1,8 +1,8 @@
 // The reader of recordings.
 //
-// Holds for every file: each line is a head, a record whose values are those of its operation's signature, a
-// tail, or a problem that is one line of printable text with a column of that line. Holds for every text: it
-// comes back as it was written. Input: the file, and at the same time the text.
+// Holds for every file: each line is a head, a record whose values have the kinds of its operation's signature,
+// a tail, or a problem: one line of printable text with a column of that line. Holds for every text: written and
+// read, it is unchanged. Input: the file; the same bytes are also the text.
 
 #include <algorithm>
 #include <sstream>

@@ -96,9 +96,8 @@ std::vector<Command> ListCommands() {
   return {
       {"bundles", "[--json]", "list the loaded bundles",
        "NAME is what reload, unload and init take; BUNDLE and SERVICE are the names of its service object.\n"
-       "FILE is \"changed\" when the library's file is not the one that was loaded; BUILD is the build id "
-       "of\n"
-       "the code that runs.\n",
+       "FILE is \"changed\" when the library's file is not the one that was loaded; BUILD is the build id\n"
+       "of the code that runs.\n",
        0, 1, Completes::kNothing, ParseBundles},
       {"services", "[--json]", "list the living service objects and their interfaces",
        "INTERFACE is the name that the interface returns; VALID is the result of its IsValid.\n", 0, 1,

@@ -22,7 +22,7 @@ std::string ComplaintAbout(const std::vector<const char*>& arguments) {
   return "none";
 }
 
-TEST(AgentOptions, WithoutArgumentsItIsTheStandardStreamsAndOneWorker) {
+TEST(AgentOptions, WithoutArgumentsTheyAreTheStandardStreamsAndOneWorker) {
   const AgentOptions options = Parse({});
   EXPECT_EQ(options.feed, "");
   EXPECT_EQ(options.out, "");
@@ -30,7 +30,7 @@ TEST(AgentOptions, WithoutArgumentsItIsTheStandardStreamsAndOneWorker) {
   EXPECT_EQ(options.link, "https://noc.example/alarm");
 }
 
-TEST(AgentOptions, EveryOptionIsTakenInAnyOrder) {
+TEST(AgentOptions, EveryOptionIsAcceptedInAnyOrder) {
   const AgentOptions options =
       Parse({"--workers", "64", "--link", "http://x/", "--out", "o.txt", "--feed", "f.txt"});
   EXPECT_EQ(options.feed, "f.txt");
@@ -39,7 +39,7 @@ TEST(AgentOptions, EveryOptionIsTakenInAnyOrder) {
   EXPECT_EQ(options.link, "http://x/");
 }
 
-TEST(AgentOptions, AnUnknownOneIsNamedWithWhatThereIs) {
+TEST(AgentOptions, AnUnknownOptionIsNamedAndTheKnownOnesAreListed) {
   EXPECT_EQ(ComplaintAbout({"--fed", "x"}),
             "unknown argument \"--fed\"; there are --feed FILE, --out FILE, --workers N and --link BASE");
   EXPECT_EQ(ComplaintAbout({"feed.txt"}),

@@ -26,7 +26,7 @@ std::vector<std::string> Numbers(std::uint64_t last) {
   return numbers;
 }
 
-TEST(OrderedPool, HandsOnAResultForEachLineInOrder) {
+TEST(OrderedPool, PassesOnAResultForEachLineInOrder) {
   for (const int threads : {1, 2, 4, 16}) {
     CountingSource source{20'000};
     std::vector<std::string> results;
@@ -57,7 +57,7 @@ TEST(OrderedPool, ThreadsWorkAtTheSameTime) {
   EXPECT_EQ(results, Numbers(2));
 }
 
-TEST(OrderedPool, ASlowFirstLineHoldsTheOthersBackAndNoFurtherThanTheWindow) {
+TEST(OrderedPool, WhileTheFirstLineIsSlowOthersFinishUpToTheWindow) {
   constexpr std::uint64_t kLines = 3 * OrderedPool::kWindow;
   std::promise<void> release;
   std::atomic<std::uint64_t> worked = 0;

@@ -48,7 +48,7 @@ TEST(TextHash, ReadsNothingAfterTheText) {
 }
 
 // A hash that ignores a byte or its position would have far fewer values.
-TEST(TextHash, SeesEveryByteOfATextAndItsPlace) {
+TEST(TextHash, DependsOnEveryByteOfATextAndItsPosition) {
   for (std::size_t length = 1; length <= 33; ++length) {
     std::set<std::uint32_t> hashes;
     for (std::size_t place = 0; place < length; ++place) {
@@ -73,7 +73,7 @@ TEST(TextHash, DistinguishesAllTextsOfTwoBytes) {
   EXPECT_GE(hashes.size(), 65536U - 5U);
 }
 
-TEST(TextHash, SeesTheLengthOfEachText) {
+TEST(TextHash, DependsOnTheLengthOfEachText) {
   std::set<std::uint32_t> hashes;
   for (std::size_t length = 0; length < 200; ++length) {
     hashes.insert(HashOf({std::string(length, '\0')}));
@@ -85,7 +85,7 @@ TEST(TextHash, SeesTheLengthOfEachText) {
   EXPECT_NE(HashOf({"a", "b"}), HashOf({"b", "a"}));
 }
 
-TEST(TextHash, SeesEachOfTheTextsOfAKey) {
+TEST(TextHash, DependsOnEachTextOfAKey) {
   constexpr std::size_t kTexts = 4;
   for (std::size_t place = 0; place < kTexts; ++place) {
     std::set<std::uint32_t> hashes;
@@ -180,7 +180,7 @@ TEST(TextHash, SpreadsKeysThatCountUpwardsLikeRandomOnes) {
 
 // Without the secret key, an odd multiplier and a shift can be inverted: the second word of each text is
 // chosen so that it cancels the first one.
-TEST(TextHash, DoesNotLetTheSecondWordOfATextMakeUpForTheFirst) {
+TEST(TextHash, DoesNotLetTheSecondWordOfATextCancelTheFirst) {
   constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15U;
   std::set<std::uint32_t> hashes;
   for (std::uint64_t i = 0; i < 1000; ++i) {
@@ -196,7 +196,7 @@ TEST(TextHash, DoesNotLetTheSecondWordOfATextMakeUpForTheFirst) {
 }
 
 // A multiplication by 0 would lose the other factor; no author of a file may know a word that leads to it.
-TEST(TextHash, ForgetsNothingForWordsThatAreConstantsOfItsOwn) {
+TEST(TextHash, LosesNothingForWordsThatEqualItsConstants) {
   const HashKey preset;
   std::set<std::uint32_t> hashes;
   for (std::uint64_t i = 0; i < 1000; ++i) {

@@ -42,7 +42,7 @@ int ExpectedExit(const std::string& name) {
 
 class BrokenExample : public testing::TestWithParam<std::string> {};
 
-TEST_P(BrokenExample, IsExplainedInTheKnownWords) {
+TEST_P(BrokenExample, IsReportedAsInTheGoldenFile) {
   const auto outcome = RunAlmcfg({"check", "examples/broken/" + GetParam() + ".csv"});
   EXPECT_EQ(outcome.out, ReadFile(ProjectFolder() + "tests/almcfg/golden/" + GetParam() + ".txt"));
   EXPECT_EQ(outcome.err, "");

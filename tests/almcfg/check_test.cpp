@@ -37,13 +37,13 @@ std::string CheckWith(const std::string& redirection, const std::string& paths) 
   return almcfg_test::ReadFile(out.path());
 }
 
-TEST(Check, DoesNotTakeAFileForAMissingStandardInput) {
+TEST(Check, DoesNotConfuseAFileWithAClosedStandardInput) {
   const TempFile file(kGood);
   EXPECT_THAT(CheckWith("<&-", file.path() + " -"),
               HasSubstr("<stdin>:1:1: error: Bad file descriptor: there is nothing to check"));
 }
 
-TEST(Check, DoesNotTakeASilentPipeForAMissingStandardInput) {
+TEST(Check, DoesNotConfuseASilentPipeWithAClosedStandardInput) {
   const TempFile pipe("");
   unlink(pipe.path().c_str());
   ASSERT_EQ(mkfifo(pipe.path().c_str(), 0600), 0);

@@ -23,7 +23,7 @@ TEST(Checker, IsSilentAboutGoodLinesCommentsAndBlankLines) {
   EXPECT_THAT(Check(kGood + "\n# B\t\xFC\n#\n  \t \nA1/A2\tB1/B2\tC c\t-7\t-42\n"), IsEmpty());
 }
 
-TEST(Checker, TakesTheLimitsOf32Bits) {
+TEST(Checker, AcceptsTheLimitsOf32Bits) {
   EXPECT_THAT(Check("A\tB\tC\t2147483647\t2147483647\nA\tB\tC\t-2147483648\t-2147483648\n"), IsEmpty());
   EXPECT_THAT(Check("A\tB\tC\t2147483648\t2147483648\n"),
               ElementsAre("1:7+10 number-never-matches", "1:18+10 value-wraps"));
@@ -41,7 +41,7 @@ TEST(Checker, AcceptsEveryValueThatTheConversionAccepts) {
   EXPECT_THAT(Check("A\tB\tC\t7\t5\v\n"), ElementsAre("1:9+2 value-not-integer", "1:10+1 edge-blank"));
 }
 
-TEST(Checker, KnowsNumbersThatNoQueryAsksWith) {
+TEST(Checker, FindsNumbersThatNoQueryAsksWith) {
   for (const std::string number : {"07", "+7", " 7", "7 ", "-0", "seven", "7.0", "0x7"}) {
     const auto findings = CheckWhole("A\tB\tC\t" + number + "\t1\n");
     ASSERT_EQ(findings.size(), 1U) << number;
@@ -60,7 +60,7 @@ TEST(Checker, CountsColumnsOfABadLineFromItsFirstByte) {
   EXPECT_THAT(Check("A\tB\tC\t7\t1\tx\ty\n"), ElementsAre("1:11+3 too-many-columns"));
 }
 
-TEST(Checker, LooksForTheFaultThatTheBundleMet) {
+TEST(Checker, ReportsTheFaultThatTheBundleFindsFirst) {
   // Five good parts and an empty sixth: the empty one comes first.
   EXPECT_THAT(Check("A\tB\tC\t7\t1\t\tx\n"), ElementsAre("1:11+1 empty-column"));
   EXPECT_THAT(Check("A/B/C/D/E//F\tB\tC\t7\t1\n"), ElementsAre("1:11+1 empty-alternative"));
@@ -82,13 +82,13 @@ TEST(Checker, DoesNotTakeProseForALineWithBlanks) {
   EXPECT_THAT(Check("one, two and, three\n"), ElementsAre("1:1+19 too-few-columns"));
 }
 
-TEST(Checker, NamesAnEmptyLastColumnOnlyWhenItIsTheOneThatLacks) {
+TEST(Checker, NamesAnEmptyLastColumnOnlyWhenThatColumnIsMissing) {
   EXPECT_THAT(Check("A\tB\tC\t7\t\n"), ElementsAre("1:8+1 empty-edge-column"));
   EXPECT_THAT(Check("A\tB\t7\t\n"), ElementsAre("1:1+5 too-few-columns"));
   EXPECT_THAT(Check("A\tB\tC\t7\t1\t\n"), ElementsAre("1:10+1 outer-blank"));
 }
 
-TEST(Checker, FindsTheLineThatHadTheKeyLast) {
+TEST(Checker, NamesThePreviousLineWithTheKey) {
   const auto findings = CheckWhole(kGood + "A\tB\tC\t7\t2\nA\tB\tC\t7\t3\n");
   ASSERT_EQ(findings.size(), 2U);
   EXPECT_EQ(findings[0].code, almcfg::Code::kValueReplaced);
@@ -102,7 +102,7 @@ TEST(Checker, ReportsOneDuplicateForTwoLinesHoweverManyKeysTheyShare) {
   EXPECT_THAT(Check("A/B\tC\tE\t7\t1\nA/B\tC\tE\t7\t1\n"), ElementsAre("2:1+9 repeated-line"));
 }
 
-TEST(Checker, StopsLookingForDuplicatesWhereNoLoadGets) {
+TEST(Checker, ReportsNoDuplicatesThatALoadDoesNotReach) {
   const std::string endless(1023, 'x');
   EXPECT_THAT(Check(kGood + endless + "\n" + kGood + "A\n"),
               ElementsAre("2:1023+1 overlong-line", "4:1+1 too-few-columns"));
@@ -124,7 +124,7 @@ TEST(Checker, LetsALineOf1022CharactersPass) {
   EXPECT_THAT(Check(std::string(1022 - columns.size(), 'A') + columns + "\n"), IsEmpty());
 }
 
-TEST(Checker, KnowsAByteOrderMarkBeforeACommentFromOneBeforeAKey) {
+TEST(Checker, DistinguishesAByteOrderMarkBeforeACommentFromOneBeforeAKey) {
   EXPECT_THAT(Check("\xEF\xBB\xBF# x\n" + kGood), ElementsAre("1:1+3 byte-order-mark"));
   EXPECT_THAT(Check("\xEF\xBB\xBF" + kGood), ElementsAre("1:1+3 byte-order-mark"));
   EXPECT_THAT(Check(kGood + "\xEF\xBB\xBF" + kGood), ElementsAre("2:1+3 not-ascii"));
@@ -142,7 +142,7 @@ TEST(Checker, ReportsLineEndsOncePerFile) {
   EXPECT_THAT(Check("A\tB\tC\t7\t1"), ElementsAre("1:10+1 no-final-line-feed"));
 }
 
-TEST(Checker, SuspectsALineEndThatIsOnlyACr) {
+TEST(Checker, HintsAtALineEndThatIsACrAlone) {
   EXPECT_THAT(CheckWhole("A\tB\tC\t7\t1\rB\tB\tC\t7\t1\r").at(0).hint, HasSubstr("not with CR alone"));
 }
 

@@ -86,7 +86,7 @@ TEST(Coverage, SaysWhatIsServedWhatIsNotAndWhatNoQueryAskedFor) {
             "  1,234  \"COM\", \"BTS\", \"LOS\", \"7\": \"1\" in CONFIG:1\n");
 }
 
-TEST(Coverage, CountsTheCallsOfARecordingAndAddsUpToIt) {
+TEST(Coverage, CountsTheCallsOfARecordingInTotalsThatAddUp) {
   const std::string calls =
       R"({"recording":1,"time":"t","operations":[],"every":10,"library":"l","build_id":"b",)"
       R"("config_dir":"c","alarm_config":"a"})"

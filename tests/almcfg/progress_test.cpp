@@ -37,20 +37,20 @@ std::string Written(const Job& job) {
   return testing::internal::GetCapturedStderr();
 }
 
-TEST(Progress, SaysHowFarTheJobIsInOneLineThatIsWrittenOver) {
+TEST(Progress, ShowsTheProgressInOneLineThatIsOverwritten) {
   Progress progress(true, kAtOnce, kAtOnce);
   EXPECT_EQ(Written([&] { progress.Show("a\tb", "read", 1234567); }), "\r\x1b[Ka→b: 1,234,567 lines read");
   EXPECT_EQ(Written([&] { progress.Show("a", "checked", 2); }), "\r\x1b[Ka: 2 lines checked");
 }
 
-TEST(Progress, IsTakenAwayOnce) {
+TEST(Progress, IsErasedOnce) {
   Progress progress(true, kAtOnce, kAtOnce);
   Written([&] { progress.Show("a", "read", 1); });
   EXPECT_EQ(Written([&] { progress.Hide(); }), "\r\x1b[K");
   EXPECT_EQ(Written([&] { progress.Hide(); }), "");
 }
 
-TEST(Progress, IsTakenAwayAtTheEnd) {
+TEST(Progress, IsErasedAtTheEnd) {
   EXPECT_THAT(Written([] { Progress(true, kAtOnce, kAtOnce).Show("a", "read", 1); }),
               EndsWith("read\r\x1b[K"));
 }

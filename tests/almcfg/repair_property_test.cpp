@@ -137,8 +137,8 @@ bool HasMarks(const NS_ASCII::AlarmKey& key) {
          std::string::npos;
 }
 
-/// A key with an answer before that has another one after, or none although it has no quotation marks and no
-/// byte order mark; empty when there is none.
+/// A key whose answer the repair has changed, or removed although the key has neither quotation marks nor a byte
+/// order mark; empty when there is none.
 std::string ChangedKey(const std::string& before, const std::string& after) {
   const LoadedTable old = TableOf(before);
   const LoadedTable fresh = TableOf(after);
@@ -203,7 +203,7 @@ bool IsDivisible(const std::string& line) {
   return size <= kLongestLine + 1 && std::count(columns.begin(), columns.end(), "") == 0;
 }
 
-/// The line after the repair that `finding` asks for, made by hand; none when there is nothing to make of it.
+/// The line after the repair that `finding` asks for, made by simple rules; none when it has no such repair.
 std::optional<std::string> RepairedByHand(const std::string& line, const Finding& finding) {
   const std::string marked = line.substr(finding.column - 1, finding.length);
   const auto with = [&](const std::string& text) {

@@ -62,7 +62,7 @@ TEST(Show, ListsWhatIsInForceByFileOrInTheTablesOrder) {
   EXPECT_EQ(RunAlmcfg({"show", "--sort", first.path(), second.path()}).out, head + c + b + a);
 }
 
-TEST(Show, NamesTheLineThatNoLoadGetsPast) {
+TEST(Show, NamesTheLineAtWhichTheLoadNeverEnds) {
   const Outcome outcome =
       RunAlmcfg({"show", "--format", "json", "-"}, kGood + std::string(1023, 'x') + "\n" + kWarning);
   EXPECT_EQ(outcome.exitCode, 1);

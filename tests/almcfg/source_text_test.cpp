@@ -149,7 +149,7 @@ TEST(SourceText, RefusesAFileWhoseReadingFails) {
   EXPECT_EQ(ErrorOf("/proc/self/mem").obstacle, Obstacle::kReadFailed);
 }
 
-TEST(SourceText, TakesTheNullDeviceForAnEmptyFile) { EXPECT_EQ(Read("/dev/null").lineCount(), 0U); }
+TEST(SourceText, ReadsTheNullDeviceAsAnEmptyFile) { EXPECT_EQ(Read("/dev/null").lineCount(), 0U); }
 
 TEST(SourceText, RefusesAPipeWithoutAWriterInsteadOfWaiting) {
   const TempFile file("");

@@ -60,7 +60,7 @@ TEST_F(Load, AnUnloadUnmapsABundleThatHasLoggedAndLoaded) {
   EXPECT_EQ(MappingsOfBundle(), 0);
 }
 
-TEST_F(Load, ASecondLoadStartsAfresh) {
+TEST_F(Load, ASecondLoadStartsWithoutState) {
   for (int round = 0; round < 3; ++round) {
     framework.ForgetCalls();
     const LoadedBundle bundle;

@@ -1,5 +1,5 @@
-# The bundle and a caller, built by a compiler other than the project's, so that each side of the contract meets code
-# that the other compiler made. Sets
+# The bundle and a caller, built by a compiler other than the project's, so that each side of the contract is tested with
+# code of the other compiler. Sets
 #   contract_other_name    clang or gcc; empty when there is none
 #   contract_other_bundle  the bundle that compiler built; empty when there is none
 # and adds the tests of the callers.

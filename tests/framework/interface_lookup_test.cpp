@@ -143,7 +143,7 @@ TEST_F(FetchInterfaceFast, CopiesTheBufferToOut) {
   EXPECT_THAT(out, ElementsAre(&one, &two));
 }
 
-TEST_F(FetchInterfaceFast, TakesAnElementOfAnotherTypeForAMissingInterface) {
+TEST_F(FetchInterfaceFast, TreatsAnElementOfAnotherTypeAsAMissingInterface) {
   OtherInterface other;
   buffer = {&other};
   ref.buffer = &buffer;
@@ -247,7 +247,7 @@ TEST_F(FetchInterfaceSearch, ThrowsWithoutABufferAndWithoutBundles) {
   EXPECT_THAT(framework.Calls(), ElementsAre("GetAllBundles()"));
 }
 
-TEST_F(FetchInterfaceSearch, FreesTheLockHoweverItEnds) {
+TEST_F(FetchInterfaceSearch, ReleasesTheLockHoweverItEnds) {
   EXPECT_EQ(CodeThrown(), 0x41180004);
   EXPECT_EQ(NS_BUNDLEMGR1::_g_actualmutex.tryacquire(), 0);
   NS_BUNDLEMGR1::_g_actualmutex.release();
@@ -257,7 +257,7 @@ TEST_F(FetchInterfaceSearch, FreesTheLockHoweverItEnds) {
   NS_BUNDLEMGR1::_g_actualmutex.release();
 }
 
-TEST_F(FetchInterfaceSearch, LooksIntoTheNamedBundleOnly) {
+TEST_F(FetchInterfaceSearch, SearchesTheNamedBundleOnly) {
   ServiceObject* const object = NewLogObject();
   first.objects["log"] = NewLogObject();
   second.objects["log"] = object;
@@ -275,7 +275,7 @@ TEST_F(FetchInterfaceSearch, ThrowsWhenTheNamedBundleIsNotLoaded) {
   EXPECT_THAT(framework.Calls(), ElementsAre("GetBundle(\"third\")"));
 }
 
-TEST_F(FetchInterfaceSearch, LooksAtTheNamedServiceObjectOfEachBundleOnly) {
+TEST_F(FetchInterfaceSearch, ExaminesTheNamedServiceObjectOfEachBundleOnly) {
   ServiceObject* const one = NewLogObject();
   ServiceObject* const two = NewLogObject();
   first.objects["a"] = NewLogObject();
@@ -289,7 +289,7 @@ TEST_F(FetchInterfaceSearch, LooksAtTheNamedServiceObjectOfEachBundleOnly) {
   EXPECT_THAT(buffer, ElementsAre(one->GetInterface()));
 }
 
-TEST_F(FetchInterfaceSearch, GoesToTheNextBundleWhenTheNamedObjectIsMissing) {
+TEST_F(FetchInterfaceSearch, ContinuesWithTheNextBundleWhenTheNamedObjectIsMissing) {
   ServiceObject* const object = NewLogObject();
   first.objects["a"] = NewLogObject();
   first.objects["logg"] = NewLogObject();
@@ -307,7 +307,7 @@ TEST_F(FetchInterfaceSearch, ReturnsNullWhenTheLockCannotBeTaken) {
 }
 
 // Another thread may fill the buffer between the first check and the lock.
-TEST_F(FetchInterfaceSearch, LooksAtTheBufferAgainUnderTheLock) {
+TEST_F(FetchInterfaceSearch, ChecksTheBufferAgainUnderTheLock) {
   LogService other;
   first.objects["log"] = NewLogObject();
   ref.buffer = &buffer;
@@ -364,7 +364,7 @@ TEST_F(FetchInterfaceDeath, AnyOtherExceptionEndsTheProcess) {
   EXPECT_EXIT(Fetch(), ::testing::KilledBySignal(SIGABRT), "");
 }
 
-TEST_F(FetchInterfaceDeath, TheBaseOfTheAnnouncedExceptionEndsTheProcessToo) {
+TEST_F(FetchInterfaceDeath, AnExceptionOfTheBaseClassEndsTheProcessToo) {
   framework.On("GetAllBundles", [] { throw NS_BUNDLEMGR1::ProcessException(); });
   EXPECT_EXIT(Fetch(), ::testing::KilledBySignal(SIGABRT), "");
 }
@@ -380,7 +380,7 @@ TEST_F(FetchInterfaceDeath, HonoursTheProcesssOwnHandler) {
   EXPECT_EXIT(Fetch(), ::testing::ExitedWithCode(3), "handler called");
 }
 
-TEST_F(FetchInterfaceDeath, LetsTheHandlersOwnAnnouncedExceptionOut) {
+TEST_F(FetchInterfaceDeath, PassesOnAnInterfaceNotExistExceptionOfTheHandler) {
   framework.On("GetAllBundles", [] { throw std::runtime_error("bundle manager"); });
   const std::unexpected_handler before = std::set_unexpected(ThrowNotExist);
   EXPECT_EQ(CodeThrown(), 77);
@@ -393,7 +393,7 @@ TEST_F(FetchInterfaceDeath, EndsTheProcessWhenTheHandlerThrowsSomethingElse) {
   EXPECT_EXIT(Fetch(), ::testing::KilledBySignal(SIGABRT), "");
 }
 
-TEST_F(FetchInterfaceSearch, LetsAnAnnouncedExceptionOfTheBundleManagerOut) {
+TEST_F(FetchInterfaceSearch, PassesOnAnInterfaceNotExistExceptionOfTheBundleManager) {
   framework.On("GetAllBundles", ThrowNotExist);
   EXPECT_EQ(CodeThrown(), 77);
 }

@@ -109,7 +109,7 @@ TEST_F(CommandLine, TheSummariesInTheHelpFitEightyColumns) {
             std::string::npos);
 }
 
-TEST_F(CommandLine, QuitOnlyAsksForTheEnd) {
+TEST_F(CommandLine, QuitOnlyRequestsTheEnd) {
   EXPECT_EQ(Run("quit"), "");
   EXPECT_TRUE(session_.quitRequested);
 }

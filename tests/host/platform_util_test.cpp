@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(PlatformText, TrimTakesBlankTabAndLineEndsOffBothEnds) {
+TEST(PlatformText, TrimRemovesBlankTabAndLineEndsAtBothEnds) {
   EXPECT_EQ(NSTE_util::Trim(" \t\n\ra b\r\n\t "), "a b");
   EXPECT_EQ(NSTE_util::Trim(" \t\n\r"), "");
   EXPECT_EQ(NSTE_util::Trim("\va\f"), "\va\f");

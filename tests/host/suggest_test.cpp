@@ -12,15 +12,13 @@ TEST(DidYouMean, NamesTheNearestOne) {
   EXPECT_EQ(DidYouMean("cal", {"call"}), "; did you mean call?");
 }
 
-TEST(DidYouMean, ExchangedNeighboursAreOneSlip) {
+TEST(DidYouMean, SwappedNeighboursCountOne) {
   EXPECT_EQ(DidYouMean("hlep", {"help"}), "; did you mean help?");
   EXPECT_EQ(DidYouMean("ehlp", {"call", "help"}), "; did you mean help?");
   EXPECT_EQ(DidYouMean("lhep", {"help"}), "");
 }
 
-TEST(DidYouMean, LettersCaseCountsNothing) {
-  EXPECT_EQ(DidYouMean("CALL", {"call"}), "; did you mean call?");
-}
+TEST(DidYouMean, CaseIsIgnored) { EXPECT_EQ(DidYouMean("CALL", {"call"}), "; did you mean call?"); }
 
 TEST(DidYouMean, IsSilentWhenNothingIsNear) {
   EXPECT_EQ(DidYouMean("xyz", {"call", "bundles"}), "");
@@ -33,12 +31,12 @@ TEST(DidYouMean, SaysSomethingElseInsteadWhenWanted) {
   EXPECT_EQ(DidYouMean("cal", {"call"}, "; 'help' lists them"), "; did you mean call?");
 }
 
-TEST(DidYouMean, AThirdOfTheLettersMayBeTooMany) {
+TEST(DidYouMean, AtMostAThirdOfTheLettersMayDiffer) {
   EXPECT_EQ(DidYouMean("abcdef", {"abcd"}), "; did you mean abcd?");
   EXPECT_EQ(DidYouMean("abcdef", {"abc"}), "");
 }
 
-TEST(DidYouMean, LooksForNoSlipInAVeryLongWord) {
+TEST(DidYouMean, SuggestsNothingForAVeryLongWord) {
   const std::string word(100, 'a');
   EXPECT_EQ(DidYouMean(word, {word + 'b'}), "; did you mean " + word + "b?");
   EXPECT_EQ(DidYouMean(word + 'a', {word + 'b'}), "");

@@ -52,7 +52,7 @@ TEST(WatchedService, PassesItsOwnArgumentsToInitAndCallsFiniOnce) {
   EXPECT_EQ(problems.init + problems.fini, "");
 }
 
-TEST(WatchedService, KeepsAPositiveResultOfFiniAsAProblem) {
+TEST(WatchedService, ReportsAPositiveResultOfFiniAsAProblem) {
   calls = {};
   calls.finiResult = 1;
   EXPECT_EQ(Drive(0).fini, "fini returned 1");

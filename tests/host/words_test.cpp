@@ -15,7 +15,7 @@ TEST(Words, AreSeparatedByBlanksTabsAndCarriageReturns) {
   EXPECT_EQ(SplitWords(" \t "), Words{});
 }
 
-TEST(Words, BetweenQuotesEveryByteStandsForItself) {
+TEST(Words, BetweenQuotesEveryByteIsLiteral) {
   EXPECT_EQ(SplitWords(R"('a "b' "c 'd" '#\n')"), (Words{"a \"b", "c 'd", "#\\n"}));
 }
 

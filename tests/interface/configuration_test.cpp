@@ -48,7 +48,7 @@ TEST_F(IsTransQueltEnabled, IgnoresTheValueThatAFailedReadLeft) {
                                                 Said(57, 1, "Trans QueltTools ")));
 }
 
-TEST_F(IsTransQueltEnabled, AsksAfreshOnEveryCall) {
+TEST_F(IsTransQueltEnabled, ReadsTheItemOnEveryCall) {
   framework.intItems["IsTransQuelt"] = 1;
   EXPECT_TRUE(impl.IsTransQueltEnabled());
   framework.intItems["IsTransQuelt"] = 0;

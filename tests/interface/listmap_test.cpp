@@ -41,7 +41,7 @@ TEST_F(ParseListMap, KeepsABlankBeforeTheEqualsSignInTheName) {
   EXPECT_THAT(Parsed(impl, "ALM = x"), ElementsAre(Pair("ALM ", ElementsAre("x"))));
 }
 
-TEST_F(ParseListMap, TakesAnEntryWithoutAnEqualsSignForTheEmptyName) {
+TEST_F(ParseListMap, CountsAnEntryWithoutAnEqualsSignAsTheEmptyName) {
   EXPECT_THAT(Parsed(impl, ""), ElementsAre(Pair("", ElementsAre(""))));
   EXPECT_THAT(Parsed(impl, "junk"), ElementsAre(Pair("", ElementsAre(""))));
   EXPECT_THAT(Parsed(impl, "A=1,"), ElementsAre(Pair("", ElementsAre("")), Pair("A", ElementsAre("1"))));
@@ -86,7 +86,7 @@ TEST_F(ParseListMap, LeavesAnEmptyMapWhenThereAreNoEntries) {
   EXPECT_THAT(Parsed(own, "text"), IsEmpty());
 }
 
-TEST_F(ParseListMap, TakesATextOutOfTheMapThatItFills) {
+TEST_F(ParseListMap, AcceptsATextThatIsAnItemOfTheMap) {
   ListMap map{{"A", {"a text that is too long to be kept in place=1, B=2"}}};
   EXPECT_EQ(impl.ParseListMap(map, map["A"].front()), 0);
   EXPECT_THAT(map, ElementsAre(Pair("B", ElementsAre("2")),

@@ -49,7 +49,7 @@ TEST_F(Str2Num, WritesWhatItCouldReadAlsoWhenThatWasNotAll) {
 }
 
 // Required: callers convert a missing configured value with it and rely on the 0.
-TEST_F(Str2Num, TakesTheEmptyTextForZero) {
+TEST_F(Str2Num, ReadsTheEmptyTextAsZero) {
   EXPECT_EQ(Converted(impl, "", 10), "true 0");
   EXPECT_EQ(Converted(impl, std::string("\0junk", 5), 10), "true 0");
 }
@@ -63,7 +63,7 @@ TEST_F(Str2Num, ReadsPrefixesAsTheBaseAllows) {
 }
 
 // Headers of newer C libraries redirect strtol to a function that accepts it.
-TEST_F(Str2Num, TakesNoBinaryPrefix) {
+TEST_F(Str2Num, AcceptsNoBinaryPrefix) {
   EXPECT_EQ(Converted(impl, "0b101", 0), "false 0");
   EXPECT_EQ(Converted(impl, "0B1", 0), "false 0");
   EXPECT_EQ(Converted(impl, "0b11", 2), "false 0");

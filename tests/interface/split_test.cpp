@@ -104,7 +104,7 @@ TEST_F(SplitStr, ReservesForAllPiecesAtOnceAndAtLeastDoublesTheList) {
   }
 }
 
-TEST_F(SplitStr, MovesAListThatIsAppendedToAgainAndAgainOnlyNowAndThen) {
+TEST_F(SplitStr, ReallocatesRarelyWhenItAppendsRepeatedly) {
   Texts pieces;
   int moves = 0;
   for (int i = 0; i < 1000; ++i) {
@@ -116,7 +116,7 @@ TEST_F(SplitStr, MovesAListThatIsAppendedToAgainAndAgainOnlyNowAndThen) {
   EXPECT_LE(moves, 12);
 }
 
-TEST_F(SplitStr, TakesATextFromAnywhere) {
+TEST_F(SplitStr, AcceptsATextInAnyKindOfMemory) {
   static const std::string kStatic = "a,b";
   const std::string onStack = "a,b";
   const auto onHeap = std::make_unique<std::string>("a,b");
@@ -127,7 +127,7 @@ TEST_F(SplitStr, TakesATextFromAnywhere) {
   }
 }
 
-TEST_F(SplitStr, WorksOnATextAndASeparatorOutOfTheListItself) {
+TEST_F(SplitStr, AcceptsATextAndASeparatorThatAreElementsOfTheList) {
   constexpr std::size_t kFull = FreedMemoryOverwritten::kWholeBytes / sizeof(std::string);
   for (const char* const separator : {",", "--"}) {
     const std::string text = std::string("a") + separator + "b" + separator + "c";

@@ -54,7 +54,7 @@ TEST_F(GetTimeStamp, IsEmptyAndLoggedFromTheYear10000On) {
   EXPECT_THAT(framework.Messages(), ElementsAre(Said(86, 1, "sprintf_s failed.")));
 }
 
-TEST_F(GetTimeStamp, IsEmptyAndLoggedForAYearThatNoIntHolds) {
+TEST_F(GetTimeStamp, IsEmptyAndLoggedForAYearThatDoesNotFitAnInt) {
   clockReads = 67768036191676799;  // The last second whose years since 1900 fit an int.
   EXPECT_EQ(impl.GetTimeStamp(), "");
   EXPECT_THAT(framework.Messages(), ElementsAre(Said(86, 1, "sprintf_s failed.")));
@@ -76,7 +76,7 @@ TEST_F(GetTimeStamp, FitsDownToTheYearMinus999) {
   EXPECT_THAT(framework.Messages(), ElementsAre(Said(86, 1, "sprintf_s failed.")));
 }
 
-TEST_F(GetTimeStamp, IsEmptyWithoutAWordWhenTheClockCannotBeBrokenDown) {
+TEST_F(GetTimeStamp, IsEmptyWithoutAMessageWhenTheTimeCannotBeBrokenDown) {
   clockReads = 67768036191676800;  // The first second whose years since 1900 do not fit an int.
   EXPECT_EQ(impl.GetTimeStamp(), "");
   clockReads = INT64_MAX;

@@ -69,7 +69,7 @@ TEST_F(LogMessageTest, SendsMessagesOnceALogServiceIsThere) {
   EXPECT_THAT(framework.Messages(), ElementsAre(Message{"tag", "unknown", 3, 4, "sent", {}}));
 }
 
-TEST_F(LogMessageTest, TakesALoggerThatIsNullForMissingAndAsksAgain) {
+TEST_F(LogMessageTest, TreatsANullLoggerAsMissingAndAsksAgain) {
   framework.logger = [] { return nullptr; };
   LogMessage({"tag", 1, 2, "dropped"});
   LogMessage({"tag", 1, 2, "dropped"});
@@ -176,7 +176,7 @@ TEST_F(LogMessageDeath, TheProcesssOwnHandlerIsHonoured) {
   EXPECT_EXIT(LogMessage({"tag", 1, 2, "text"}), ::testing::ExitedWithCode(3), "");
 }
 
-TEST_F(ObtainLoggerTest, FetchesAfreshEveryTime) {
+TEST_F(ObtainLoggerTest, FetchesALoggerEveryTime) {
   recording::Logger one;
   recording::Logger two;
   framework.logger = [&one] { return &one; };

@@ -22,7 +22,7 @@ class AllocationFails {
   AllocationFails(const AllocationFails&) = delete;
   AllocationFails& operator=(const AllocationFails&) = delete;
 
-  /// Whether it has come to that.
+  /// Whether that allocation has failed.
   [[nodiscard]] bool happened() const;
 };
 
@@ -63,7 +63,7 @@ class BeforeLock {
   BeforeLock(const BeforeLock&) = delete;
   BeforeLock& operator=(const BeforeLock&) = delete;
 
-  /// Whether it has come to that.
+  /// Whether `action` has run.
   [[nodiscard]] bool happened() const;
 };
 

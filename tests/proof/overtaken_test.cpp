@@ -1,5 +1,5 @@
-// Objects that are made or destroyed once, when another thread is faster: it acts between the first check,
-// which takes no lock, and the second check under the lock.
+// Objects that are created or destroyed once, while another thread does the same: it acts between the first
+// check, which takes no lock, and the second check under the lock.
 
 #include <algorithm>
 #include <string>

@@ -67,7 +67,7 @@ TEST(RecordingReader, ATailIsReadBack) {
   EXPECT_EQ(std::get<Tail>(line).dropped, 4);
 }
 
-TEST(RecordingReader, EveryByteSurvives) {
+TEST(RecordingReader, EveryByteIsReadBack) {
   std::string bytes;
   for (int byte = 0; byte < 256; ++byte) {
     bytes += static_cast<char>(byte);
@@ -77,7 +77,7 @@ TEST(RecordingReader, EveryByteSurvives) {
   EXPECT_EQ(RecordOf(R"({"op":"ToUpper","in":[)" + text + R"(],"result":"")" + kEnd).in, Values{bytes});
 }
 
-TEST(RecordingReader, ACharacterThatIsNotEscapedIsItsNumberToo) {
+TEST(RecordingReader, AnUnescapedCharacterIsTheByteOfItsNumberToo) {
   EXPECT_EQ(RecordOf(R"({"op":"ToUpper","in":["é"],"result":"")" + kEnd).in, Values{std::string("\xe9")});
 }
 

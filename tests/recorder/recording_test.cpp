@@ -305,7 +305,7 @@ TEST_F(RecordingTest, WhatDoesNotFitIntoTheQueueIsDroppedAndCounted) {
   EXPECT_EQ(totals_.dropped, 1U);
 }
 
-TEST_F(RecordingTest, AFloodOfCallsIsRecordedOrCounted) {
+TEST_F(RecordingTest, EveryOneOfManyCallsIsRecordedOrCounted) {
   Start(4000);
   constexpr std::uint64_t kCalls = 20000;
   for (std::uint64_t i = 0; i < kCalls; ++i) {

@@ -111,7 +111,7 @@ TEST_F(RecorderServiceTest, CallersThatFetchTheInterfaceFromNowOnAreRecorded) {
                                     "2 recording ended: 1 calls recorded, 0 dropped"));
 }
 
-TEST_F(RecorderServiceTest, TheImplementationLeadsAgainAfterFini) {
+TEST_F(RecorderServiceTest, CallersFetchTheImplementationAgainAfterFini) {
   const FakeBundle bundle;
   const std::vector<ServiceInterface*> before = Registered();
   Recorder recorder;
@@ -220,7 +220,7 @@ TEST_F(RecorderServiceTest, ASecondRecorderIsRefusedAndDoesNotEndTheFirst) {
   EXPECT_EQ(ReadRecording(output_).records.size(), 1U);
 }
 
-TEST_F(RecorderServiceTest, AnotherBundleMayRegisterInFrontOfTheRecorder) {
+TEST_F(RecorderServiceTest, AnotherBundleMayRegisterAfterTheRecorder) {
   const FakeBundle bundle;
   ServiceInterface* const implementation = Registered().front();
   Recorder recorder;

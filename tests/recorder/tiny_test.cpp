@@ -20,7 +20,7 @@ ServiceInterface* Registered() {
   return buffer == nullptr || buffer->empty() ? nullptr : buffer->front();
 }
 
-TEST(RecorderOnAnotherProvider, RecordsAndPutsTheImplementationBack) {
+TEST(RecorderOnAnotherProvider, RecordsAndRegistersTheImplementationAgain) {
   const TempDirectory dir;
   std::string output = dir.path() / "calls.jsonl";
   std::string option = "--output";

@@ -21,7 +21,7 @@ std::string Integer(std::int64_t value) {
   return line;
 }
 
-TEST(RecordingWriter, PrintableAsciiStandsForItself) {
+TEST(RecordingWriter, PrintableAsciiIsWrittenUnchanged) {
   EXPECT_EQ(Text(""), R"("")");
   EXPECT_EQ(Text(" !#$[]^~azAZ09"), R"(" !#$[]^~azAZ09")");
 }

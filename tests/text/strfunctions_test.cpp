@@ -28,7 +28,7 @@ TEST(Trim, OfNothingOrOnlyBlanksIsEmpty) {
   EXPECT_EQ(Trim("\r\r\n \t\t"), "");
 }
 
-TEST(Trim, TakesBlanksOffBothEndsAndLeavesThoseInside) {
+TEST(Trim, RemovesBlanksAtBothEndsAndLeavesThoseInside) {
   EXPECT_EQ(Trim("\tab c\r\n"), "ab c");
   EXPECT_EQ(Trim("x"), "x");
   EXPECT_EQ(Trim("  a \t\r\n b  "), "a \t\r\n b");
@@ -40,7 +40,7 @@ TEST(Trim, LeavesVerticalTabAndFormFeed) {
   EXPECT_EQ(Trim(" \vabc\f "), "\vabc\f");
 }
 
-TEST(Trim, TakesExactlyFourOfAllBytesForBlank) {
+TEST(Trim, TreatsExactlyFourOfAllBytesAsBlank) {
   for (int byte = 0; byte < 256; ++byte) {
     const std::string one(1, static_cast<char>(byte));
     const bool blank = byte == 0x20 || byte == 0x09 || byte == 0x0A || byte == 0x0D;
@@ -49,14 +49,14 @@ TEST(Trim, TakesExactlyFourOfAllBytesForBlank) {
   }
 }
 
-TEST(TrimLeft, TakesLeadingBlanksOnly) {
+TEST(TrimLeft, RemovesLeadingBlanksOnly) {
   EXPECT_EQ(TrimLeft("  a "), "a ");
   EXPECT_EQ(TrimLeft(""), "");
   EXPECT_EQ(TrimLeft(" \t\n\r"), "");
   EXPECT_EQ(TrimLeft("a"), "a");
 }
 
-TEST(TrimRight, TakesTrailingBlanksOnly) {
+TEST(TrimRight, RemovesTrailingBlanksOnly) {
   EXPECT_EQ(TrimRight("  a "), "  a");
   EXPECT_EQ(TrimRight(""), "");
   EXPECT_EQ(TrimRight(" \t\n\r"), "");

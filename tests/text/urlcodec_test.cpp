@@ -107,7 +107,7 @@ TEST_F(GetUrlEncoding, LeavesALineFeedBeforeAPlainCharacterAndALoneCarriageRetur
 TEST_F(GetUrlEncoding, EncodesACharacterOfIso8859AsOneByte) { EXPECT_EQ(GetURLEncoding("\xC3\xA9"), "%e9"); }
 
 // Required: the escape of U+00A9 starts with "%a", so the carriage return is encoded as before a line feed.
-TEST_F(GetUrlEncoding, TakesTheEscapeAfterACarriageReturnForALineFeed) {
+TEST_F(GetUrlEncoding, TreatsTheEscapeAfterACarriageReturnAsALineFeed) {
   EXPECT_EQ(GetURLEncoding("\r\xC2\xA9"), "%0d%0a9");
   framework.convert = recording::CopyThrough;
   EXPECT_EQ(GetURLEncoding("\r\xA0"), "%0d%0a0");
@@ -280,7 +280,7 @@ TEST_F(GetUrlDecoding, RepeatsTheByteBeforeForAnEmptyOrBlankEscape) {
   EXPECT_EQ(GetURLDecoding("%41%zz%%"), std::string("A\0\0", 3));
 }
 
-TEST_F(GetUrlDecoding, StartsAfreshWithEveryCall) {
+TEST_F(GetUrlDecoding, KeepsNoByteBetweenCalls) {
   EXPECT_EQ(GetURLDecoding("%41"), "A");
   EXPECT_EQ(GetURLDecoding("%%"), std::string(1, '\0'));
 }

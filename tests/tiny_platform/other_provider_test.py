@@ -51,7 +51,7 @@ class OtherProvider(unittest.TestCase):
         self.assertGreater(len(strong), 20)
         self.assertEqual([name for name in strong if name not in provided], [])
 
-    def test_bundle_lives_on_the_tiny_platform(self):
+    def test_bundle_runs_on_the_tiny_platform(self):
         with tempfile.TemporaryDirectory() as directory:
             place = pathlib.Path(directory) / "ii_asciiagent_bundle"
             place.mkdir()

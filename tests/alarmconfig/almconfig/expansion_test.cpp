@@ -66,7 +66,7 @@ TEST_F(ExpandField, AppendsOneRecordForEachAlternative) {
   EXPECT_EQ(records.size(), 7U);
 }
 
-TEST_F(AddLine, ExpandsColumnOneOutsideAndColumnTwoInside) {
+TEST_F(AddLine, ExpandsColumnTwoWithinColumnOne) {
   FieldList fields{"A/B", "X/Y", "c", "1", "v"};
   std::vector<AlarmConfigRecord> first;
   std::vector<AlarmConfigRecord> second;

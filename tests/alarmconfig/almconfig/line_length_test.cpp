@@ -51,7 +51,7 @@ TEST_F(LineLength, NeverEndsAfterALongComment) {
   EXPECT_EQ(child::EndOf([&] { config.LoadConfig(path.c_str()); }), child::End::kEndless);
 }
 
-TEST_F(LineLength, TakesTheFirst1022CharactersOfALongLineForALine) {
+TEST_F(LineLength, LoadsTheFirst1022CharactersOfALongLineAsALine) {
   const std::string complaint = "\"A\\x09\\x09" + std::string(1019, 'v') + "\")";
   framework.On("LogF", [&] { _exit(framework.Calls().back().find(complaint) != std::string::npos ? 7 : 8); });
   const std::string path = directory.Write("long.csv", "A\t\t" + std::string(1019, 'v') + "wwwww\n");

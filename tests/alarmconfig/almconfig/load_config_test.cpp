@@ -42,7 +42,7 @@ TEST_F(LoadConfig, OfAnEmptyFileStoresNothing) {
   EXPECT_THAT(framework.Calls(), IsEmpty());
 }
 
-TEST_F(LoadConfig, TakesTheFiveColumnsCrossedOver) {
+TEST_F(LoadConfig, AssignsTheFiveColumnsToTheRecord) {
   Load("A1/A2\tB1\tC\t7\t42\n");
   EXPECT_THAT(Entries(config), ElementsAre("A2|B1|C|7=42", "A1|B1|C|7=42"));
   EXPECT_EQ(Value({"A1", "B1", "7", "C", ""}), "42");
@@ -56,7 +56,7 @@ TEST_F(LoadConfig, SkipsCommentsAndEmptyLines) {
 }
 
 // Only a '#' as the first character makes a comment; after a blank it is text, here a line with one column.
-TEST_F(LoadConfig, TakesABlankBeforeANumberSignForText) {
+TEST_F(LoadConfig, ReadsABlankBeforeANumberSignAsText) {
   Load(" #x\n");
   EXPECT_THAT(Entries(config), IsEmpty());
   Load(" #x\tk\tc\t1\tv\n");
@@ -85,7 +85,7 @@ TEST_F(LoadConfig, EndsALineAtItsFirstNul) {
   EXPECT_THAT(framework.Calls(), IsEmpty());
 }
 
-TEST_F(LoadConfig, DropsLinesWithTooFewColumnsWithoutAWord) {
+TEST_F(LoadConfig, DropsLinesWithTooFewColumnsWithoutAMessage) {
   Load("A\nA\tk\nA\tk\tc\nA\tk\tc\t1\nA\tk\tc\t1\t\n   \n\t\t\n \r\n");
   EXPECT_THAT(Entries(config), IsEmpty());
   EXPECT_THAT(framework.Calls(), IsEmpty());
@@ -138,7 +138,7 @@ TEST_F(LoadConfig, KeepsBlanksInsideTheLine) {
   EXPECT_EQ(Value({"A", "k", "1", "c", ""}), "(none)");
 }
 
-TEST_F(LoadConfig, TakesACommaForText) {
+TEST_F(LoadConfig, ReadsACommaAsText) {
   Load("A,B\tk,l\tc,d\t1,2\tv,w\n");
   EXPECT_THAT(Entries(config), ElementsAre("A,B|k,l|c,d|1,2=v,w"));
 }

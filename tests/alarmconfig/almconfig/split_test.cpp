@@ -30,7 +30,7 @@ TEST_F(Split, OfNothingAppendsNothing) {
   EXPECT_THAT(fields, IsEmpty());
 }
 
-TEST_F(Split, TakesAnyCharacterOfTheSetForASeparator) {
+TEST_F(Split, SeparatesAtAnyCharacterOfTheSet) {
   FieldList fields;
   EXPECT_EQ(config.Split("a/b\tc", fields, "\t/"), 0);
   EXPECT_THAT(fields, ElementsAre("a", "b", "c"));
@@ -39,7 +39,7 @@ TEST_F(Split, TakesAnyCharacterOfTheSetForASeparator) {
   EXPECT_THAT(fields, ElementsAre("a/b"));
 }
 
-TEST_F(Split, MakesNoEmptyPartOfATrailingSeparator) {
+TEST_F(Split, AddsNoEmptyPartForATrailingSeparator) {
   FieldList fields;
   EXPECT_EQ(config.Split("a/", fields, "/"), 0);
   EXPECT_THAT(fields, ElementsAre("a"));
@@ -82,7 +82,7 @@ TEST_F(Split, LogsTheTextUpToItsFirstNul) {
   EXPECT_THAT(framework.Messages(), ElementsAre(BadLine(195, "a")));
 }
 
-TEST_F(Split, WorksOnATextAndSeparatorsOutOfTheListItself) {
+TEST_F(Split, AcceptsATextAndSeparatorsThatAreElementsOfTheList) {
   constexpr std::size_t kFull = FreedMemoryOverwritten::kWholeBytes / sizeof(std::string);
   const std::string text = "a/b/c";
   for (const bool ownText : {true, false}) {

@@ -25,7 +25,7 @@ TEST_F(GetValue, FindsNothingInAnEmptyStore) {
   EXPECT_EQ(value, "as it was");
 }
 
-TEST_F(GetValue, DoesNotLookAtTheKeysOwnValue) {
+TEST_F(GetValue, IgnoresTheValueInTheKey) {
   config.InsertRecord({"A", "k", "1", "c", "v"});
   EXPECT_EQ(Value({"A", "k", "1", "c", ""}), "v");
   EXPECT_EQ(Value({"A", "k", "1", "c", "anything"}), "v");

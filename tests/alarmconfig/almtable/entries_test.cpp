@@ -31,7 +31,7 @@ using NS_ASCII::AlarmTable;
 using NS_ASCII::ComesBefore;
 using ::testing::ElementsAre;
 
-TEST(AlarmTable, AnswersNothingWhenItIsEmpty) {
+TEST(AlarmTable, FindsNothingWhenItIsEmpty) {
   const AlarmTable table;
   EXPECT_EQ(Answer(table, {"a", "b", "c", "1"}), "(none)");
   EXPECT_EQ(Answer(table, {}), "(none)");

@@ -172,7 +172,7 @@ class Search(Page):
         self.search("number-never-matches")
         self.assertEqual(self.first_cells(), ["NodeC"])
 
-    def test_no_match_is_said(self):
+    def test_a_search_without_matches_says_so(self):
         self.open(SMALL)
         self.search("nowhere")
         self.assertEqual(self.first_cells(), [])
@@ -302,7 +302,7 @@ class Keys(Page):
         self.browser.press("Escape")
         self.assertEqual(self.detail(), "")
 
-    def test_a_selected_row_that_no_longer_matches_is_let_go(self):
+    def test_a_selected_row_that_no_longer_matches_is_deselected(self):
         self.open(SMALL)
         self.browser.press("n")
         self.search("nodea")
