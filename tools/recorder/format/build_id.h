@@ -8,7 +8,7 @@
 namespace recording_format {
 
 /// The build id of a mapped library, as `dl_iterate_phdr` describes it, in hexadecimal; empty when it was linked
-/// without one. Pure function; the library must stay mapped during the call.
+/// without one. Threads: any, while the library stays mapped.
 std::string BuildIdOf(const dl_phdr_info& library);
 
 }  // namespace recording_format
