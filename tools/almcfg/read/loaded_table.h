@@ -76,7 +76,7 @@ class LoadedTable {
 
   [[nodiscard]] std::size_t fileCount() const { return texts_.size(); }
 
-  /// The file that was loaded as number `index`, from 0.
+  /// The file that was loaded as number `index`, from 0. The texts lie one after the other in memory.
   [[nodiscard]] const SourceText& text(std::size_t index) const { return texts_[index]; }
 
   /// How many keys are in force.

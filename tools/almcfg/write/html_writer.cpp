@@ -117,9 +117,9 @@ class HtmlWriter : public TableWriter {
       : out_(out),
         content_(std::move(content)),
         findings_(std::move(content_.findings)),
-        isShown_(findings_.size()) {
+        isShown_(findings_.size()),
+        firstText_(&files.text(0)) {
     for (std::size_t i = 0; i < files.fileCount(); ++i) {
-      texts_.push_back(&files.text(i));
       paths_.emplace_back(files.text(i).name());
     }
     // The checker reports what concerns a whole file after the file's last line.
@@ -208,7 +208,7 @@ class HtmlWriter : public TableWriter {
   }
 
   [[nodiscard]] std::size_t FileOf(Place place) const {
-    return static_cast<std::size_t>(std::find(texts_.begin(), texts_.end(), place.text) - texts_.begin());
+    return static_cast<std::size_t>(place.text - firstText_);
   }
 
   [[nodiscard]] std::pair<std::size_t, LineNumber> PositionOf(Place place) const {
@@ -265,11 +265,11 @@ class HtmlWriter : public TableWriter {
 
   std::ostream& out_;
   PageContent content_;
-  std::vector<const SourceText*> texts_;
   std::vector<std::string_view> paths_;
   std::vector<PlacedFinding> findings_;
   std::vector<bool> isShown_;  // For each finding.
-  std::size_t next_ = 0;       // Findings before this one are shown.
+  const SourceText* firstText_;
+  std::size_t next_ = 0;  // Findings before this one are shown.
   bool isFirst_ = true;
   std::string_view rest_ = kPage;  // The part of the page that is not written yet.
 };
