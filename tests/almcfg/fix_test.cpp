@@ -31,8 +31,8 @@ TEST(Fix, MakesACleanFileOfASpreadsheetsExport) {
   EXPECT_EQ(outcome.out, kClean);
   EXPECT_EQ(outcome.err,
             "<stdin>:1:1: repaired: removed the byte order mark [byte-order-mark]\n"
-            "<stdin>:1:29: repaired: removed the CR at the end of 3 lines [cr-line-ends]\n"
-            "<stdin>:1:1: repaired: made the heading a comment [header-line]\n"
+            "<stdin>:1:32: repaired: removed the CR at the end of 3 lines [cr-line-ends]\n"
+            "<stdin>:1:4: repaired: made the heading a comment [header-line]\n"
             "<stdin>:2:1: repaired: separated the columns by TABs [wrong-separator]\n"
             "<stdin>:3:1: repaired: separated the columns by TABs [wrong-separator]\n"
             "almcfg: <stdin>: 5 repairs; no findings\n");

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -44,7 +45,7 @@ TEST(SafeRepair, RemovesTheMarkTheCrsAndAddsTheFinalLineFeed) {
   const std::string content = "\xEF\xBB\xBF# x\r\nA\tB\tC\t7\t1\r\nlost\r";
   EXPECT_EQ(Safe(content), "# x\nA\tB\tC\t7\t1\nlost\n");
   EXPECT_THAT(Repairs(content),
-              ElementsAre("1:1 byte-order-mark", "1:4 cr-line-ends", "3:6 no-final-line-feed"));
+              ElementsAre("1:1 byte-order-mark", "1:7 cr-line-ends", "3:6 no-final-line-feed"));
 }
 
 TEST(SafeRepair, KeepsAMarkThatKeepsALoadedLineFromBeingAComment) {
@@ -89,7 +90,7 @@ TEST(SafeRepair, RemovesQuotesAroundWholeCellsAndAlternatives) {
 
 TEST(SafeRepair, RemovesATrailingSlash) {
   EXPECT_EQ(Safe("A/\tB/\tC/\t7\t1\n"), "A\tB\tC/\t7\t1\n");
-  EXPECT_THAT(Repairs("A/\tB/\tC\t7\t1\n"), ElementsAre("1:2 trailing-slash", "1:4 trailing-slash"));
+  EXPECT_THAT(Repairs("A/\tB/\tC\t7\t1\n"), ElementsAre("1:2 trailing-slash", "1:5 trailing-slash"));
 }
 
 TEST(SafeRepair, RemovesARepeatOnlyWhenNoAnswerDependsOnIt) {
@@ -145,6 +146,36 @@ TEST(UnsafeRepair, SplitsLinesWithTooManyAlternativesAndOverlongOnes) {
             first + "\tX\tC\t7\t1\n" + second + "\tX\tC\t7\t1\n");
   const std::string hopeless = std::string(1100, 'a') + "\tX\tC\t7\t1\n";
   EXPECT_EQ(Unsafe(hopeless), hopeless);
+}
+
+TEST(Repair, IsReportedAtItsPlaceInTheOriginalLine) {
+  EXPECT_THAT(
+      Repairs("\xEF\xBB\xBF  A /B/\tB/\t C\t07\t5 \r\n", kUnsafe),
+      ElementsAre("1:1 byte-order-mark", "1:23 cr-line-ends", "1:4 outer-blank", "1:10 trailing-slash",
+                  "1:13 trailing-slash", "1:6 edge-blank", "1:15 edge-blank", "1:18 number-never-matches"));
+  EXPECT_THAT(Repairs("\"A/\",\"B, \"\"b\"\"\",C/ ,+7,\"5\"\n", kUnsafe),
+              ElementsAre("1:1 wrong-separator", "1:3 trailing-slash", "1:17 edge-blank",
+                          "1:21 number-never-matches"));
+  EXPECT_THAT(Repairs("A\tB\tC\t7\t5\n \"A\"\t\"B\"\tC\t8\t5\n"),
+              ElementsAre("2:1 outer-blank", "2:2 quoted-cell", "2:6 quoted-cell"));
+  EXPECT_THAT(Repairs(" #A\t\"B\"\t\"C\"\t7\t5\n"), ElementsAre("1:5 quoted-cell", "1:9 quoted-cell"))
+      << "the blank stays";
+}
+
+TEST(Repair, IsReportedAtTheStartOfALineThatIsSplit) {
+  EXPECT_THAT(Repairs("A/B/C/D/E/F\t\"X\"\tC\t7\t1\n", kUnsafe),
+              ElementsAre("1:1 too-many-alternatives", "1:1 quoted-cell", "1:1 quoted-cell"));
+}
+
+TEST(UnsafeRepair, SplitsALineIntoAtMost10000) {
+  std::string line = "A\t";
+  for (int i = 0; i < 50'000; ++i) {
+    line += std::to_string(i) + '/';
+  }
+  const std::string split = Unsafe(line + "\tC\t7\t1\n");
+  EXPECT_EQ(std::count(split.begin(), split.end(), '\n'), 10'000);
+  const std::string more = line + "x\tC\t7\t1\n";
+  EXPECT_EQ(Unsafe(more), more);
 }
 
 TEST(Repair, IsLimitedToTheSelectedCodes) {

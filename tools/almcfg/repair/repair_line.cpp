@@ -3,6 +3,7 @@
 #include "tools/almcfg/repair/repair_line.h"
 
 #include <algorithm>
+#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -17,6 +18,7 @@ namespace {
 using NS_ASCII::LineOutcome;
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::size_t kMostLines = 10'000;  // that replace one line
 
 using Texts = std::vector<std::string>;
 
@@ -32,32 +34,53 @@ Texts SplitAll(std::string_view text, char separator) {
 
 bool IsAccepted(std::string_view line) { return NS_ASCII::ParseLine(line).outcome == LineOutcome::kAccepted; }
 
-/// The lines for all combinations of the alternatives, each short enough and with at most five of them;
-/// `columns` gives columns 3 to 5. None when a single combination is too long.
-std::optional<Texts> SplitAlternatives(const Texts& key1s, const Texts& key2s, Texts columns) {
+/// Appends lines for all combinations of the alternatives, each short enough; `columns` gives columns 3 to 5.
+/// False when a single combination is too long.
+bool AppendShortLines(const Texts& key1s, const Texts& key2s, Texts& columns, Texts& lines) {
   columns[0] = Join(key1s, '/');
   columns[1] = Join(key2s, '/');
-  const std::string line = Join(columns, '\t');
-  const bool isTooLong = line.size() > kLongestLine;
-  const std::size_t limit = NS_ASCII::kMaxParts;
-  if (key1s.size() <= limit && key2s.size() <= limit && !isTooLong) {
-    return Texts{line};
+  std::string line = Join(columns, '\t');
+  if (line.size() <= kLongestLine) {
+    lines.push_back(std::move(line));
+    return true;
   }
-  const bool splitsFirst = key1s.size() > limit || (key2s.size() <= limit && key1s.size() > 1);
+  const bool splitsFirst = key1s.size() > 1;
   const Texts& whole = splitsFirst ? key1s : key2s;
-  if (whole.size() < 2) {
+  const auto middle = whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2);
+  const auto append = [&](const Texts& part) {
+    return splitsFirst ? AppendShortLines(part, key2s, columns, lines)
+                       : AppendShortLines(key1s, part, columns, lines);
+  };
+  return whole.size() > 1 && append({whole.begin(), middle}) && append({middle, whole.end()});
+}
+
+/// The texts in groups of as many as a column may have.
+std::vector<Texts> GroupsOf(const Texts& texts) {
+  std::vector<Texts> groups;
+  for (const std::string& text : texts) {
+    if (groups.empty() || groups.back().size() == NS_ASCII::kMaxParts) {
+      groups.emplace_back();
+    }
+    groups.back().push_back(text);
+  }
+  return groups;
+}
+
+/// The lines for all combinations of the alternatives, each short enough and with at most five of them;
+/// `columns` gives columns 3 to 5. None when a single combination is too long, or there would be too many lines.
+std::optional<Texts> SplitAlternatives(const Texts& key1s, const Texts& key2s, Texts columns) {
+  const std::vector<Texts> groups1 = GroupsOf(key1s);
+  const std::vector<Texts> groups2 = GroupsOf(key2s);
+  if (groups1.size() * groups2.size() > kMostLines) {
     return std::nullopt;
   }
-  const auto middle =
-      whole.begin() + static_cast<std::ptrdiff_t>(whole.size() > limit ? limit : whole.size() / 2);
   Texts lines;
-  for (const Texts& part : {Texts(whole.begin(), middle), Texts(middle, whole.end())}) {
-    const auto some =
-        splitsFirst ? SplitAlternatives(part, key2s, columns) : SplitAlternatives(key1s, part, columns);
-    if (!some) {
-      return std::nullopt;
+  for (const Texts& group1 : groups1) {
+    for (const Texts& group2 : groups2) {
+      if (!AppendShortLines(group1, group2, columns, lines)) {
+        return std::nullopt;
+      }
     }
-    lines.insert(lines.end(), some->begin(), some->end());
   }
   return lines;
 }
@@ -67,7 +90,13 @@ class LineRepairer {
  public:
   LineRepairer(std::string_view line, const RepairRules& rules, const KeepsAnswers& keepsAnswers,
                std::vector<Finding>& repairs)
-      : text_(line), rules_(rules), keepsAnswers_(keepsAnswers), repairs_(repairs) {}
+      : text_(line),
+        origins_(line.size() + 1),
+        rules_(rules),
+        keepsAnswers_(keepsAnswers),
+        repairs_(repairs) {
+    std::iota(origins_.begin(), origins_.end(), std::size_t{0});
+  }
 
   Texts Repair(bool isFirst) {
     if (text_.find('\0') != std::string::npos) {
@@ -86,7 +115,17 @@ class LineRepairer {
  private:
   /// Records a repair and makes it. `column` is counted from 0.
   void Set(Code code, std::size_t column, std::string message, std::string text) {
-    repairs_.push_back({code, 1, column + 1, 1, std::move(message), "", 0});
+    repairs_.push_back({code, 1, origins_[column] + 1, 1, std::move(message), "", 0});
+    std::vector<std::size_t> origins;
+    std::size_t at = 0;
+    for (const char c : text) {
+      const std::size_t found = text_.find(c, at);
+      at = found == std::string::npos ? at : found;
+      origins.push_back(origins_[at]);
+      at += found == std::string::npos ? 0 : 1;
+    }
+    origins.push_back(origins_.back());
+    origins_ = std::move(origins);
     text_ = std::move(text);
   }
 
@@ -160,6 +199,7 @@ class LineRepairer {
     start_ = text_.substr(0, OffsetIn(text_, NS_ASCII::TrimView(text_)));
     const std::string end = text_.substr(start_.size() + trimmed.size());
     text_ = trimmed;
+    origins_.erase(origins_.begin(), origins_.begin() + static_cast<std::ptrdiff_t>(start_.size()));
     for (std::string last; last != text_;) {
       last = text_;
       RepairCells(Code::kQuotedCell, "removed the quotation marks of ",
@@ -201,7 +241,7 @@ class LineRepairer {
         set(Join(alternatives, '/'));
       }
       if (line() != text_) {
-        Set(code, start_.size() + OffsetOf(columns, index), what + "column " + std::to_string(index + 1),
+        Set(code, OffsetOf(SplitAll(text_, '\t'), index), what + "column " + std::to_string(index + 1),
             line());
       }
     }
@@ -220,7 +260,7 @@ class LineRepairer {
       Texts columns = SplitAll(text_, '\t');
       if (columns[index].back() == '/') {
         columns[index].pop_back();
-        Set(Code::kTrailingSlash, start_.size() + OffsetOf(columns, index + 1) - 1,
+        Set(Code::kTrailingSlash, OffsetOf(columns, index + 1) - 1,
             "removed the \"/\" at the end of column " + std::to_string(index + 1), Join(columns, '\t'));
       }
     }
@@ -234,11 +274,15 @@ class LineRepairer {
     }
     repairs_.push_back(
         {SplitReason(text_), 1, 1, 1, "split the line into " + Counted(lines->size(), "line"), "", 0});
+    const std::size_t known = repairs_.size();
     Texts repaired;
     for (const std::string& line : *lines) {
       const Texts some = LineRepairer(line, rules_, keepsAnswers_, repairs_).Repair(false);
       repaired.insert(repaired.end(), some.begin(), some.end());
     }
+    // Columns of the new lines are none of the original line.
+    std::for_each(repairs_.begin() + static_cast<std::ptrdiff_t>(known), repairs_.end(),
+                  [](Finding& repair) { repair.column = 1; });
     return repaired;
   }
 
@@ -266,6 +310,8 @@ class LineRepairer {
   }
 
   std::string text_;
+  std::vector<std::size_t>
+      origins_;  // Of each byte of `text_`, and of its end, the place in the original line.
   std::string
       start_;  // While columns are repaired, the blanks before them that stay; `text_` is then trimmed.
   const RepairRules& rules_;
