@@ -10,9 +10,9 @@
 # STEP    one of the steps to run (default: all): demo, test and packages; for another architecture setup, build,
 #         bundle-tests, commands and packages
 #
-# Needs root, a Debian mirror and about 4 GB in build/port/TARGET. Prints one line for each step, and at the end all results in
-# one line, for the table in docs/testing.md. A log of each step is kept in build/port/TARGET. The root is used again by the next
-# run; remove it to start with a bare one. Exit 1 when a step failed.
+# Needs root, a Debian mirror and about 4 GB in build/port/TARGET. Prints one line for each step and at the end the row for
+# the table in docs/testing.md, in which "commands" is in the column of the demo. A log of each step is kept in build/port/TARGET.
+# The root is used again by the next run; remove it to start with a bare one. Exit 1 when a step failed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -26,6 +26,8 @@ case "$target" in
   *) echo "port.sh: unknown target '$target'; there are debian12, debian13, arm64 and s390x" >&2; exit 2 ;;
 esac
 [ "$(id -u)" -eq 0 ] || { echo "port.sh: only root can make a root directory for another system" >&2; exit 1; }
+# In a mount namespace of its own, so that the mounts below end with this script, however it ends.
+[ -n "${PORT_MOUNTS:-}" ] || PORT_MOUNTS=private exec unshare --mount scripts/port.sh "$@"
 
 # The one test that emulation cannot run: the root's C.UTF-8 is in the byte order of the machine that emulates.
 emulated_left_out='C\.UTF-8'
@@ -39,26 +41,36 @@ done
 work=$PWD/build/port/$target
 root=$work/root
 mkdir -p "$work"
-row=$target
+declare -A cells
 
 in_root() { chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 bash -euc "$1"; }
 
-# step NAME COMMAND: runs the command in the root's copy of the sources, prints a line and adds a cell to the row.
+# step NAME COMMAND: runs the command in the root's copy of the sources, prints a line and sets the step's cell.
 step() {
   [ ${#steps[@]} -eq 0 ] || [[ " ${steps[*]} " == *" $1 "* ]] || return 0
-  local begin=$SECONDS result=ok tests
+  local begin=$SECONDS result=passed
   in_root "cd /root/ii_ascii_util; $2" >"$work/$1.log" 2>&1 || result=FAILED
-  tests=$(sed -n 's/^.*% tests passed, \([0-9]*\) tests failed out of \([0-9]*\)$/\1 of \2 tests failed, /p' "$work/$1.log" | tail -n 1)
-  echo "$1: $result, $tests$((SECONDS - begin)) s ($work/$1.log)"
-  row+=" | $result, $tests$((SECONDS - begin)) s"
+  cells[$1]=$(sed -n 's/^.*% tests passed, \([0-9]*\) tests failed out of \([0-9]*\)$/\2 tests, \1 failed, /p' "$work/$1.log" | tail -n 1)
+  [ -z "${cells[$1]}" ] || cells[$1]+="$(grep -c '\*\*\*Skipped' "$work/$1.log" || true) skipped, "
+  cells[$1]+="$result in $((SECONDS - begin)) s"
+  echo "$1: ${cells[$1]} ($work/$1.log)"
   if [ "$result" = FAILED ]; then
     tail -n 20 "$work/$1.log"
     exit 1
   fi
 }
 
-unmount() { for directory in dev/pts dev proc; do umount -l "$root/$directory" 2>/dev/null || true; done; }
-trap unmount EXIT
+version() { in_root "dpkg-query --show --showformat='\${Version}' $1 | sed 's/[-+].*//'"; }
+
+# row COMPILER ARCHITECTURE STEP...: the row of the table, with the cells of those steps.
+row() {
+  local name text
+  text="| $target | GCC $(in_root "$1 -dumpfullversion"), glibc $(version "libc6:$2"), ACE $(version "libace-dev:$2")"
+  for name in "${@:3}"; do
+    text+=" | ${cells[$name]:-not run}"
+  done
+  echo "$text | $(date -u +%F) |"
+}
 
 scripts/setup.sh port
 case "$target" in
@@ -107,6 +119,7 @@ cross() {
       tar -xO ./usr/lib/$triplet/ii_ascii_util/ii_ascii_util.cdx.json >/root/bill.json
     grep -q 'arch=$arch' /root/bill.json
     ! grep 'arch=$(dpkg --print-architecture)' /root/bill.json"
+  row "$triplet-g++" "$arch" commands bundle-tests packages
 }
 
 native() {
@@ -118,6 +131,7 @@ native() {
     debian/tests/demo
     apt-get purge -y -q libii-ascii-util
     [ -z \"\$(find /usr -path '*ii_ascii_util*')\" ]"
+  row g++ "$(dpkg --print-architecture)" demo test packages
 }
 
 case "$target" in
@@ -125,4 +139,3 @@ case "$target" in
   arm64) cross arm64 aarch64-linux-gnu ;;
   s390x) cross s390x s390x-linux-gnu ;;
 esac
-echo "| $row | $(date -u +%F) |"
