@@ -8,29 +8,26 @@
 # processes, in repetitions in random order, and writes docs/benchmarks.md; with FILTER or --bundle it prints the page
 # instead. That takes some ten minutes on an idle machine.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+. "$(dirname "$0")/common.bash"
 
 filter=
 mode=run
 bundles=()
 while [ $# -gt 0 ]; do
   case "$1" in
-    --help) usage; exit 0 ;;
     --smoke | --report) mode=${1#--} ;;
     --bundle)
-      [[ ${2:-} == *=* ]] || { echo "bench.sh: --bundle needs NAME=LIBRARY; see --help" >&2; exit 2; }
+      [[ ${2:-} == *=* ]] || refuse "--bundle needs NAME=LIBRARY"
       bundles+=("--bundle=$2"); shift ;;
-    -*) echo "bench.sh: unknown option '$1'; see --help" >&2; exit 2 ;;
+    -*) refuse "unknown option '$1'" ;;
     *) filter=$1 ;;
   esac
   shift
 done
 
 scripts/setup.sh build test bench
-cmake --preset release -DASCII_UTIL_BUILD_BENCH=ON >/dev/null
-cmake --build --preset release --target ascii_util_bench >/dev/null
+quietly cmake --preset release -DASCII_UTIL_BUILD_BENCH=ON
+quietly cmake --build --preset release --target ascii_util_bench
 program=build/release/bench/ascii_util_bench
 
 case $mode in

@@ -6,13 +6,10 @@
 # RANGE is what git log takes (default: every commit after the one that introduced the rule). Exit 1 with one line for each
 # subject that breaks the rule. A clone that lacks the range's commits passes, and says so.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+. "$(dirname "$0")/common.bash"
 
 case "${1:-}" in
-  --help) usage; exit 0 ;;
-  -*) echo "commits.sh: unknown option '$1'; see --help" >&2; exit 2 ;;
+  -*) refuse "unknown option '$1'" ;;
 esac
 range=${1:-e090c52..HEAD}
 

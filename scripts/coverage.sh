@@ -7,15 +7,12 @@
 # Exit 1 when a line of src/ or framework/ is not covered. --html writes the annotated sources too. Branches that only an
 # exception takes are not counted.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+. "$(dirname "$0")/common.bash"
 
 html=()
 case "${1:-}" in
-  --help) usage; exit 0 ;;
   --html)
-    [ $# -ge 2 ] || { echo "coverage.sh: --html needs a directory" >&2; exit 2; }
+    [ $# -ge 2 ] || refuse "--html needs a directory"
     mkdir -p "$2"
     html=(--html-details "$2/index.html")
     shift 2
@@ -36,8 +33,7 @@ mkdir -p build
     ctest --test-dir "$build" --label-regex bundle --output-on-failure --parallel "$(nproc)" "$@"
 } >"$log" 2>&1 || {
   tail -n 40 "$log" >&2
-  echo "coverage.sh: the tests failed (above; all of it is in $log), so there is nothing to report" >&2
-  exit 1
+  fail "the tests failed (above; all of it is in $log), so there is nothing to report"
 }
 
 gcovr --root . --object-directory "$build" --filter 'src/' --filter 'framework/' --exclude-unreachable-branches \

@@ -7,31 +7,13 @@
 # Installs the Debian packages that are missing, builds what the demonstration needs into build/demo, and runs it. Log
 # records are indented, at the place where they were written.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/common.bash"
 
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
-
-case "${1:-}" in
-  --help) usage; exit 0 ;;
-  "") ;;
-  *) echo "demo.sh: unknown option '$1'; see --help" >&2; exit 2 ;;
-esac
+[ $# -eq 0 ] || refuse "unknown argument '$1'"
 
 scripts/setup.sh build
 
 build=build/demo
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
-
-# Prints the output of a command only when it fails.
-quietly() {
-  if ! "$@" >"$log" 2>&1; then
-    cat "$log" >&2
-    echo "demo.sh: failed: $*" >&2
-    exit 1
-  fi
-}
-
 targets=(almcfg bundle_host ii_ascii_util ii_ascii_recorder alarm_agent_example)
 if [ ! -f "$build/build.ninja" ]; then
   echo "Building into $build"

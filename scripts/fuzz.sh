@@ -9,15 +9,8 @@
 # When an input fails: exit 1, with the input's path and how to run it again. Add that input to the checked-in corpus and
 # write a test for the unit.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/common.bash"
 
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
-refuse() { echo "fuzz.sh: $1; see --help" >&2; exit 2; }
-
-if [ "${1:-}" = --help ]; then
-  usage
-  exit 0
-fi
 [ $# -ge 2 ] || refuse "expected a target and a number of seconds"
 target=$1 seconds=$2
 shift 2
@@ -33,15 +26,11 @@ else
 fi
 
 scripts/setup.sh build test check
+quietly cmake --preset fuzz
+quietly cmake --build --preset fuzz --target "${targets[@]/#/fuzz_}"
+
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-build() { cmake --preset fuzz && cmake --build --preset fuzz --target "${targets[@]/#/fuzz_}"; }
-if ! build >"$log" 2>&1; then
-  cat "$log" >&2
-  echo "fuzz.sh: the build failed (above)" >&2
-  exit 1
-fi
-
 all_executions=0
 for target in "${targets[@]}"; do
   found=build/fuzz-corpus/$target
@@ -50,8 +39,7 @@ for target in "${targets[@]}"; do
     -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -artifact_prefix="build/fuzz-corpus/$target-" \
     -print_final_stats=1 "$@" >"$log" 2>&1; then
     tail -n 60 "$log" >&2
-    echo "fuzz.sh: $target found something (above); run it again with build/fuzz/fuzz/fuzz_$target FILE" >&2
-    exit 1
+    fail "$target found something (above); run it again with build/fuzz/fuzz/fuzz_$target FILE"
   fi
   executions=$(awk '/^stat::number_of_executed_units/ { print $2 }' "$log")
   echo "$target: $executions executions, nothing found"

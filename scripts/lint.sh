@@ -7,15 +7,11 @@
 # of their packages, because other versions format differently. clang-tidy reads the compile commands of the release
 # preset, so build that preset first (scripts/test.sh does).
 set -euo pipefail
-cd "$(dirname "$0")/.."
-
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
-refuse() { echo "lint.sh: $1; see --help" >&2; exit 2; }
+. "$(dirname "$0")/common.bash"
 
 format_only=false
 while [[ ${1:-} == -* ]]; do
   case "$1" in
-    --help) usage; exit 0 ;;
     --format-only) format_only=true ;;
     *) refuse "unknown option '$1'" ;;
   esac
@@ -46,10 +42,7 @@ if [ ${#tidied[@]} -eq 0 ]; then
   exit 0
 fi
 commands=build/release/compile_commands.json
-if [ ! -f "$commands" ]; then
-  echo "lint.sh: $commands is missing; run scripts/test.sh first" >&2
-  exit 1
-fi
+[ -f "$commands" ] || fail "$commands is missing; run scripts/test.sh first"
 # clang-tidy rejects options that only GCC has.
 mkdir -p build/lint
 sed -E 's/ -f(no-gnu-unique|emit-class-debug-always)//g' "$commands" >build/lint/compile_commands.json

@@ -8,23 +8,18 @@
 # The package's own tests are not run; scripts/test.sh runs them all. The same sources and the same installed packages give
 # the same files.
 set -euo pipefail
-here=$PWD
-cd "$(dirname "$0")/.."
-
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
-fail() { echo "package.sh: $1" >&2; exit "${2:-1}"; }
+. "$(dirname "$0")/common.bash"
 
 output=
 options=()
 while [ $# -gt 0 ]; do
   case "$1" in
-    --help) usage; exit 0 ;;
     --output)
-      [ $# -ge 2 ] || fail "$1 needs a directory; see --help" 2
+      [ $# -ge 2 ] || refuse "$1 needs a directory"
       case "$2" in /*) output=$2 ;; *) output=$here/$2 ;; esac
       shift ;;
     -*) options+=("$1") ;;
-    *) fail "unknown argument '$1'; see --help" 2 ;;
+    *) refuse "unknown argument '$1'" ;;
   esac
   shift
 done

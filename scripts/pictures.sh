@@ -6,15 +6,9 @@
 #
 # Each picture of a .dot file ends with a comment that holds the checksum of its source; a test compares them.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/common.bash"
 
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
-
-case "${1:-}" in
-  --help) usage; exit 0 ;;
-  "") ;;
-  *) echo "pictures.sh: unknown option '$1'; see --help" >&2; exit 2 ;;
-esac
+[ $# -eq 0 ] || refuse "unknown argument '$1'"
 
 scripts/setup.sh build pictures
 for source in docs/images/*.dot; do
@@ -23,11 +17,6 @@ for source in docs/images/*.dot; do
   echo "<!-- $(sha256sum <"$source" | cut -d ' ' -f 1) -->" >>"$picture"
 done
 
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
-if ! { cmake --preset release && cmake --build build/release --target bundle_host ii_ascii_util; } >"$log" 2>&1; then
-  cat "$log" >&2
-  echo "pictures.sh: the build failed (above)" >&2
-  exit 1
-fi
+quietly cmake --preset release
+quietly cmake --build --preset release --target bundle_host ii_ascii_util
 python3 -B scripts/console_picture.py build/release >docs/images/console.svg

@@ -14,18 +14,15 @@
 # the table in docs/testing.md, in which "commands" is in the column of the demo. A log of each step is kept in build/port/TARGET.
 # The root is used again by the next run; remove it to start with a bare one. Exit 1 when a step failed.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+. "$(dirname "$0")/common.bash"
 
 target=${1:-}
 case "$target" in
-  --help) usage; exit 0 ;;
   debian12) release=bookworm ;;
   debian13 | arm64 | s390x) release=trixie ;;
-  *) echo "port.sh: unknown target '$target'; there are debian12, debian13, arm64 and s390x" >&2; exit 2 ;;
+  *) refuse "unknown target '$target'; there are debian12, debian13, arm64 and s390x" ;;
 esac
-[ "$(id -u)" -eq 0 ] || { echo "port.sh: only root can make a root directory for another system" >&2; exit 1; }
+[ "$(id -u)" -eq 0 ] || fail "only root can make a root directory for another system"
 # In a mount namespace of its own, so that the mounts below end with this script, however it ends.
 [ -n "${PORT_MOUNTS:-}" ] || PORT_MOUNTS=private exec unshare --mount scripts/port.sh "$@"
 
@@ -34,8 +31,7 @@ emulated_left_out='C\.UTF-8'
 
 steps=("${@:2}")
 for name in "${steps[@]}"; do
-  [[ " demo test packages setup build bundle-tests commands " == *" $name "* ]] ||
-    { echo "port.sh: unknown step '$name'; see --help" >&2; exit 2; }
+  [[ " demo test packages setup build bundle-tests commands " == *" $name "* ]] || refuse "unknown step '$name'"
 done
 
 work=$PWD/build/port/$target

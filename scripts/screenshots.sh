@@ -6,24 +6,16 @@
 # With DIRECTORY it writes there instead, and the page in a narrow window and in dark colours beside it. Builds almcfg and
 # installs what is missing.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/common.bash"
 
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
-
-case "${1:-}" in
-  --help) usage; exit 0 ;;
-  -*) echo "screenshots.sh: unknown option '$1'; see --help" >&2; exit 2 ;;
-esac
-[ $# -le 1 ] || { echo "screenshots.sh: one directory at most; see --help" >&2; exit 2; }
+[[ ${1:-} != -* ]] || refuse "unknown option '$1'"
+[ $# -le 1 ] || refuse "one directory at most"
 
 scripts/setup.sh build page
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-if ! { cmake --preset release && cmake --build build/release --target almcfg; } >"$work/log" 2>&1; then
-  cat "$work/log" >&2
-  echo "screenshots.sh: the build failed (above)" >&2
-  exit 1
-fi
+quietly cmake --preset release
+quietly cmake --build --preset release --target almcfg
 
 # A fixed time, so that the same page gives the same picture. almcfg reports the file's findings on standard error.
 SOURCE_DATE_EPOCH=1795219200 build/release/tools/almcfg/almcfg show --format html \

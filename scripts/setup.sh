@@ -6,8 +6,7 @@
 # Groups: build (default), test, coverage, check, lint, bench, package, page, pictures, port. Needs root or sudo only when something
 # is missing.
 set -euo pipefail
-
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+. "$(dirname "$0")/common.bash"
 
 # "a|b" means the first package that this Debian release has.
 packages_of() {
@@ -22,7 +21,7 @@ packages_of() {
     page) echo "chromium fonts-dejavu-core" ;;
     pictures) echo "graphviz fonts-dejavu-core" ;;
     port) echo "debootstrap qemu-user-static binfmt-support" ;;
-    *) echo "setup.sh: unknown group '$1'; there are build, test, coverage, check, lint, bench, package, page, pictures and port" >&2; return 1 ;;
+    *) refuse "unknown group '$1'; there are build, test, coverage, check, lint, bench, package, page, pictures and port" ;;
   esac
 }
 
@@ -48,10 +47,6 @@ first_available() {
   echo "$package"
 }
 
-if [ "${1:-}" = --help ]; then
-  usage
-  exit 0
-fi
 [ $# -gt 0 ] || set -- build
 
 missing=()
@@ -66,10 +61,7 @@ done
 echo "Installing ${missing[*]}"
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then
-  if ! command -v sudo >/dev/null; then
-    echo "setup.sh: not root and no sudo here; as root run: scripts/setup.sh $*" >&2
-    exit 1
-  fi
+  command -v sudo >/dev/null || fail "not root and no sudo here; as root run: scripts/setup.sh $*"
   as_root=(sudo)
 fi
 install() {
@@ -84,6 +76,5 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 if ! install "${missing[@]}" >"$log" 2>&1; then
   tail -n 20 "$log" >&2
-  echo "setup.sh: the installation failed (above)" >&2
-  exit 1
+  fail "the installation failed (above)"
 fi

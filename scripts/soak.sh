@@ -8,14 +8,10 @@
 # when that is less) and at the end. Exit 1 when a command fails, when the number of messages differs from the number of alarms,
 # or when memory grew by more than 5 % and more than 1 MiB.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
-fail() { echo "soak.sh: $1" >&2; exit 1; }
+. "$(dirname "$0")/common.bash"
 
 case "${1:-}" in
-  --help) usage; exit 0 ;;
-  "" | *[!0-9]* | 0*) echo "soak.sh: expected a number of seconds; see --help" >&2; exit 2 ;;
+  "" | *[!0-9]* | 0*) refuse "expected a number of seconds" ;;
 esac
 seconds=$1
 settle=$((seconds / 4 < 60 ? seconds / 4 : 60))
@@ -23,8 +19,8 @@ settle=$((seconds / 4 < 60 ? seconds / 4 : 60))
 scripts/setup.sh build
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-build() { cmake --preset release && cmake --build --preset release --target bundle_host ii_ascii_util alarm_agent_example; }
-build >"$work/build.log" 2>&1 || { cat "$work/build.log" >&2; fail "the build failed (above)"; }
+quietly cmake --preset release
+quietly cmake --build --preset release --target bundle_host ii_ascii_util alarm_agent_example
 # Uses copies, so that a build during the run does not replace the libraries.
 (cd build/release && cp host/bundle_host host/libbundle_host.so src/libii_ascii_util.so \
   examples/alarm_agent/libalarm_agent_example.so "$work")

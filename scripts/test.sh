@@ -6,32 +6,16 @@
 # PRESET is a preset of CMakePresets.json: release (default), debug, asan, tsan or coverage. What follows it goes to
 # ctest: `scripts/test.sh asan -R almtable` runs the tests of one unit under the sanitizers.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
+. "$(dirname "$0")/common.bash"
 
 preset=release
 case "${1:-}" in
-  --help) usage; exit 0 ;;
   release | debug | asan | tsan | coverage) preset=$1; shift ;;
   -* | "") ;;
-  *) echo "test.sh: unknown preset '$1'; there are release, debug, asan, tsan and coverage" >&2; exit 2 ;;
+  *) refuse "unknown preset '$1'; there are release, debug, asan, tsan and coverage" ;;
 esac
 
 scripts/setup.sh build test check package
-
-# Prints the output of a step only when the step fails.
-quietly() {
-  local log
-  log=$(mktemp)
-  if ! "$@" >"$log" 2>&1; then
-    cat "$log" >&2
-    rm -f "$log"
-    echo "test.sh: failed: $*" >&2
-    exit 1
-  fi
-  rm -f "$log"
-}
 
 echo "Building ($preset)"
 quietly cmake --preset "$preset" -DASCII_UTIL_BUILD_TESTS=ON

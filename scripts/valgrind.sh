@@ -8,14 +8,9 @@
 # tests are left out too: valgrind does not emulate that mode of the processor. Exit 1 when valgrind or a test finds an
 # error.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/common.bash"
 
-usage() { sed -n '2,/^set /p' "$0" | sed -n 's/^# \{0,1\}//p'; }
-
-case "${1:-}" in
-  --help) usage; exit 0 ;;
-  -*) echo "valgrind.sh: unknown option '$1'; see --help" >&2; exit 2 ;;
-esac
+[[ ${1:-} != -* ]] || refuse "unknown option '$1'"
 wanted=" $* "
 
 scripts/setup.sh test
@@ -25,10 +20,7 @@ while IFS= read -r program; do
   [ $# -eq 0 ] || [[ $wanted == *" ${program##*/} "* ]] || continue
   programs+=("$program")
 done < <(cd build/release/tests 2>/dev/null && find "${folders[@]}" -name '*_test' -type f -executable 2>/dev/null | sort)
-if [ ${#programs[@]} -eq 0 ]; then
-  echo "valgrind.sh: no test program in build/release/tests; run scripts/test.sh first" >&2
-  exit 1
-fi
+[ ${#programs[@]} -gt 0 ] || fail "no such test program in build/release/tests; run scripts/test.sh first"
 
 # Programs run in parallel, so the output of each is kept until it ends.
 export LOCPATH=$PWD/build/release/tests/text/locales ASCII_UTIL_TRIALS=0
