@@ -3,10 +3,10 @@
 #
 #   scripts/package.sh [--help] [--output DIR] [DPKG-BUILDPACKAGE-OPTION...]
 #
-# Installs what is missing, copies the working tree to build/package and has dpkg-buildpackage build the copy. DIR is where
-# the packages go (default: build/package/packages). The options are passed on: `-aarm64` builds for another architecture.
-# The package's own tests are not run; scripts/test.sh runs them all. The same sources and the same installed packages give
-# the same files.
+# Installs what is missing, copies the working tree into DIR and has dpkg-buildpackage build the copy. DIR is also where
+# the packages go (default: build/package); earlier ones there are removed. The options are passed on: `-aarm64` builds for
+# another architecture. The package's own tests are not run; scripts/test.sh runs them all. The same sources and the same
+# installed packages give the same files.
 set -euo pipefail
 . "$(dirname "$0")/common.bash"
 
@@ -26,12 +26,12 @@ done
 
 # A cross build needs the target's libraries in place of the machine's, which setup.sh would install.
 [[ " ${options[*]} " == *" -a"* ]] || scripts/setup.sh build package
-output=${output:-$PWD/build/package/packages}
-# One tree for each caller, always below the same path, so that two builds give the same files.
-tree=$output/build/ii-ascii-util
-rm -rf "$output"
+output=${output:-$PWD/build/package}
+work=$output/ii-ascii-util.work
+tree=$work/ii-ascii-util
+rm -rf "$work" "$output"/ii-ascii-util*_* "$output"/libii-ascii-util*_*
 mkdir -p "$tree"
-tar --create --exclude=./build --exclude=./.git . | tar --extract --directory "$tree"
+tar --create --exclude=./build --exclude=./.git --exclude=ii-ascii-util.work . | tar --extract --directory "$tree"
 
 umask 022
 export DEB_BUILD_OPTIONS="${DEB_BUILD_OPTIONS:-nocheck parallel=$(nproc)}" DEB_BUILD_PROFILES="${DEB_BUILD_PROFILES:-nocheck}"
@@ -40,6 +40,6 @@ if ! (cd "$tree" && dpkg-buildpackage --build=full --no-sign "${options[@]}") >"
   tail -n 40 "$log" >&2
   fail "the build failed (above; all of it in $log)"
 fi
-mv "$output"/build/ii-ascii-util*_* "$output/build"/*.deb "$output" 2>/dev/null || true
-rm -rf "$output/build"
+mv "$work"/*_* "$output"
+rm -rf "$work"
 ls "$output"/*.deb
