@@ -68,7 +68,7 @@ int HasKey(cds_lfht_node* link, const void* key) {
 }  // namespace
 
 RcuTable::RcuTable(const std::string& path)
-    : table_(cds_lfht_new(1024, 1024, 0, CDS_LFHT_AUTO_RESIZE, nullptr)) {
+    : table_(cds_lfht_new(1024, 1024, 0, CDS_LFHT_AUTO_RESIZE | CDS_LFHT_ACCOUNTING, nullptr)) {
   Load(path);
 }
 
