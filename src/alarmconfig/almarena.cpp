@@ -3,6 +3,8 @@
 
 #include "src/alarmconfig/almarena.h"
 
+#include <new>
+
 namespace NS_ASCII {
 
 AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
@@ -12,7 +14,7 @@ AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
   std::uint64_t first = next_;
   unsigned chunk = ChunkOf(static_cast<Ref>(first));
   // A piece lies in one chunk; the rest of a chunk that is too small for it stays unused.
-  while (chunk < kChunks && first + units > FirstOf(chunk) + UnitsOf(chunk)) {
+  while (chunk < kChunks && first + units > FirstOf(chunk + 1)) {
     first = FirstOf(++chunk);
   }
   if (chunk == kChunks) {
@@ -20,7 +22,7 @@ AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
   }
   if (chunks_[chunk] == nullptr) {
     // Not cleared, so that pages that are never written never become resident.
-    chunks_[chunk].reset(new char[BytesOf(UnitsOf(chunk))]);
+    chunks_[chunk].reset(new char[BytesOf(chunk)]);
   }
   next_ = first + units;
   return static_cast<Ref>(first);
@@ -29,7 +31,7 @@ AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
 std::size_t AlarmArena::ReservedBytes() const {
   std::size_t bytes = 0;
   for (unsigned chunk = 0; chunk < kChunks; ++chunk) {
-    bytes += chunks_[chunk] == nullptr ? 0 : BytesOf(UnitsOf(chunk));
+    bytes += chunks_[chunk] == nullptr ? 0 : BytesOf(chunk);
   }
   return bytes;
 }

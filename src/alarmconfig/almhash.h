@@ -30,7 +30,7 @@ class TextHash {
  public:
   explicit TextHash(const HashKey& key) : key_(key), state_(key.second) {}
 
-  void Add(std::string_view text) {
+  TextHash& Add(std::string_view text) {
     const char* p = text.data();
     std::size_t left = text.size();
     for (; left > 2 * kWord; p += 2 * kWord, left -= 2 * kWord) {
@@ -51,6 +51,7 @@ class TextHash {
     }
     // Added after the multiplication: before it, the size and the text's bytes could cancel out.
     state_ = Folded(a ^ key_.first, b ^ state_) + text.size();
+    return *this;
   }
 
   [[nodiscard]] std::uint32_t value() const {

@@ -25,6 +25,8 @@ static_assert(LargestRef(kFirstSlots) == 2047);
 static_assert(LargestRef(std::size_t{1} << 26) == 0x7FFFFFFF);
 static_assert(LargestRef(std::size_t{1} << 28) == 0xFFFFFFFF);
 
+auto FieldsOf(const AlarmKey& key) { return std::tie(key.key1, key.key2, key.key3, key.numKey); }
+
 /// The text's length as stored in a node.
 std::uint32_t LengthOf(std::string_view text) {
   if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
@@ -35,16 +37,12 @@ std::uint32_t LengthOf(std::string_view text) {
 
 }  // namespace
 
-bool ComesBefore(const AlarmKey& a, const AlarmKey& b) {
-  return std::tie(a.key1, a.key2, a.key3, a.numKey) > std::tie(b.key1, b.key2, b.key3, b.numKey);
-}
+bool ComesBefore(const AlarmKey& a, const AlarmKey& b) { return FieldsOf(a) > FieldsOf(b); }
 
 AlarmTable::SlotArray::SlotArray(std::size_t count)
-    : mask(count - 1), refMask(LargestRef(count)), slots(new std::atomic<std::uint32_t>[count]) {
-  for (std::size_t i = 0; i < count; ++i) {
-    slots[i].store(0, std::memory_order_relaxed);  // Not published yet.
-  }
-}
+    : mask(count - 1),
+      refMask(LargestRef(count)),
+      slots(std::make_unique<std::atomic<std::uint32_t>[]>(count)) {}
 
 AlarmTable::~AlarmTable() { delete CurrentArray(); }
 
@@ -53,12 +51,7 @@ void AlarmTable::Insert(const AlarmKey& key, std::string_view value) {
 }
 
 std::uint32_t AlarmTable::HashOf(const AlarmKey& key) const {
-  TextHash hash(hashKey_);
-  hash.Add(key.key1);
-  hash.Add(key.key2);
-  hash.Add(key.key3);
-  hash.Add(key.numKey);
-  return hash.value();
+  return TextHash(hashKey_).Add(key.key1).Add(key.key2).Add(key.key3).Add(key.numKey).value();
 }
 
 std::uint32_t AlarmTable::HashAndPrefetch(const AlarmKey& key) const {
@@ -145,24 +138,6 @@ const AlarmTable::Node& AlarmTable::NodeAt(Ref ref) const {
   return *std::launder(reinterpret_cast<const Node*>(nodes_.At(ref)));
 }
 
-bool AlarmTable::HasKey(Ref ref, const AlarmKey& key) const {
-  const Node& node = NodeAt(ref);
-  const char* text = reinterpret_cast<const char*>(&node + 1);
-  const std::string_view parts[] = {key.key1, key.key2, key.key3, key.numKey};
-  for (std::size_t i = 0; i < 4; ++i) {
-    if (node.lengths[i] != parts[i].size()) {
-      return false;
-    }
-  }
-  for (const std::string_view part : parts) {
-    if (std::string_view(text, part.size()) != part) {
-      return false;
-    }
-    text += part.size();
-  }
-  return true;
-}
-
 AlarmKey AlarmTable::KeyOf(Ref ref) const {
   const Node& node = NodeAt(ref);
   const char* text = reinterpret_cast<const char*>(&node + 1);
@@ -174,6 +149,8 @@ AlarmKey AlarmTable::KeyOf(Ref ref) const {
   // Braces evaluate from left to right.
   return AlarmKey{next(node.lengths[0]), next(node.lengths[1]), next(node.lengths[2]), next(node.lengths[3])};
 }
+
+bool AlarmTable::HasKey(Ref ref, const AlarmKey& key) const { return FieldsOf(KeyOf(ref)) == FieldsOf(key); }
 
 AlarmTable::Ref AlarmTable::Locate(const SlotArray& array, const AlarmKey& key, std::uint32_t hash,
                                    std::size_t& slot) const {

@@ -109,8 +109,8 @@ class AlarmTable {
   };
 
   [[nodiscard]] const Node& NodeAt(Ref ref) const;
-  [[nodiscard]] bool HasKey(Ref ref, const AlarmKey& key) const;
   [[nodiscard]] AlarmKey KeyOf(Ref ref) const;
+  [[nodiscard]] bool HasKey(Ref ref, const AlarmKey& key) const;
 
   [[nodiscard]] std::uint32_t HashOf(const AlarmKey& key) const;
 

@@ -14,17 +14,11 @@ constexpr std::size_t kFirstSlots = 16;
 
 }  // namespace
 
-std::uint32_t AlarmTextPool::HashOf(std::string_view text) const {
-  TextHash hash(hashKey_);
-  hash.Add(text);
-  return hash.value();
-}
-
 AlarmTextPool::Ref AlarmTextPool::Intern(std::string_view text) {
   if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
     throw std::bad_alloc();
   }
-  const std::uint32_t hash = HashOf(text);
+  const std::uint32_t hash = TextHash(hashKey_).Add(text).value();
   std::size_t slot = 0;
   if (!slots_.empty()) {
     slot = SlotOf(text, hash);
@@ -48,7 +42,7 @@ AlarmTextPool::Ref AlarmTextPool::Intern(std::string_view text) {
 }
 
 bool AlarmTextPool::Contains(std::string_view text) const {
-  return size_ != 0 && slots_[SlotOf(text, HashOf(text))].ref != 0;
+  return size_ != 0 && slots_[SlotOf(text, TextHash(hashKey_).Add(text).value())].ref != 0;
 }
 
 std::size_t AlarmTextPool::ReservedBytes() const {
@@ -65,19 +59,13 @@ std::size_t AlarmTextPool::SlotOf(std::string_view text, std::uint32_t hash) con
 }
 
 void AlarmTextPool::Grow() {
-  std::vector<Slot> larger(slots_.empty() ? kFirstSlots : 2 * slots_.size(), Slot{0, 0});
-  const std::size_t mask = larger.size() - 1;
-  for (const Slot& slot : slots_) {
-    if (slot.ref == 0) {
-      continue;
+  std::vector<Slot> old(slots_.empty() ? kFirstSlots : 2 * slots_.size(), Slot{0, 0});
+  slots_.swap(old);
+  for (const Slot& slot : old) {
+    if (slot.ref != 0) {
+      slots_[SlotOf(Text(slot.ref), slot.hash)] = slot;
     }
-    std::size_t i = slot.hash & mask;
-    while (larger[i].ref != 0) {
-      i = (i + 1) & mask;
-    }
-    larger[i] = slot;
   }
-  slots_.swap(larger);
 }
 
 }  // namespace NS_ASCII

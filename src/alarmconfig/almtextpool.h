@@ -46,8 +46,6 @@ class AlarmTextPool {
     Ref ref;  // 0 when the slot is free
   };
 
-  [[nodiscard]] std::uint32_t HashOf(std::string_view text) const;
-
   /// The slot that holds `text`, or the free one to use for it. There must be a free slot.
   [[nodiscard]] std::size_t SlotOf(std::string_view text, std::uint32_t hash) const;
   void Grow();
