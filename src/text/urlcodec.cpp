@@ -90,27 +90,26 @@ char* EncodeLineEnd(const char*& in, char* out) {
 
 /// The class of a byte when a stream extracts a hexadecimal integer. A digit's class is its value, 0 to 15.
 constexpr unsigned char kLastDigit = 15;
-constexpr unsigned char kSpace = 16;
-constexpr unsigned char kMinus = 17;
-constexpr unsigned char kOther = 18;
+constexpr unsigned char kMinus = 16;
+constexpr unsigned char kOther = 17;
+constexpr unsigned char kSpace = 18;
+constexpr unsigned char kNone = 19;  ///< A '%' or the end of the text, which end the preceding escape.
 
 constexpr std::array<unsigned char, 256> MakeEscapeClasses() {
   std::array<unsigned char, 256> classes{};
-  for (unsigned c = 0; c < 256; ++c) {
-    classes[c] = kOther;
+  for (unsigned char& other : classes) {
+    other = kOther;
   }
-  for (unsigned digit = 0; digit < 10; ++digit) {
-    classes['0' + digit] = static_cast<unsigned char>(digit);
+  for (unsigned char digit = 0; digit <= kLastDigit; ++digit) {
+    classes[static_cast<unsigned char>("0123456789abcdef"[digit])] = digit;
+    classes[static_cast<unsigned char>("0123456789ABCDEF"[digit])] = digit;
   }
-  for (unsigned digit = 10; digit < 16; ++digit) {
-    classes['a' + digit - 10] = static_cast<unsigned char>(digit);
-    classes['A' + digit - 10] = static_cast<unsigned char>(digit);
-  }
-  for (const char space : {' ', '\t', '\n', '\v', '\f', '\r'}) {
+  // Each '+' of the text is replaced by a space before escapes are read.
+  for (const char space : {' ', '\t', '\n', '\v', '\f', '\r', '+'}) {
     classes[static_cast<unsigned char>(space)] = kSpace;
   }
-  classes['+'] = kSpace;  // Each '+' of the text is replaced by a space before escapes are read.
   classes['-'] = kMinus;
+  classes['%'] = kNone;
   return classes;
 }
 
@@ -118,29 +117,20 @@ constexpr std::array<unsigned char, 256> kEscapeClasses = MakeEscapeClasses();
 
 unsigned ClassOf(char c) { return kEscapeClasses[static_cast<unsigned char>(c)]; }
 
-/// The number of characters, at most two, that belong to the escape at `in`: those before the next '%' and
-/// the end of the text.
-std::size_t EscapeLength(const char* in, const char* end) {
-  if (in == end || *in == '%') {
-    return 0;
+/// The value of an escape whose two characters are of these classes, not both digits, as stream extraction of
+/// a hexadecimal `int` reads them; `previous` when there is nothing but white space, which extraction does not
+/// read.
+unsigned UnusualEscapeValue(unsigned first, unsigned second, unsigned previous) {
+  if (first <= kLastDigit) {
+    return first;
   }
-  return end - in == 1 || in[1] == '%' ? 1 : 2;
-}
-
-/// The byte for an escape of these characters, as stream extraction of a hexadecimal `int` reads them;
-/// `previous` when there is nothing but white space, which extraction does not read. A missing second
-/// character counts as `kOther`.
-unsigned char ReadEscape(unsigned first, unsigned second, std::size_t length, unsigned char previous) {
-  if (length == 0 || (first == kSpace && (length == 1 || second == kSpace))) {
+  if (first >= kSpace && second >= kSpace) {
     return previous;
   }
-  unsigned value = 0;
-  if (first <= kLastDigit) {
-    value = second <= kLastDigit ? first << 4 | second : first;
-  } else if (first != kOther && second <= kLastDigit) {
-    value = first == kMinus ? 0 - second : second;
+  if (first == kOther || second > kLastDigit) {
+    return 0;
   }
-  return static_cast<unsigned char>(value);
+  return first == kMinus ? 0 - second : second;
 }
 
 std::string Convert(const std::string& text) {
@@ -186,16 +176,23 @@ std::string GetURLDecoding(std::string text) {
   char* out = text.data();
   const char* in = text.data();
   const char* const end = in + text.size();
-  unsigned char byte = 0;
+  unsigned value = 0;
   while (in != end) {
     const char c = *in++;
     if (c != '%') {
       *out++ = c == '+' ? ' ' : c;
     } else if (in != end) {  // A '%' at the very end is dropped.
-      const std::size_t length = EscapeLength(in, end);
-      byte = ReadEscape(ClassOf(in[0]), length == 2 ? ClassOf(in[1]) : kOther, length, byte);
-      *out++ = static_cast<char>(byte);
-      in += length;
+      const unsigned first = ClassOf(in[0]);
+      unsigned second = ClassOf(in[1]);  // The terminating NUL is of class kOther.
+      if ((first | second) <= kLastDigit) {
+        value = first << 4 | second;
+        in += 2;
+      } else {
+        second = first == kNone || in + 1 == end ? kNone : second;
+        in += first == kNone ? 0 : second == kNone ? 1 : 2;
+        value = UnusualEscapeValue(first, second, value);
+      }
+      *out++ = static_cast<char>(value);
     }
   }
   text.resize(static_cast<std::size_t>(out - text.data()));
