@@ -122,7 +122,13 @@ std::int64_t AsciiUtilInterfaceImpl::ParseListMap(ListMap& map, const std::strin
 
 std::int64_t AsciiUtilInterfaceImpl::GetMapList(const ListMap& map, const std::string& name,
                                                 std::vector<std::string>& items) {
-  return CopyList(map, name, items) ? 0 : 1;
+  const auto entry = map.find(name);
+  if (entry == map.end() || entry->second.empty()) {
+    return 1;
+  }
+  std::vector<std::string> copy = entry->second;
+  items.swap(copy);  // `items` is unchanged when copying runs out of memory.
+  return 0;
 }
 
 std::int64_t AsciiUtilInterfaceImpl::SplitStr(const std::string& text, const std::string& separator,
@@ -147,7 +153,8 @@ void AsciiUtilInterfaceImpl::ParseListEntry(const std::string& entry, std::strin
                                             std::vector<std::string>& items) {
   std::string value;
   SplitFirst(entry, name, value, "=");
-  SplitStr(value, ItemSeparator(name), items);
+  // Required: names are compared up to their first NUL; "|" is an ordinary character in a path.
+  SplitStr(value, std::string(1, std::strcmp(name.c_str(), "PATH") == 0 ? '-' : '|'), items);
 }
 
 }  // namespace NS_ASCII

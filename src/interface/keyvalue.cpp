@@ -74,11 +74,12 @@ std::string_view ValueIn(std::string_view rest) {
 }  // namespace
 
 std::string_view FindValue(std::string_view key, std::string_view text) {
-  key = key.substr(0, key.find('\0'));
-  const auto isSeparator = [](char c) { return c == '=' || c == ','; };
-  if (key.empty() || IsWhiteSpace(key.front()) || std::any_of(key.begin(), key.end(), isSeparator)) {
+  const auto endsKey = [](char c) { return c == '=' || c == ',' || c == '\0'; };
+  const std::size_t length = std::find_if(key.begin(), key.end(), endsKey) - key.begin();
+  if (length == 0 || IsWhiteSpace(key.front()) || (length < key.size() && key[length] != '\0')) {
     return {};  // No trimmed pair has such a key.
   }
+  key = key.substr(0, length);
   const std::size_t end = text.size() - std::min(text.size(), key.size());
   for (std::size_t pos = 0; (pos = FindPlace(key, text, pos, end)) != end; ++pos) {
     if (StartsPair(text, pos)) {

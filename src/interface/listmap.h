@@ -4,10 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "ascii_util/ascii_util_interface.h"
-
-/// Splits texts into pieces, and copies lists of a `ListMap`. Functions without state: any thread may call
-/// them; lists and maps belong to the caller.
+/// Splits texts into the items of lists and the entries of a `ListMap`. Functions without state: any thread
+/// may call them; texts and lists belong to the caller.
 namespace NS_ASCII {
 
 /// Appends the pieces of `text` between the occurrences of `separator`, trimmed, empty ones included, to
@@ -22,13 +20,6 @@ void AppendPieces(const std::string& text, const std::string& separator, std::ve
 /// result is false and both are unchanged.
 bool SplitAtFirst(const std::string& source, std::string& head, std::string& tail,
                   const std::string& delimiters);
-
-/// The separator of the items of the entry `name`.
-const char* ItemSeparator(const std::string& name);
-
-/// Copies the list of `name` to `items` and returns true. Returns false, `items` unchanged, when `map` has no
-/// such name or its list is empty.
-bool CopyList(const ListMap& map, const std::string& name, std::vector<std::string>& items);
 
 }  // namespace NS_ASCII
 

@@ -7,7 +7,7 @@
 
 #include <locale.h>
 
-#include <functional>
+#include <algorithm>
 
 namespace NS_ASCII {
 namespace {
@@ -29,12 +29,6 @@ void FlipLetters(std::string& text, char firstLetter) {
 
 }  // namespace
 
-bool IsElementOf(const std::string& text, const std::vector<std::string>& list) {
-  // Pointers into different objects are only ordered by std::less.
-  const std::less<const std::string*> less;
-  return !list.empty() && !less(&text, &list.front()) && !less(&list.back(), &text);
-}
-
 std::string TrimLeft(const std::string& text) { return std::string(TrimLeftView(text)); }
 
 std::string TrimRight(const std::string& text) { return std::string(TrimRightView(text)); }
@@ -45,9 +39,7 @@ std::string StrToUpper(std::string text) {
   if (*__ctype_toupper_loc() == BuiltInLocale().__ctype_toupper) {
     FlipLetters(text, 'a');
   } else {
-    for (char& c : text) {
-      c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
-    }
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return toupper(c); });
   }
   return text;
 }
@@ -56,9 +48,7 @@ std::string StrToLower(std::string text) {
   if (*__ctype_tolower_loc() == BuiltInLocale().__ctype_tolower) {
     FlipLetters(text, 'A');
   } else {
-    for (char& c : text) {
-      c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
-    }
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return tolower(c); });
   }
   return text;
 }

@@ -1,10 +1,8 @@
 #ifndef SRC_TEXT_STRFUNCTIONS_H_
 #define SRC_TEXT_STRFUNCTIONS_H_
 
-#include <algorithm>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "ascii_util/text_functions.h"
 
@@ -42,10 +40,6 @@ inline std::string_view TrimView(std::string_view text) { return TrimRightView(T
 /// Changes `text` to upper case, each byte passed to the C library as a signed value. `StrToUpper` passes
 /// unsigned ones; in a few locales the two differ for byte 0xFF.
 void MakeUpperSigned(std::string& text);
-
-/// Whether `text` is one of the objects in `list`, so that appending to the list may invalidate it. Does not
-/// compare texts.
-bool IsElementOf(const std::string& text, const std::vector<std::string>& list);
 
 }  // namespace NS_ASCII
 

@@ -11,7 +11,6 @@
 
 namespace {
 
-using NS_ASCII::IsElementOf;
 using NS_ASCII::Num2Str;
 using NS_ASCII::StrToLower;
 using NS_ASCII::StrToUpper;
@@ -73,23 +72,6 @@ void ExpectTrimmedAsByTheLiteralRule(const std::string& text) {
 TEST(Trim, AgreesWithTheLiteralRuleInAllItsForms) {
   testing_text::ForEachText({" \t\n\r\v\0a\xA0", 8}, 5,
                             [](const std::string& text) { ExpectTrimmedAsByTheLiteralRule(text); });
-}
-
-TEST(IsElementOf, KnowsTheStringsOfAListByTheirPlace) {
-  static const std::string kStatic = "a";
-  const std::string onStack = "a";
-  const std::vector<std::string> list(3, "a");
-  const std::vector<std::string> other(3, "a");
-  for (const std::string& element : list) {
-    EXPECT_TRUE(IsElementOf(element, list));
-    EXPECT_FALSE(IsElementOf(element, other));
-  }
-  for (const std::string& element : other) {
-    EXPECT_FALSE(IsElementOf(element, list));
-  }
-  EXPECT_FALSE(IsElementOf(onStack, list));
-  EXPECT_FALSE(IsElementOf(kStatic, list));
-  EXPECT_FALSE(IsElementOf(onStack, {}));
 }
 
 TEST(StrToUpper, RaisesLettersAndNothingElse) {
