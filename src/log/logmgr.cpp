@@ -163,17 +163,12 @@ bool LogMgr::ObtainOwnLogger() {
 }
 
 void LogMgr::LogPos(const std::string& message) {
-  if (const PosForDbg* const position = storage_.Record(); position != nullptr) {
-    LogAt(*position, message);
-  } else if (storage_.IsClosed()) {
-    LogAt(PosForDbg(), message);
+  const PosForDbg* const record = storage_.Record();
+  if (logger_ == nullptr || (record == nullptr && !storage_.IsClosed())) {
+    return;
   }
-}
-
-void LogMgr::LogAt(const PosForDbg& position, const std::string& message) {
-  if (logger_ != nullptr) {
-    logger_->Log(position.file, position.func, position.line, 0, message);
-  }
+  const PosForDbg position = record == nullptr ? PosForDbg() : *record;
+  logger_->Log(position.file, position.func, position.line, 0, message);
 }
 
 }  // namespace NS_ASCII

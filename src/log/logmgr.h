@@ -74,8 +74,6 @@ class LogMgr : private ACE_Copy_Disabled {
   /// Fetches the logger and returns whether there is one.
   bool ObtainOwnLogger();
 
-  void LogAt(const NS_LOG_SERVICE1::PosForDbg& position, const std::string& message);
-
   PosStorage storage_;
   NS_LOG_SERVICE1::Logger* logger_ = nullptr;
 };
