@@ -72,6 +72,10 @@ Bundle::~Bundle() {
 }
 
 void Bundle::SetConfigFile(const std::string& file) {
+  static std::string linked;
+  if (std::exchange(linked, file) == file) {
+    return;
+  }
   const fs::path link = Directory() / "ii_asciiagent_bundle" / "AlarmConfig.csv";
   setenv("BUNDLE_HOST_CONFIG_DIR", Directory().c_str(), 1);
   fs::create_directories(link.parent_path());
