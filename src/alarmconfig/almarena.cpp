@@ -3,8 +3,6 @@
 
 #include "src/alarmconfig/almarena.h"
 
-#include <new>
-
 namespace NS_ASCII {
 
 AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
@@ -22,7 +20,7 @@ AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
   }
   if (chunks_[chunk] == nullptr) {
     // Not cleared, so that pages that are never written never become resident.
-    chunks_[chunk].reset(new char[BytesOf(chunk)]);
+    chunks_[chunk].reset(new char[BytesOf(UnitsOf(chunk))]);
   }
   next_ = first + units;
   return static_cast<Ref>(first);
@@ -31,7 +29,7 @@ AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
 std::size_t AlarmArena::ReservedBytes() const {
   std::size_t bytes = 0;
   for (unsigned chunk = 0; chunk < kChunks; ++chunk) {
-    bytes += chunks_[chunk] == nullptr ? 0 : BytesOf(chunk);
+    bytes += chunks_[chunk] == nullptr ? 0 : BytesOf(UnitsOf(chunk));
   }
   return bytes;
 }

@@ -4,7 +4,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
+#include <new>
 
 namespace NS_ASCII {
 
@@ -46,7 +48,17 @@ class AlarmArena {
   static constexpr unsigned kFirstChunkBits = 12;  // 4,096 units, 16 KiB
   static constexpr unsigned kChunks = 32 - kFirstChunkBits;
 
-  static constexpr std::size_t BytesOf(unsigned chunk) { return kUnitBytes << (kFirstChunkBits + chunk); }
+  static constexpr std::uint64_t UnitsOf(unsigned chunk) {
+    return std::uint64_t{1} << (kFirstChunkBits + chunk);
+  }
+  /// Throws `std::bad_alloc` when that many bytes do not fit into a `Size`.
+  template <class Size = std::size_t>
+  static constexpr Size BytesOf(std::uint64_t units) {
+    if (units > std::numeric_limits<Size>::max() / kUnitBytes) {
+      throw std::bad_alloc();
+    }
+    return static_cast<Size>(units * kUnitBytes);
+  }
   /// The first unit of the chunk: the smaller chunks have (2^chunk - 1) times the units of chunk 0.
   static constexpr std::uint64_t FirstOf(unsigned chunk) {
     return ((std::uint64_t{1} << chunk) - 1) << kFirstChunkBits;

@@ -15,6 +15,11 @@ struct NextUnit {
   friend constexpr auto Of(NextUnit);
 };
 template struct Opened<NextUnit, &NS_ASCII::AlarmArena::next_>;
+
+struct BytesOf32Bits {
+  friend constexpr auto Of(BytesOf32Bits);
+};
+template struct Opened<BytesOf32Bits, &NS_ASCII::AlarmArena::BytesOf<std::uint32_t>>;
 }  // namespace private_member
 
 namespace {
@@ -59,6 +64,13 @@ TEST(AlarmArena, ReservesChunksThatDouble) {
   EXPECT_EQ(arena.ReservedBytes(), 3 * kFirstChunkBytes);
   EXPECT_EQ(arena.Allocate(1), 3U * 4096U);
   EXPECT_EQ(arena.ReservedBytes(), 7 * kFirstChunkBytes);
+}
+
+// With 32-bit sizes the size of a 4 GiB chunk would otherwise wrap to 0.
+TEST(AlarmArena, RefusesAChunkWhoseSizeDoesNotFit) {
+  constexpr auto kBytesOf = Of(private_member::BytesOf32Bits());
+  EXPECT_EQ(kBytesOf(0x3FFFFFFF), 0xFFFFFFFCU);
+  EXPECT_THROW(kBytesOf(0x40000000), std::bad_alloc);
 }
 
 TEST(AlarmArena, KeepsAPieceInOneChunk) {
