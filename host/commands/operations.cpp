@@ -59,20 +59,6 @@ T FromValue(const Value& value) {
   }
 }
 
-/// The spelling of a parameter type in a linker name.
-template <class T>
-std::string LinkerName() {
-  constexpr const char* kString = "NSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE";
-  if constexpr (std::is_same_v<T, int>) {
-    return "i";
-  } else if constexpr (std::is_same_v<T, std::string>) {
-    return kString;
-  } else {
-    static_assert(std::is_same_v<T, const std::string&>);
-    return std::string("RK") + kString;
-  }
-}
-
 /// Builds rows for operations with the parameter types `Args`.
 template <class Result, class... Args>
 class RowMaker {
@@ -139,18 +125,22 @@ Operation Row(const char* name, Result (Class::*operation)(Args...),
 template <class Function>
 struct TextFunction;
 
-template <class Result, class... Args>
-struct TextFunction<Result (*)(Args...)> {
+template <class Result, class Argument>
+struct TextFunction<Result (*)(Argument)> {
   /// A row for an exported text function. Its symbol is looked up in the loaded libraries at each call.
-  static Operation Row(const std::string& name, const typename RowMaker<Result, Args...>::Names& names) {
-    Operation row = RowMaker<Result, Args...>::Make(name, names, [](const Target& target, Args... args) {
-      return reinterpret_cast<Result (*)(Args...)>(target.function)(static_cast<Args>(args)...);
-    });
+  static Operation Row(const std::string& name, const Parameter& parameter) {
+    using Function = Result (*)(Argument);
+    Operation row =
+        RowMaker<Result, Argument>::Make(name, {parameter}, [](const Target& target, Argument argument) {
+          return reinterpret_cast<Function>(target.function)(static_cast<Argument>(argument));
+        });
     // Linker names do not spell the return type; when only the result is a std::string, the name has the tag
     // [abi:cxx11].
-    constexpr bool kTakesString = (std::is_same_v<Plain<Args>, std::string> || ...);
-    row.symbol = "_ZN8NS_ASCII" + std::to_string(name.size()) + name + (kTakesString ? "E" : "B5cxx11E") +
-                 (LinkerName<Args>() + ...);
+    const std::string text = "NSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE";
+    const std::string end = std::is_same_v<Argument, int>   ? "B5cxx11Ei"
+                            : std::is_reference_v<Argument> ? "ERK" + text
+                                                            : "E" + text;
+    row.symbol = "_ZN8NS_ASCII" + std::to_string(name.size()) + name + end;
     return row;
   }
 };
@@ -179,14 +169,14 @@ std::vector<Operation> MakeTable() {
       Row("GetMapList", &I::GetMapList, {Parameter{"map"}, {"name"}, {"items"}}),
       Row("SplitStr", &I::SplitStr, {text, separator, {"pieces"}}),
       Row("WriteDbgLog", &I::WriteDbgLog, {Parameter{"message"}}),
-      TakesReference::Row("Trim", {text}),
-      TakesValue::Row("StrToUpper", {text}),
-      TakesValue::Row("StrToLower", {text}),
-      TakesInt::Row("Num2Str", {Parameter{"number"}}),
-      TakesValue::Row("GetURLEncoding", {text}),
-      TakesValue::Row("GetURLDecoding", {text}),
-      TakesValue::Row("SetURLDecoding", {text}),
-      TakesValue::Row("utf8toiso8859", {text}),
+      TakesReference::Row("Trim", text),
+      TakesValue::Row("StrToUpper", text),
+      TakesValue::Row("StrToLower", text),
+      TakesInt::Row("Num2Str", {"number"}),
+      TakesValue::Row("GetURLEncoding", text),
+      TakesValue::Row("GetURLDecoding", text),
+      TakesValue::Row("SetURLDecoding", text),
+      TakesValue::Row("utf8toiso8859", text),
   };
 }
 

@@ -4,17 +4,18 @@
 #include "host/commands/replay.h"
 
 #include <cxxabi.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <optional>
 #include <sstream>
+#include <string_view>
 #include <system_error>
 #include <typeinfo>
 #include <utility>
@@ -67,28 +68,26 @@ Thrown CurrentException() {
   return thrown;
 }
 
-/// Turns an escaped text into one argument of `call`: in quotes where it needs them, with "'" as \x27.
-std::string AsArgument(const std::string& escaped) {
-  std::string text;
-  for (const char c : escaped) {
-    if (c == '\'') {
-      text += "\\x27";
-    } else {
-      text += c;
-    }
+/// Replaces each of the characters `special` by \xNN.
+std::string EscapeAlso(std::string_view special, const std::string& text) {
+  std::string escaped;
+  for (const char c : text) {
+    constexpr const char* kDigits = "0123456789abcdef";
+    const bool isSpecial = special.find(c) != std::string_view::npos;
+    escaped += isSpecial ? std::string{'\\', 'x', kDigits[c >> 4], kDigits[c & 15]} : std::string(1, c);
   }
+  return escaped;
+}
+
+/// Turns an escaped text into one argument of `call`: in quotes where it needs them.
+std::string AsArgument(const std::string& text) {
   const bool needsQuotes = text.empty() || text.find_first_of(" \"#") != std::string::npos;
-  return needsQuotes ? '\'' + text + '\'' : text;
+  const std::string argument = EscapeAlso("'", text);
+  return needsQuotes ? '\'' + argument + '\'' : argument;
 }
 
 /// A part of a map, with its separators escaped.
-std::string MapPart(const std::string& text) {
-  std::string part;
-  for (const char c : EscapeBytes(text)) {
-    part += c == ',' ? "\\x2c" : c == '|' ? "\\x7c" : c == '=' ? "\\x3d" : std::string(1, c);
-  }
-  return part;
-}
+std::string MapPart(const std::string& text) { return EscapeAlso(",|=", EscapeBytes(text)); }
 
 std::string MapText(const NS_ASCII::ListMap& map) {
   std::string text;
@@ -249,8 +248,7 @@ Replay ReplayCalls(const ReplayOptions& options, NS_ASCII::AsciiUtilInterface& i
   if (!file) {
     throw Failure(options.file + ": " + std::generic_category().message(errno));
   }
-  struct stat status {};
-  if (::stat(options.file.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+  if (std::error_code none; std::filesystem::is_directory(options.file, none)) {
     throw Failure(options.file + ": is a directory; give the file that the recorder wrote");
   }
   Player player(options, interface);

@@ -8,7 +8,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <tuple>
 
 #include "host/base/problem.h"
 #include "host/loader/library_search.h"
@@ -64,18 +63,12 @@ std::string Join(const std::vector<std::string>& names) {
 
 }  // namespace
 
-bool FileIdentity::operator==(const FileIdentity& other) const {
-  return std::tie(device, inode, size, modified) ==
-         std::tie(other.device, other.inode, other.size, other.modified);
-}
-
 FileIdentity IdentityOf(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) {
     return {};
   }
-  return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
-          std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec};
+  return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
 void LibraryHandle::Close::operator()(void* handle) const { dlclose(handle); }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 /// The shared libraries of this process: load, look up symbols, list, and explain why one is still mapped.
@@ -11,16 +12,8 @@
 namespace host {
 
 /// Identifies a file and its version: two values differ when the path leads to another file or the file was
-/// written.
-struct FileIdentity {
-  std::uint64_t device = 0;
-  std::uint64_t inode = 0;  ///< 0 when there is no such file
-  std::uint64_t size = 0;
-  std::int64_t modified = 0;  ///< nanoseconds since 1970
-
-  bool operator==(const FileIdentity& other) const;
-  bool operator!=(const FileIdentity& other) const { return !(*this == other); }
-};
+/// written. Device, inode, size, and the seconds and nanoseconds of the last change of its contents.
+using FileIdentity = std::tuple<std::uint64_t, std::uint64_t, std::int64_t, std::int64_t, std::int64_t>;
 
 /// The identity of the file at `path`; all zero when there is none.
 FileIdentity IdentityOf(const std::string& path);

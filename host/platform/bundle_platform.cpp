@@ -5,12 +5,10 @@
 
 #include <ace/Log_Msg.h>
 #include <ace/Service_Object.h>
-#include <dirent.h>
-#include <sys/stat.h>
 
-#include <cerrno>
+#include <filesystem>
+#include <map>
 #include <memory>
-#include <set>
 #include <system_error>
 
 #include "host/base/problem.h"
@@ -29,42 +27,38 @@ std::vector<std::string> SetUpConfiguration(const PlatformOptions& options) {
   if (directory.empty()) {
     return {};
   }
-  const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(directory.c_str()), closedir);
-  if (opened == nullptr) {
-    throw Failure("configuration directory " + directory + ": " + std::generic_category().message(errno));
+  namespace fs = std::filesystem;
+  std::error_code error;
+  const fs::directory_iterator opened(directory, error);
+  if (error) {
+    throw Failure("configuration directory " + directory + ": " + error.message());
   }
   const std::string items = directory + kItemsFile;
-  // lstat, not stat: a dangling link is reported as an error, not treated as a missing file.
-  if (struct stat status{}; lstat(items.c_str(), &status) != 0 && errno == ENOENT) {
-    return {};
-  }
-  return LoadItems(items);
+  // The status of a link itself: a dangling one is reported as an error, not treated as a missing file.
+  const bool exists = fs::symlink_status(items, error).type() != fs::file_type::not_found;
+  return exists ? LoadItems(items) : std::vector<std::string>();
 }
 
 PlatformOptions ParseArguments(int argc, ACE_TCHAR* argv[]) {
-  PlatformOptions options;
-  std::set<std::string> seen;
+  std::map<std::string, std::string> values{{"--config-dir", ""}, {"--log-file", ""}, {"--log-level", ""}};
   for (int at = 0; at < argc; at += 2) {
     const std::string name = argv[at];
-    if (name != "--config-dir" && name != "--log-file" && name != "--log-level") {
+    const auto option = values.find(name);
+    if (option == values.end()) {
       throw UsageError("no option '" + name + "'" +
                        DidYouMean(name, {"--config-dir", "--log-file", "--log-level"},
                                   "; there are --config-dir, --log-file and --log-level"));
     }
-    if (!seen.insert(name).second) {
+    if (!option->second.empty()) {
       throw UsageError(name + " is given twice");
     }
-    const std::string value = at + 1 < argc ? argv[at + 1] : "";
-    if (value.empty()) {
+    option->second = at + 1 < argc ? argv[at + 1] : "";
+    if (option->second.empty()) {
       throw UsageError(name + " needs a value after it");
     }
-    if (name == "--log-level") {
-      options.logLevel = ParseLogLevel(value);
-    } else {
-      (name == "--log-file" ? options.logFile : options.configDir) = value;
-    }
   }
-  return options;
+  const std::string& level = values["--log-level"];
+  return {values["--config-dir"], values["--log-file"], level.empty() ? 0 : ParseLogLevel(level)};
 }
 
 class BundlePlatform : public ACE_Service_Object {

@@ -4,6 +4,7 @@
 #include <iconv.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <string>
 #include <string_view>
@@ -46,45 +47,19 @@ class Descriptor {
   iconv_t value_ = None();
 };
 
-/// A growing output text. The initial size holds a usual text as a whole: iconv repeats work whenever it
-/// runs out of space.
-class Output {
- public:
-  explicit Output(std::size_t space) : text_(space, '\0') {}
-
-  /// Appends what `convert` writes, growing the text as needed. Returns 0 or the errno value other than
-  /// E2BIG.
-  int Write(const Descriptor& convert, char*& in, std::size_t& left) {
-    for (;;) {
-      char* out = text_.data() + length_;
-      std::size_t space = text_.size() - length_;
-      const int problem = convert.Step(in, left, out, space);
-      length_ = text_.size() - space;
-      if (problem != E2BIG) {
-        return problem;
-      }
-      Grow();
+/// Appends to `out` what `convert` writes. Returns 0, or the errno value that stopped it, other than E2BIG.
+int Append(const Descriptor& convert, char*& in, std::size_t& left, std::string& out) {
+  for (;;) {
+    std::array<char, 4096> buffer;
+    char* end = buffer.data();
+    std::size_t space = buffer.size();
+    const int problem = convert.Step(in, left, end, space);
+    out.append(buffer.data(), end);
+    if (problem != E2BIG) {
+      return problem;
     }
   }
-
-  void Add(char c) {
-    if (length_ == text_.size()) {
-      Grow();
-    }
-    text_[length_++] = c;
-  }
-
-  std::string Take() {
-    text_.resize(length_);
-    return std::move(text_);
-  }
-
- private:
-  void Grow() { text_.resize(2 * text_.size() + 16); }
-
-  std::string text_;
-  std::size_t length_ = 0;
-};
+}
 
 /// The most bytes passed to iconv per call. At a character that the target lacks, iconv converts its whole
 /// input once more; pieces keep the time linear.
@@ -115,18 +90,19 @@ class Converter {
     if (!usual_) {
       convert_.Reset();  // The previous conversion may have thrown std::bad_alloc in a shift state.
     }
-    Output converted(input.size());
+    std::string converted;
+    converted.reserve(input.size());
     while (left > 0) {
       const std::size_t given = std::min(left, kPieceBytes);
       std::size_t rest = given;
-      const int problem = converted.Write(convert_, in, rest);
+      const int problem = Append(convert_, in, rest, converted);
       left -= given - rest;
       // The piece ends inside a character and more input follows: the next piece starts with that character.
       // When iconv converted nothing, it would not do so in the next call either.
       const bool isCutByPiece = problem == EINVAL && rest < given && rest < left;
       if (problem != 0 && !isCutByPiece) {
         complete = false;
-        converted.Add('?');
+        converted += '?';
         const std::size_t bad = CharacterLength(in, std::min(left, kPieceBytes));
         in += bad;
         left -= bad;
@@ -134,9 +110,9 @@ class Converter {
     }
     if (!usual_) {
       char* noInput = nullptr;
-      converted.Write(convert_, noInput, left);
+      Append(convert_, noInput, left, converted);
     }
-    output = converted.Take();
+    output = std::move(converted);
     return complete;
   }
 

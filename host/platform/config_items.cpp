@@ -20,21 +20,6 @@ namespace {
 
 using ItemMap = std::map<std::string, std::string>;
 
-struct ItemStore {
-  Mutex lock;
-  ItemMap items HOST_THREAD_SAFETY(guarded_by(lock));
-};
-
-ItemStore& TheStore() {
-  static auto& store = *new ItemStore;
-  return store;
-}
-
-struct ConfigDir {
-  Mutex lock;
-  std::string path HOST_THREAD_SAFETY(guarded_by(lock));
-};
-
 std::string WithFinalSlash(std::string directory) {
   if (!directory.empty() && directory.back() != '/') {
     directory += '/';
@@ -42,13 +27,19 @@ std::string WithFinalSlash(std::string directory) {
   return directory;
 }
 
-ConfigDir& TheConfigDir() {
+struct Store {
+  Mutex lock;
+  std::string directory HOST_THREAD_SAFETY(guarded_by(lock));
+  ItemMap items HOST_THREAD_SAFETY(guarded_by(lock));
+};
+
+Store& TheStore() {
   const auto fromEnvironment = [] {
     const char* const named = std::getenv(kConfigDirVariable);
     return WithFinalSlash(named == nullptr ? "" : named);
   };
-  static auto& directory = *new ConfigDir{{}, fromEnvironment()};
-  return directory;
+  static auto& store = *new Store{{}, fromEnvironment(), {}};
+  return store;
 }
 
 std::string_view Trimmed(std::string_view text) {
@@ -148,9 +139,9 @@ std::optional<int> ParseInt(const std::string& text) {
 }
 
 void SetConfigDir(const std::string& directory) {
-  ConfigDir& place = TheConfigDir();
-  const MutexLock guard(place.lock);
-  place.path = WithFinalSlash(directory);
+  Store& store = TheStore();
+  const MutexLock guard(store.lock);
+  store.directory = WithFinalSlash(directory);
 }
 
 std::vector<std::string> LoadItems(const std::string& file) {
@@ -161,7 +152,7 @@ std::vector<std::string> LoadItems(const std::string& file) {
   }
   ItemReader reader(file);
   reader.Read();
-  ItemStore& store = TheStore();
+  Store& store = TheStore();
   const MutexLock guard(store.lock);
   for (auto& [name, value] : reader.items) {
     store.items[name] = std::move(value);
@@ -170,19 +161,19 @@ std::vector<std::string> LoadItems(const std::string& file) {
 }
 
 void SetItem(const std::string& name, int value) {
-  ItemStore& store = TheStore();
+  Store& store = TheStore();
   const MutexLock guard(store.lock);
   store.items[name] = std::to_string(value);
 }
 
 bool UnsetItem(const std::string& name) {
-  ItemStore& store = TheStore();
+  Store& store = TheStore();
   const MutexLock guard(store.lock);
   return store.items.erase(name) != 0;
 }
 
 std::map<std::string, std::string> ListItems() {
-  ItemStore& store = TheStore();
+  Store& store = TheStore();
   const MutexLock guard(store.lock);
   return store.items;
 }
@@ -200,9 +191,9 @@ std::vector<std::string> ItemNames() {
 namespace NS_BUNDLEMGR1 {
 
 std::string GetCfgDirPath() {
-  host::ConfigDir& place = host::TheConfigDir();
-  const host::MutexLock guard(place.lock);
-  return place.path;
+  host::Store& store = host::TheStore();
+  const host::MutexLock guard(store.lock);
+  return store.directory;
 }
 
 CorbaConfigItems* CorbaConfigItems::Instance() {
@@ -211,7 +202,7 @@ CorbaConfigItems* CorbaConfigItems::Instance() {
 }
 
 bool CorbaConfigItems::GetIntItemInfo(const std::string& name, int& value) {
-  host::ItemStore& store = host::TheStore();
+  host::Store& store = host::TheStore();
   const host::MutexLock guard(store.lock);
   const auto found = store.items.find(name);
   if (found == store.items.end()) {
