@@ -29,6 +29,15 @@ TEST(Checker, AcceptsTheLimitsOf32Bits) {
               ElementsAre("1:7+10 number-never-matches", "1:18+10 value-wraps"));
 }
 
+TEST(Checker, WarnsBelowTheLimitsOf32BitsToo) {
+  EXPECT_THAT(Check("A\tB\tC\t-2147483649\t-2147483649\n"),
+              ElementsAre("1:7+11 number-never-matches", "1:19+11 value-wraps"));
+  EXPECT_EQ(CheckWhole("A\tB\tC\t-2147483649\t1\n").at(0).hint,
+            "write a decimal integer from -2147483648 to 2147483647");
+  EXPECT_THAT(CheckWhole("A\tB\tC\t7\t-2147483649\n").at(0).message, HasSubstr("callers get 2147483647"));
+  EXPECT_THAT(CheckWhole("A\tB\tC\t7\t-99999999999999999999\n").at(0).message, HasSubstr("callers get 0"));
+}
+
 TEST(Checker, SaysWhatAValueWrapsTo) {
   EXPECT_THAT(CheckWhole("A\tB\tC\t7\t2147483648\n").at(0).message, HasSubstr("callers get -2147483648"));
   EXPECT_THAT(CheckWhole("A\tB\tC\t7\t99999999999999999999\n").at(0).message, HasSubstr("callers get -1"));
@@ -70,6 +79,18 @@ TEST(Checker, ReportsTheFaultThatTheBundleFindsFirst) {
 TEST(Checker, DistinguishesTheColumnsOfABadAlternative) {
   EXPECT_THAT(CheckWhole("A//B\tA//B\tC\t7\t1\n").at(0).message, HasSubstr("column 1"));
   EXPECT_THAT(CheckWhole("A/B\tA//B\tC\t7\t1\n").at(0).message, HasSubstr("column 2"));
+}
+
+TEST(Checker, FindsTheEmptyAlternativeAtEachPlace) {
+  EXPECT_THAT(Check("/A/\tB\tC\t7\t1\n"), ElementsAre("1:1+1 empty-alternative"));
+  EXPECT_THAT(Check("A//\tB\tC\t7\t1\n"), ElementsAre("1:3+1 empty-alternative"));
+  EXPECT_THAT(Check("A\t/B/\tC\t7\t1\n"), ElementsAre("1:3+1 empty-alternative"));
+  EXPECT_THAT(Check("A/\t/\tC\t7\t1\n"), ElementsAre("1:4+1 empty-alternative"));
+}
+
+TEST(Checker, DoesNotSayThatCallersAskWithAValue) {
+  EXPECT_EQ(CheckWhole("A \tB\tC\t7\t1\n").at(0).hint, "remove the blank, unless callers ask with it");
+  EXPECT_EQ(CheckWhole("A\tB\tC\t7\t 1\n").at(0).hint, "remove the blank");
 }
 
 TEST(Checker, AcceptsATrailingSlashAfterFiveAlternativesLikeTheBundle) {

@@ -97,7 +97,8 @@ class Linter {
 
   /// `name` returns the name of the part; it is called only when there is a finding.
   template <class Name>
-  void LintEdges(std::string_view part, const Name& name) {
+  void LintEdges(std::string_view part, const Name& name,
+                 const char* hint = "remove the blank, unless callers ask with it") {
     const std::string_view inner = TrimEdges(part);
     const bool isLeading = inner.empty() || inner.data() != part.data();
     if (inner.size() == part.size()) {
@@ -108,7 +109,7 @@ class Linter {
                                                   : part.substr(inner.size());
     Add(Code::kEdgeBlank, blanks,
         name() + (isLeading ? " starts" : " ends") + " with a blank, which belongs to it: " + Quoted(part),
-        "remove the blank, unless callers ask with it");
+        hint);
   }
 
   /// A control character at the edge of the part that counts as a blank is reported as a blank instead.
@@ -176,7 +177,8 @@ class Linter {
         read.ec == std::errc() && read.ptr == end) {
       return;
     }
-    LintEdges(column, [] { return std::string(kColumnNames[4]); });
+    LintEdges(
+        column, [] { return std::string(kColumnNames[4]); }, "remove the blank");
     if (FindQuotes(4, column)) {
       return;
     }
