@@ -52,14 +52,14 @@ TEST(Grouped, SetsACommaBeforeEveryThreeDigits) {
 
 /// The shown character above the caret.
 std::string UnderCaret(const Snippet& snippet) {
+  std::string under;
   std::size_t width = 0;
-  for (const Glyph& glyph : Glyphs(snippet.text, Blanks::kAtEdges)) {
-    if (width == snippet.indent) {
-      return std::string(glyph.bytes);
-    }
+  ForEachGlyph(snippet.text, Blanks::kAtEdges, [&](const Glyph& glyph) {
+    under = width == snippet.indent ? glyph.bytes : "";
     width += glyph.width;
-  }
-  return "";
+    return under.empty();
+  });
+  return under;
 }
 
 TEST(Snippet, PutsTheCaretBelowItsByteWhereverThatIsInALongLine) {

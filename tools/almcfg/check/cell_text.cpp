@@ -10,6 +10,9 @@
 namespace almcfg {
 namespace {
 
+/// Whether a load keeps the blank at the edge of a column. TABs cannot be there.
+bool IsEdgeBlank(char c) { return c == ' ' || c == '\v' || c == '\f' || c == '\r'; }
+
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// Whether the text has a letter and no digit.
@@ -63,8 +66,13 @@ std::vector<std::string> SplitAt(char separator, std::string_view line) {
 }  // namespace
 
 std::string_view TrimEdges(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kEdgeBlanks), text.size()));
-  return text.substr(0, text.find_last_not_of(kEdgeBlanks) + 1);
+  while (!text.empty() && IsEdgeBlank(text.front())) {
+    text.remove_prefix(1);
+  }
+  while (!text.empty() && IsEdgeBlank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
 }
 
 bool IsDecimal(std::string_view text) {

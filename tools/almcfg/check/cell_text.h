@@ -18,10 +18,7 @@ inline std::size_t OffsetIn(std::string_view line, std::string_view part) {
   return static_cast<std::size_t>(part.data() - line.data());
 }
 
-/// Blanks that a load keeps at the edge of a column. TABs cannot be there.
-inline constexpr std::string_view kEdgeBlanks = " \v\f\r";
-
-/// The text without blanks at its edges.
+/// The text without blanks at its edges, which a load keeps: blanks, CRs, vertical tabs and form feeds.
 std::string_view TrimEdges(std::string_view text);
 
 /// An optional sign and at least one digit, nothing else.

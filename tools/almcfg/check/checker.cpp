@@ -151,8 +151,10 @@ class Checker {
   }
 
   void Report() {
-    std::stable_sort(findings_.begin(), findings_.end(),
-                     [](const Finding& a, const Finding& b) { return a.column < b.column; });
+    if (findings_.size() > 1) {  // Sorting allocates memory, even for a single finding.
+      std::stable_sort(findings_.begin(), findings_.end(),
+                       [](const Finding& a, const Finding& b) { return a.column < b.column; });
+    }
     for (Finding& finding : findings_) {
       finding.line = number_;
       hasError_ = hasError_ || RuleOf(finding.code).severity == Severity::kError;

@@ -70,6 +70,7 @@ LoadedTable::LoadedTable(std::vector<SourceText> texts, Progress& progress) : te
 
 void LoadedTable::IndexLines(Progress& progress) {
   Records records;
+  index_.reserve(ends_.empty() ? 0 : ends_.back());  // Most lines have one record.
   for (const SourceText& text : texts_) {
     for (LineNumber number = 1; number <= text.lineCount() && !endless_; ++number) {
       ++reached_;

@@ -84,11 +84,29 @@ std::string_view MarkFor(std::string_view text, std::size_t at, Blanks blanks) {
   }
 }
 
-Glyph OneGlyph(std::string_view text, std::size_t at, Blanks blanks) {
+bool IsPlain(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return almcfg::IsPlain(c); });
+}
+
+std::string Cut(std::string_view text, std::size_t widest) {
+  std::string shown;
+  std::size_t width = 0;
+  ForEachGlyph(text, Blanks::kAtEdges, [&](const Glyph& glyph) {
+    width += glyph.width;
+    if (width > widest) {
+      shown += "…";
+      return false;
+    }
+    Append(shown, glyph);
+    return true;
+  });
+  return shown;
+}
+
+}  // namespace
+
+Glyph SpecialGlyph(std::string_view text, std::size_t at, Blanks blanks) {
   const std::string_view rest = text.substr(at);
-  if (rest[0] > ' ' && rest[0] < 0x7F) {
-    return {at, 1, rest.substr(0, 1), {}, false};
-  }
   const std::string_view mark = MarkFor(text, at, blanks);
   if (!mark.empty() || rest[0] == ' ') {
     return {at, 1, rest.substr(0, 1), mark, false};
@@ -102,21 +120,6 @@ Glyph OneGlyph(std::string_view text, std::size_t at, Blanks blanks) {
   }
   return {at, 4 * bytes.size(), bytes, {}, true};
 }
-
-std::string Cut(const std::vector<Glyph>& glyphs, std::size_t widest) {
-  std::string text;
-  std::size_t width = 0;
-  for (const Glyph& glyph : glyphs) {
-    width += glyph.width;
-    if (width > widest) {
-      return text + "…";
-    }
-    Append(text, glyph);
-  }
-  return text;
-}
-
-}  // namespace
 
 std::size_t Utf8Length(std::string_view text) {
   const unsigned lead = ByteAt(text, 0);
@@ -156,51 +159,37 @@ std::size_t CharacterCount(std::string_view text) {
   return count;
 }
 
-void Append(std::string& shown, const Glyph& glyph) {
+void AppendEscaped(std::string& shown, std::string_view bytes) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
-  if (!glyph.isEscaped) {
-    shown += glyph.mark.empty() ? glyph.bytes : glyph.mark;
-    return;
-  }
-  for (const char byte : glyph.bytes) {
+  for (const char byte : bytes) {
     const auto value = static_cast<unsigned char>(byte);
     shown += {'\\', 'x', kDigits[value >> 4], kDigits[value & 0xF]};
   }
 }
 
-std::vector<Glyph> Glyphs(std::string_view text, Blanks blanks) {
-  std::vector<Glyph> glyphs;
-  glyphs.reserve(text.size());
-  for (std::size_t at = 0; at < text.size(); at += glyphs.back().bytes.size()) {
-    glyphs.push_back(OneGlyph(text, at, blanks));
-  }
-  return glyphs;
-}
-
 std::string Printable(std::string_view text) {
-  std::string shown;
-  for (std::size_t at = 0; at < text.size();) {
-    Glyph glyph = OneGlyph(text, at, Blanks::kAtEdges);
-    glyph.mark = text[at] == ' ' ? std::string_view() : glyph.mark;
-    Append(shown, glyph);
-    at += glyph.bytes.size();
+  if (IsPlain(text)) {
+    return std::string(text);
   }
+  std::string shown;
+  ForEachGlyph(text, Blanks::kAtEdges, [&](Glyph glyph) {
+    glyph.mark = text[glyph.offset] == ' ' ? std::string_view() : glyph.mark;
+    Append(shown, glyph);
+    return true;
+  });
   return shown;
 }
 
-std::string Marked(std::string_view text) {
-  std::string shown;
-  for (const Glyph& glyph : Glyphs(text, Blanks::kAtEdges)) {
-    Append(shown, glyph);
-  }
-  return shown;
-}
+std::string Marked(std::string_view text) { return Cut(text, std::string_view::npos); }
 
 std::string Quoted(std::string_view text) {
-  return '"' + Cut(Glyphs(text, Blanks::kAtEdges), kQuotedWidth) + '"';
+  if (text.size() <= kQuotedWidth && IsPlain(text)) {
+    return std::string(1, '"').append(text).append(1, '"');
+  }
+  return '"' + Cut(text, kQuotedWidth) + '"';
 }
 
-std::string LineExcerpt(std::string_view text) { return Cut(Glyphs(text, Blanks::kAtEdges), kExcerptWidth); }
+std::string LineExcerpt(std::string_view text) { return Cut(text, kExcerptWidth); }
 
 std::string Grouped(std::uint64_t number) {
   std::string digits = std::to_string(number);

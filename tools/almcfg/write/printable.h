@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// Makes bytes of unknown origin printable. No character of a file or a file name may move the cursor, change
 /// the direction of writing, or be invisible. Pure functions; any thread may call them.
@@ -20,16 +19,42 @@ struct Glyph {
   bool isEscaped = false;  ///< the bytes are shown as escapes
 };
 
-/// Appends what is shown.
-void Append(std::string& shown, const Glyph& glyph);
-
 /// Which blanks are shown as a mark.
 enum class Blanks { kAtEdges, kAll };
 
-/// The text character by character: TAB as an arrow, CR and NUL as their symbols, blanks at the edge of the
-/// line, a column or an alternative and runs of two or more (with kAll: every blank) as dots, other control
-/// characters, invisible ones and bytes that are not UTF-8 as an escape.
-std::vector<Glyph> Glyphs(std::string_view text, Blanks blanks);
+/// Whether the character shows as itself everywhere.
+inline bool IsPlain(char c) { return c > ' ' && c < 0x7F; }
+
+/// The character at `at` that is not plain.
+Glyph SpecialGlyph(std::string_view text, std::size_t at, Blanks blanks);
+
+/// Calls `visit` with each character of the text until it returns false. TAB is marked with an arrow, CR and NUL
+/// with their symbols, blanks at the edge of the line, a column or an alternative and runs of two or more (with
+/// kAll: every blank) with dots; other control characters, invisible ones and bytes that are not UTF-8 are escaped.
+template <class Visit>
+void ForEachGlyph(std::string_view text, Blanks blanks, const Visit& visit) {
+  for (std::size_t at = 0; at < text.size();) {
+    const Glyph glyph =
+        IsPlain(text[at]) ? Glyph{at, 1, text.substr(at, 1), {}, false} : SpecialGlyph(text, at, blanks);
+    if (!visit(glyph)) {
+      return;
+    }
+    at += glyph.bytes.size();
+  }
+}
+
+void AppendEscaped(std::string& shown, std::string_view bytes);
+
+/// Appends what is shown.
+inline void Append(std::string& shown, const Glyph& glyph) {
+  if (glyph.isEscaped) {
+    AppendEscaped(shown, glyph.bytes);
+  } else if (glyph.mark.empty() && glyph.bytes.size() == 1) {
+    shown.push_back(glyph.bytes.front());
+  } else {
+    shown += glyph.mark.empty() ? glyph.bytes : glyph.mark;
+  }
+}
 
 /// The number of bytes of the UTF-8 character that `text` starts with; 0 when it starts with none.
 std::size_t Utf8Length(std::string_view text);

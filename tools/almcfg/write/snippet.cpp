@@ -3,7 +3,6 @@
 #include "tools/almcfg/write/snippet.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace almcfg {
 namespace {
@@ -17,17 +16,17 @@ Snippet MakeSnippet(std::string_view line, std::size_t column, std::size_t lengt
                     std::size_t width) {
   width = std::max(width, kNarrowest) - 2;    // An ellipsis at each end.
   const std::size_t context = width * 3 / 5;  // columns shown before a caret, when the line is cut there
-  const std::vector<Glyph> glyphs = Glyphs(line, blanks);
   const std::size_t begin = column - 1;
   const std::size_t end = begin + std::max<std::size_t>(length, 1);
   std::size_t indent = 0;
   std::size_t marked = 0;
   std::size_t whole = 0;
-  for (const Glyph& glyph : glyphs) {
+  ForEachGlyph(line, blanks, [&](const Glyph& glyph) {
     indent += glyph.offset < begin ? glyph.width : 0;
     marked += glyph.offset >= begin && glyph.offset < end ? glyph.width : 0;
     whole += glyph.width;
-  }
+    return true;
+  });
   marked = std::max<std::size_t>(marked, 1);
   // While the caret is near the start of the line, the line is shown from its start.
   const bool isFar = indent > context && whole > width && indent + std::min(marked, context) > width;
@@ -35,17 +34,18 @@ Snippet MakeSnippet(std::string_view line, std::size_t column, std::size_t lengt
   Snippet snippet;
   std::size_t at = 0;
   std::size_t dropped = 0;
-  for (const Glyph& glyph : glyphs) {
+  ForEachGlyph(line, blanks, [&](const Glyph& glyph) {
     if (at < skip) {
       dropped = at + glyph.width;
     } else if (at + glyph.width <= skip + width) {
       Append(snippet.text, glyph);
     } else {
       snippet.text += kEllipsis;
-      break;
+      return false;
     }
     at += glyph.width;
-  }
+    return true;
+  });
   snippet.indent = indent - std::min(dropped, indent);
   if (dropped != 0) {
     snippet.text.insert(0, kEllipsis);

@@ -18,15 +18,17 @@ class TsvWriter : public TableWriter {
   }
 
   void Write(const Entry& entry) override {
+    line_.clear();
     for (const std::string_view column :
          {entry.key.key1, entry.key.key2, entry.key.key3, entry.key.numKey, entry.value}) {
       if (isTerminal_) {
-        out_ << Printable(column) << '\t';
+        line_ += Printable(column);
       } else {
-        out_ << column << '\t';
+        line_ += column;
       }
+      line_ += '\t';
     }
-    out_ << Shown(entry.place) << '\n';
+    out_ << line_.append(Shown(entry.place)).append(1, '\n');
   }
 
   void End(const LoadedTable& /*table*/) override {}
@@ -34,6 +36,7 @@ class TsvWriter : public TableWriter {
  private:
   std::ostream& out_;
   bool isTerminal_;
+  std::string line_;
 };
 
 class JsonWriter : public TableWriter {

@@ -28,8 +28,12 @@ const char* ColorOf(Severity severity) {
   }
 }
 
-std::string Painted(bool color, const char* paint, const std::string& text) {
-  return color ? paint + text + kReset : text;
+void AppendPainted(std::string& out, bool color, const char* paint, std::string_view text) {
+  if (color) {
+    out.append(paint).append(text).append(kReset);
+  } else {
+    out += text;
+  }
 }
 
 void AppendSource(std::string& out, const SourceText& text, const Finding& finding, TextStyle style) {
@@ -40,13 +44,28 @@ void AppendSource(std::string& out, const SourceText& text, const Finding& findi
   const Line line = text.line(finding.line);
   const Snippet snippet = MakeSnippet(line.text, finding.column, finding.length, blanks,
                                       style.width - std::min(style.width, kMargin));
-  out += "  " + snippet.text + (finding.column > kLongestLine && line.IsOverlong() ? "…" : "") + "\n  " +
-         std::string(snippet.indent, ' ');
-  out += Painted(style.color, kGreen, '^' + std::string(snippet.width - 1, '~')) + '\n';
+  out.append("  ").append(snippet.text);
+  out.append(finding.column > kLongestLine && line.IsOverlong() ? "…\n  " : "\n  ")
+      .append(snippet.indent, ' ');
+  AppendPainted(out, style.color, kGreen, '^' + std::string(snippet.width - 1, '~'));
+  out += '\n';
   if (finding.otherLine != 0) {
-    out += "  line " + std::to_string(finding.otherLine) + ": " +
-           LineExcerpt(text.line(finding.otherLine).text) + '\n';
+    out.append("  line ").append(std::to_string(finding.otherLine)).append(": ");
+    out.append(LineExcerpt(text.line(finding.otherLine).text)).append("\n");
   }
+}
+
+void AppendFinding(std::string& out, const SourceText& text, const Finding& finding, TextStyle style) {
+  const Rule& rule = RuleOf(finding.code);
+  std::string where = Printable(text.name());
+  where.append(":").append(std::to_string(finding.line));
+  where.append(":").append(std::to_string(finding.column)).append(":");
+  AppendPainted(out, style.color, kBold, where);
+  out += ' ';
+  AppendPainted(out, style.color, ColorOf(rule.severity), NameOf(rule.severity) + std::string(":"));
+  out.append(" ").append(finding.message).append(" [").append(rule.name).append("]\n");
+  AppendSource(out, text, finding, style);
+  out.append("  hint: ").append(finding.hint).append("\n");
 }
 
 class TextReport : public Report {
@@ -56,7 +75,9 @@ class TextReport : public Report {
 
   void Take(const SourceText& text, const Finding& finding) override {
     progress_.Hide();
-    WriteFinding(out_, text, finding, style_);
+    buffer_.clear();
+    AppendFinding(buffer_, text, finding, style_);
+    out_ << buffer_;
   }
 
   void EndFile(const SourceText& /*text*/, std::size_t /*records*/, bool /*wasRead*/) override {}
@@ -83,19 +104,15 @@ class TextReport : public Report {
   Progress& progress_;
   TextStyle style_;
   bool quiet_;
+  std::string buffer_;
 };
 
 }  // namespace
 
 void WriteFinding(std::ostream& out, const SourceText& text, const Finding& finding, TextStyle style) {
-  const Rule& rule = RuleOf(finding.code);
-  const std::string where = Printable(text.name()) + ':' + std::to_string(finding.line) + ':' +
-                            std::to_string(finding.column) + ':';
-  std::string lines = Painted(style.color, kBold, where) + ' ' +
-                      Painted(style.color, ColorOf(rule.severity), NameOf(rule.severity) + std::string(":")) +
-                      ' ' + finding.message + " [" + rule.name + "]\n";
-  AppendSource(lines, text, finding, style);
-  out << lines << "  hint: " << finding.hint << '\n';
+  std::string shown;
+  AppendFinding(shown, text, finding, style);
+  out << shown;
 }
 
 std::string Summary(const Tally& tally) {
