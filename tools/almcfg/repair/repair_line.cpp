@@ -280,7 +280,7 @@ class LineRepairer {
       const Texts some = LineRepairer(line, rules_, keepsAnswers_, repairs_).Repair(false);
       repaired.insert(repaired.end(), some.begin(), some.end());
     }
-    // Columns of the new lines are none of the original line.
+    // A column of a new line says nothing about the original line.
     std::for_each(repairs_.begin() + static_cast<std::ptrdiff_t>(known), repairs_.end(),
                   [](Finding& repair) { repair.column = 1; });
     return repaired;
@@ -310,8 +310,7 @@ class LineRepairer {
   }
 
   std::string text_;
-  std::vector<std::size_t>
-      origins_;  // Of each byte of `text_`, and of its end, the place in the original line.
+  std::vector<std::size_t> origins_;  // Where each byte of `text_`, and its end, was in the original line.
   std::string
       start_;  // While columns are repaired, the blanks before them that stay; `text_` is then trimmed.
   const RepairRules& rules_;
