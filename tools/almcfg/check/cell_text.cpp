@@ -10,7 +10,7 @@
 namespace almcfg {
 namespace {
 
-/// Whether a load keeps the blank at the edge of a column. TABs cannot be there.
+/// Whether the character looks blank and a load keeps it at the edge of a column. A TAB cannot be there.
 bool IsEdgeBlank(char c) { return c == ' ' || c == '\v' || c == '\f' || c == '\r'; }
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }

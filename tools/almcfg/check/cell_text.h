@@ -18,7 +18,8 @@ inline std::size_t OffsetIn(std::string_view line, std::string_view part) {
   return static_cast<std::size_t>(part.data() - line.data());
 }
 
-/// The text without blanks at its edges, which a load keeps: blanks, CRs, vertical tabs and form feeds.
+/// The text without the characters at its edges that look blank and that a load keeps: blank, CR, vertical tab,
+/// form feed.
 std::string_view TrimEdges(std::string_view text);
 
 /// An optional sign and at least one digit, nothing else.

@@ -22,15 +22,15 @@ struct Glyph {
 /// Which blanks are shown as a mark.
 enum class Blanks { kAtEdges, kAll };
 
-/// Whether the character shows as itself everywhere.
+/// Whether the character is shown unchanged in every text.
 inline bool IsPlain(char c) { return c > ' ' && c < 0x7F; }
 
-/// The character at `at` that is not plain.
+/// The glyph of the character at `at`, which must not be plain.
 Glyph SpecialGlyph(std::string_view text, std::size_t at, Blanks blanks);
 
-/// Calls `visit` with each character of the text until it returns false. TAB is marked with an arrow, CR and NUL
-/// with their symbols, blanks at the edge of the line, a column or an alternative and runs of two or more (with
-/// kAll: every blank) with dots; other control characters, invisible ones and bytes that are not UTF-8 are escaped.
+/// Calls `visit` with each character of the text until it returns false. A TAB is shown as an arrow, CR and NUL as
+/// their symbols. Blanks are shown as dots at the edges of line, columns and alternatives and in runs of two or
+/// more; with kAll, everywhere. Other control characters, invisible ones and bytes that are not UTF-8 are escaped.
 template <class Visit>
 void ForEachGlyph(std::string_view text, Blanks blanks, const Visit& visit) {
   for (std::size_t at = 0; at < text.size();) {
@@ -45,7 +45,7 @@ void ForEachGlyph(std::string_view text, Blanks blanks, const Visit& visit) {
 
 void AppendEscaped(std::string& shown, std::string_view bytes);
 
-/// Appends what is shown.
+/// Appends what is shown for the glyph.
 inline void Append(std::string& shown, const Glyph& glyph) {
   if (glyph.isEscaped) {
     AppendEscaped(shown, glyph.bytes);
