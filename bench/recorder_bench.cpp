@@ -1,11 +1,19 @@
-// Measures the time that the recorder adds to a call: each operation is called directly and through the
-// recorder's interface, which records it to /dev/null. The calls fit into the queue, so that "dropped" is 0:
-// a dropped call costs less than a recorded one.
+// Measures the time that the recorder adds to a call: ascii_util_recorder_bench [ROUNDS].
+//
+// In each round an operation is called directly and then through the recorder's interface, which records to
+// /dev/null. The two are compared within a round, because the speed of the machine changes between rounds.
+// Prints medians over the rounds in nanoseconds of the caller's processor time and, in the last column of
+// times, of elapsed time. Nothing may be dropped: a dropped call costs less than a recorded one.
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,87 +27,109 @@ namespace {
 
 using NS_ASCII::AsciiUtilInterface;
 
-AsciiUtilInterface& Util() {
-  static const Bundle bundle("ours", BENCH_BUNDLE);
-  return bundle.util();
-}
-
-constexpr int kCalls = 50'000;
-constexpr std::size_t kQueueSize = std::size_t{64} << 20;
+constexpr int kCalls = 100;  ///< in a round; few enough that most rounds are not interrupted
+constexpr std::uint32_t kQueueSize = 16U << 20U;
 
 const std::string kAlarm =
     "ID=48201,KIND=COM,EQUIPMENT=BTS,CAUSE=LOS,NUMBER=7,AFFECTED=TRX1|TRX2|TRX3,PATH=North-BSC07-BTS0217,"
     "COUNT=3,TEXT=Abis link down";
 
+double Now(clockid_t clock) {
+  std::timespec now{};
+  ::clock_gettime(clock, &now);
+  return static_cast<double>(now.tv_sec) * 1e9 + static_cast<double>(now.tv_nsec);
+}
+
+struct Time {
+  double processor = 0;  ///< nanoseconds of one call, of this thread's processor time
+  double elapsed = 0;
+};
+
 template <class Call>
-void Alone(benchmark::State& state, Call call) {
-  for ([[maybe_unused]] auto unused : state) {
-    call(Util());
+Time TimeOf(AsciiUtilInterface& util, Call call) {
+  const double elapsed = Now(CLOCK_MONOTONIC);
+  const double processor = Now(CLOCK_THREAD_CPUTIME_ID);
+  for (int made = 0; made < kCalls; ++made) {
+    call(util);
   }
+  return {(Now(CLOCK_THREAD_CPUTIME_ID) - processor) / kCalls, (Now(CLOCK_MONOTONIC) - elapsed) / kCalls};
+}
+
+double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
 }
 
 template <class Call>
-void Recorded(benchmark::State& state, Call call) {
+void Compare(const char* name, AsciiUtilInterface& util, int rounds, Call call) {
   recorder::Recording recording;
   recorder::Front front(recording);
-  front.ForwardTo(&Util());
+  front.ForwardTo(&util);
   recorder::Options options;
   options.output = "/dev/null";
   options.operations.set();
   recording.Start(
       options, {}, [](const std::string&) {}, kQueueSize);
-  AsciiUtilInterface& util = front;
-  // Touches the memory of both buffers of the queue, which are exchanged every 100 ms.
-  for (int round = 0; round < 2; ++round) {
-    for (int made = 0; made < kCalls; ++made) {
-      call(util);
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  std::array<std::vector<double>, 4> times;
+  for (int round = 0; round < rounds; ++round) {
+    const Time alone = TimeOf(util, call);
+    const Time recorded = TimeOf(front, call);
+    times[0].push_back(alone.processor);
+    times[1].push_back(recorded.processor);
+    times[2].push_back(recorded.processor - alone.processor);
+    times[3].push_back(recorded.elapsed - alone.elapsed);
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));  // The writer catches up.
   }
-  for ([[maybe_unused]] auto unused : state) {
-    call(util);
-  }
-  const recorder::Totals totals = recording.Stop();
-  state.counters["dropped"] = static_cast<double>(totals.dropped);
+  std::printf("%-16s %8.0f %8.0f %8.0f %8.0f %8llu\n", name, Median(times[0]), Median(times[1]),
+              Median(times[2]), Median(times[3]), static_cast<unsigned long long>(recording.Stop().dropped));
 }
 
-template <class Call>
-void Enter(const std::string& name, Call call) {
-  benchmark::RegisterBenchmark((name + "/alone").c_str(), Alone<Call>, call)->Iterations(kCalls);
-  benchmark::RegisterBenchmark((name + "/recorded").c_str(), Recorded<Call>, call)->Iterations(kCalls);
-}
-
-const bool entered = [] {
-  Enter("GetKeyValue", [](AsciiUtilInterface& util) {
-    static const std::string key = "TEXT";
-    benchmark::DoNotOptimize(util.GetKeyValue(key, kAlarm));
-  });
-  Enter("GetAlmCfgValue", [](AsciiUtilInterface& util) {
-    static const std::string kind = "COM";
-    static const std::string equipment = "BTS";
-    static const std::string cause = "LOS";
+void CompareAll(AsciiUtilInterface& util, int rounds) {
+  static const std::string kKey = "TEXT";
+  static const std::string kKind = "COM";
+  static const std::string kEquipment = "BTS";
+  static const std::string kCause = "LOS";
+  static const std::string kNumber = "48201";
+  static const std::string kSeparator = ",";
+  static const std::string kName = "PATH";
+  std::printf("%-16s %8s %8s %8s %8s %8s\n", "operation", "alone", "recorded", "added", "elapsed", "dropped");
+  Compare("GetKeyValue", util, rounds,
+          [](AsciiUtilInterface& to) { benchmark::DoNotOptimize(to.GetKeyValue(kKey, kAlarm)); });
+  Compare("GetAlmCfgValue", util, rounds, [](AsciiUtilInterface& to) {
     std::int64_t value = 0;
-    benchmark::DoNotOptimize(util.GetAlmCfgValue(value, kind, equipment, cause, 7));
+    benchmark::DoNotOptimize(to.GetAlmCfgValue(value, kKind, kEquipment, kCause, 7));
   });
-  Enter("Str2Num", [](AsciiUtilInterface& util) {
-    static const std::string number = "48201";
+  Compare("Str2Num", util, rounds, [](AsciiUtilInterface& to) {
     int value = 0;
-    benchmark::DoNotOptimize(util.Str2Num(number, value, 10));
+    benchmark::DoNotOptimize(to.Str2Num(kNumber, value, 10));
   });
-  Enter("ToUpper", [](AsciiUtilInterface& util) { benchmark::DoNotOptimize(util.ToUpper(kAlarm)); });
-  Enter("SplitStr", [](AsciiUtilInterface& util) {
-    static const std::string separator = ",";
+  Compare("ToUpper", util, rounds,
+          [](AsciiUtilInterface& to) { benchmark::DoNotOptimize(to.ToUpper(kAlarm)); });
+  Compare("SplitStr", util, rounds, [](AsciiUtilInterface& to) {
     std::vector<std::string> pieces;
-    benchmark::DoNotOptimize(util.SplitStr(kAlarm, separator, pieces));
+    benchmark::DoNotOptimize(to.SplitStr(kAlarm, kSeparator, pieces));
   });
-  Enter("ParseListMap", [](AsciiUtilInterface& util) {
+  Compare("ParseListMap", util, rounds, [](AsciiUtilInterface& to) {
     NS_ASCII::ListMap map;
-    benchmark::DoNotOptimize(util.ParseListMap(map, kAlarm));
+    benchmark::DoNotOptimize(to.ParseListMap(map, kAlarm));
   });
-  return true;
-}();
+  NS_ASCII::ListMap map;
+  util.ParseListMap(map, kAlarm);
+  Compare("GetMapList", util, rounds, [&map](AsciiUtilInterface& to) {
+    std::vector<std::string> items;
+    benchmark::DoNotOptimize(to.GetMapList(map, kName, items));
+  });
+}
 
 }  // namespace
 }  // namespace bench
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  const int rounds = argc > 1 ? std::atoi(argv[1]) : 1000;
+  if (rounds <= 0) {
+    std::fprintf(stderr, "usage: %s [ROUNDS], a number from 1 on\n", argv[0]);
+    return 2;
+  }
+  const bench::Bundle bundle("ours", BENCH_BUNDLE);
+  bench::CompareAll(bundle.util(), rounds);
+}

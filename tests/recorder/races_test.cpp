@@ -2,6 +2,8 @@
 // ThreadSanitizer and by their answers.
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <map>
@@ -80,7 +82,7 @@ class RecorderRaces : public testing::Test {
 
   void Start() {
     recording_.Start(
-        options_, {}, [](const std::string&) {}, std::size_t{16} << 20);
+        options_, {}, [](const std::string&) {}, std::uint32_t{16} << 20);
   }
 
   const TempDirectory dir_;
@@ -126,6 +128,23 @@ TEST_F(RecorderRaces, RecordingsBeginAndEndWhileEightThreadsCall) {
     EXPECT_EQ(recorded.problems, 0U);
     EXPECT_EQ(recorded.tails.size(), 1U);
   });
+}
+
+TEST_F(RecorderRaces, AForkedChildCallsWhileThreadsOfTheParentHoldTheQueue) {
+  Start();
+  Beside([&] {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      recording_.AbandonAfterFork();
+      front_.IsValid();  // Allocates nothing.
+      ::_exit(recording_.Stop().records == 0 ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+  });
+  const recorder::Totals totals = recording_.Stop();
+  EXPECT_EQ(totals.records + totals.dropped, std::uint64_t{kThreads} * kRounds * 4);
 }
 
 TEST_F(RecorderRaces, FilesAreRotatedWhileEightThreadsCall) {

@@ -26,7 +26,7 @@ class RecordedImplementation : public NS_ASCII::AsciiUtilInterfaceImpl {
     options.output = Path();
     options.operations.set();
     recording_.Start(
-        options, {}, [](const std::string&) {}, std::size_t{16} << 20);
+        options, {}, [](const std::string&) {}, std::uint32_t{16} << 20);
     front_.ForwardTo(&implementation_);
   }
 

@@ -28,7 +28,7 @@ using recording_format::Value;
 using testing::HasSubstr;
 using Values = std::vector<Value>;
 
-constexpr std::size_t kQueueSize = 1 << 20;
+constexpr std::uint32_t kQueueSize = 1 << 20;
 
 std::string problemReported;
 
@@ -45,7 +45,7 @@ class RecordingTest : public testing::Test {
   }
   ~RecordingTest() override { recording_.Stop(); }
 
-  void Start(std::size_t capacity = kQueueSize) {
+  void Start(std::uint32_t capacity = kQueueSize) {
     recording_format::Head head;
     head.library = "fake";
     recording_.Start(
@@ -305,6 +305,16 @@ TEST_F(RecordingTest, WhatDoesNotFitIntoTheQueueIsDroppedAndCounted) {
   EXPECT_EQ(totals_.dropped, 1U);
 }
 
+TEST_F(RecordingTest, AnOutValueThatDoesNotFitIntoTheQueueIsDroppedAndCounted) {
+  Start(2000);
+  std::vector<std::string> pieces;
+  EXPECT_EQ(front_.SplitStr(std::string(1500, 'x'), ",", pieces), 5);
+  EXPECT_EQ(pieces, (std::vector<std::string>{std::string(1500, 'x'), ","}));
+  EXPECT_EQ(front_.ToUpper("abc"), "<abc>");
+  EXPECT_EQ(Only(Stop()).in, Values{Text("abc")});
+  EXPECT_EQ(totals_.dropped, 1U);
+}
+
 TEST_F(RecordingTest, EveryOneOfManyCallsIsRecordedOrCounted) {
   Start(4000);
   constexpr std::uint64_t kCalls = 20000;
@@ -332,6 +342,7 @@ TEST_F(RecordingTest, ADiskThatFillsUpIsReportedOnceAndEndsTheRecording) {
   EXPECT_THAT(totals_.problem, HasSubstr("calls.jsonl: cannot write: File too large"));
   EXPECT_EQ(problemReported, totals_.problem);
   EXPECT_GT(recorded.records.size(), 0U);
+  EXPECT_EQ(totals_.records, recorded.records.size());
   EXPECT_TRUE(recorded.tails.empty());
   EXPECT_EQ(front_.ToUpper("abc"), "<abc>");
 }

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <map>
 #include <string>
@@ -177,6 +179,26 @@ TEST_F(RecorderServiceTest, TheHeadNamesTheImplementationsLibraryAndTheConfigura
   EXPECT_THAT(head.operations, ElementsAre("ToUpper"));
   EXPECT_EQ(head.every, 2);
   host::SetConfigDir("");
+}
+
+TEST_F(RecorderServiceTest, AForkedChildIsNotRecordedAndLeavesTheRecordingAlone) {
+  const FakeBundle bundle;
+  Recorder recorder;
+  ASSERT_EQ(recorder.Init({"--output", output_}), 0);
+  Fetch().IsValid();
+  const pid_t child = ::fork();
+  if (child == 0) {
+    Fetch().IsValid();
+    const bool isQuiet = recorder.Fini() == 0 && Logged().size() == 1;  // The message of the start.
+    ::_exit(isQuiet ? 0 : 1);
+  }
+  int status = -1;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  Fetch().IsValid();
+  EXPECT_EQ(recorder.Fini(), 0);
+  EXPECT_EQ(ReadRecording(output_).records.size(), 2U);
+  EXPECT_EQ(ReadRecording(output_).tails.size(), 1U);
 }
 
 TEST_F(RecorderServiceTest, WithoutAnInterfaceNothingIsRecorded) {

@@ -40,7 +40,7 @@ class RecordCursor {
   }
 
   std::string_view TakeText() {
-    const auto size = Take<std::size_t>();
+    const auto size = Take<std::uint32_t>();
     const std::string_view text = bytes_.substr(0, size);
     bytes_.remove_prefix(size);
     return text;
@@ -52,7 +52,7 @@ class RecordCursor {
 
 void FormatList(RecordCursor& cursor, std::string& line) {
   line += '[';
-  for (std::size_t left = cursor.Take<std::size_t>(); left != 0; --left) {
+  for (std::uint32_t left = cursor.Take<std::uint32_t>(); left != 0; --left) {
     recording_format::AppendText(line, cursor.TakeText());
     line += left == 1 ? "" : ",";
   }
@@ -61,7 +61,7 @@ void FormatList(RecordCursor& cursor, std::string& line) {
 
 void FormatMap(RecordCursor& cursor, std::string& line) {
   line += '{';
-  for (std::size_t left = cursor.Take<std::size_t>(); left != 0; --left) {
+  for (std::uint32_t left = cursor.Take<std::uint32_t>(); left != 0; --left) {
     recording_format::AppendText(line, cursor.TakeText());
     line += ':';
     FormatList(cursor, line);
@@ -105,16 +105,16 @@ void FormatArray(RecordCursor& cursor, const char* member, std::string_view kind
 }  // namespace
 
 void CallRecord::AppendValue(const recording_format::TextList& list) {
-  bytes_.Append(list.size());
+  bytes_.Append(static_cast<std::uint32_t>(list.size()));
   for (const std::string& text : list) {
-    AppendText(text);
+    bytes_.AppendText(text);
   }
 }
 
 void CallRecord::AppendValue(const recording_format::TextMap& map) {
-  bytes_.Append(map.size());
+  bytes_.Append(static_cast<std::uint32_t>(map.size()));
   for (const auto& [name, list] : map) {
-    AppendText(name);
+    bytes_.AppendText(name);
     AppendValue(list);
   }
 }
@@ -123,8 +123,8 @@ void CallRecord::AppendThrown(const std::type_info* type, const char* what) {
   const char* const mangled = type == nullptr ? "" : type->name();
   const std::unique_ptr<char, void (*)(void*)> plain(abi::__cxa_demangle(mangled, nullptr, nullptr, nullptr),
                                                      std::free);
-  AppendText(plain == nullptr ? mangled : plain.get());
-  AppendText(what == nullptr ? "" : what);
+  bytes_.AppendText(plain == nullptr ? mangled : plain.get());
+  bytes_.AppendText(what == nullptr ? "" : what);
 }
 
 void CallRecord::HandOver(Recording::Clock::time_point end) noexcept {

@@ -17,7 +17,8 @@ namespace recorder {
 
 /// The start of a record in the queue. The values follow: the arguments, the out values at the start unless
 /// all are 0 or empty, the result or the exception's type and text, the out values at the end. Booleans take
-/// a byte, integers eight; a text is preceded by its size, a list or a map by the number of its elements.
+/// a byte, integers eight; a text is preceded by its size, a list or a map by the number of its elements, each
+/// in four bytes.
 struct RecordHeader {
   recording_format::Operation operation;
   bool hasBefore;
@@ -28,10 +29,11 @@ struct RecordHeader {
 };
 
 /// The record of one call, copied on the calling thread: `Begin` before the call, `Returned` or `Threw` after
-/// it. Throws nothing; when memory runs out, the record is counted as dropped.
+/// it. Throws nothing; when memory runs out or the record is larger than the queue, it is counted as dropped.
 class CallRecord {
  public:
-  explicit CallRecord(Recording& recording) noexcept : recording_(recording) {}
+  explicit CallRecord(Recording& recording) noexcept
+      : recording_(recording), bytes_(recording.LargestRecord()) {}
   CallRecord(const CallRecord&) = delete;
   CallRecord& operator=(const CallRecord&) = delete;
 
@@ -96,18 +98,13 @@ class CallRecord {
     } else if constexpr (std::is_integral_v<T>) {
       bytes_.Append(std::int64_t{value});
     } else {
-      AppendText(value);
+      bytes_.AppendText(value);
     }
   }
   void AppendValue(const recording_format::TextList& list);
   void AppendValue(const recording_format::TextMap& map);
 
-  void AppendText(std::string_view text) {
-    bytes_.Append(text.size());
-    bytes_.Append(text);
-  }
-
-  /// Runs `append`, unless an earlier one failed for lack of memory.
+  /// Runs `append`, unless an earlier one failed.
   template <class Function>
   void Try(Function append) noexcept {
     try {

@@ -36,7 +36,7 @@ class RecordQueue {
     bool isLast = false;        ///< the queue is closed; no further batch follows
   };
 
-  /// Waits until the queue is half full or closed, 100 ms at most, and returns its records.
+  /// Waits until the queue has a batch of records or is closed, 100 ms at most, and returns its records.
   Batch Take();
 
   /// Frees the memory of a closed queue.
@@ -48,6 +48,7 @@ class RecordQueue {
   std::string records_;  ///< filled by `Push`
   std::string taken_;    ///< what the last `Take` returned; the same capacity
   std::size_t capacity_ = 0;
+  std::size_t batch_ = 0;  ///< `Take` is woken by so many bytes
   std::uint64_t dropped_ = 0;
   bool isOpen_ = false;
 };

@@ -5,9 +5,11 @@
 
 #include <ace/Guard_T.h>
 #include <ace/Log_Msg.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <exception>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -29,7 +31,7 @@ constexpr const char* kInterfaceName = "AsciiUtilInterface";
 
 /// The bytes of each of the queue's two buffers: some 50,000 calls of 330 bytes. Pages that are never written
 /// do not become resident.
-constexpr std::size_t kQueueSize = std::size_t{16} << 20;
+constexpr std::uint32_t kQueueSize = 16U << 20U;
 
 /// The recording and the front are never destroyed: callers may still use them, see `RecorderService`.
 Recording& TheRecording() {
@@ -109,6 +111,10 @@ int RecorderService::init(int argc, ACE_TCHAR* argv[]) {
 
 void RecorderService::Start(const Options& options) {
   AsciiUtilInterface& implementation = FetchImplementation();
+  static const int registered = pthread_atfork(nullptr, nullptr, [] { TheRecording().AbandonAfterFork(); });
+  if (registered != 0) {
+    throw std::system_error(registered, std::generic_category(), "pthread_atfork");
+  }
   TheRecording().Start(
       options, HeadFor(implementation),
       [](const std::string& problem) { Log("recording stopped: " + problem); }, kQueueSize);
@@ -152,6 +158,9 @@ int RecorderService::fini() {
     return 0;
   }
   TakeOut();
+  if (TheRecording().IsAbandoned()) {
+    return 0;
+  }
   const Totals totals = TheRecording().Stop();
   if (!totals.problem.empty()) {
     Report(totals.problem + "; " + Summary(totals));

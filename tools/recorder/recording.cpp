@@ -7,6 +7,8 @@
 #include <signal.h>
 
 #include <exception>
+#include <limits>
+#include <new>
 #include <utility>
 
 #include "tools/recorder/call_record.h"
@@ -44,7 +46,7 @@ class SignalBlock {
 }  // namespace
 
 void Recording::Start(const Options& options, recording_format::Head head,
-                      void (*onProblem)(const std::string&), std::size_t capacity) {
+                      void (*onProblem)(const std::string&), std::uint32_t capacity) {
   head.time = TimeNow();
   head.operations = NamesOf(options.operations);
   head.every = static_cast<std::int64_t>(options.every);
@@ -52,17 +54,23 @@ void Recording::Start(const Options& options, recording_format::Head head,
   file_ = std::make_unique<RecordingFile>(options.output, options.limit, head);
   totals_ = Totals();
   onProblem_ = onProblem;
-  queue_.Open(capacity);
-  {
+  try {
+    queue_.Open(capacity);
     const SignalBlock block;
     writer_ = std::thread([this] { WriteLines(); });
+  } catch (...) {
+    queue_.Close();
+    queue_.Release();
+    file_.reset();
+    throw;
   }
   every_.store(options.every, std::memory_order_relaxed);
-  selected_.store(static_cast<std::uint32_t>(options.operations.to_ulong()), std::memory_order_relaxed);
+  largest_.store(capacity, std::memory_order_relaxed);
+  selected_.store(static_cast<std::uint32_t>(options.operations.to_ulong()), std::memory_order_release);
 }
 
 Totals Recording::Stop() {
-  if (!writer_.joinable()) {
+  if (!writer_.joinable() || isAbandoned_) {
     return {};
   }
   selected_.store(0, std::memory_order_relaxed);
@@ -74,14 +82,31 @@ Totals Recording::Stop() {
   return std::exchange(totals_, {});
 }
 
+void Recording::AbandonAfterFork() noexcept {
+  if (writer_.joinable()) {
+    isAbandoned_ = true;
+    selected_.store(0, std::memory_order_relaxed);
+    // A call during which the process was forked has begun before this time, so its record is ignored.
+    began_.store(std::numeric_limits<Clock::rep>::max(), std::memory_order_relaxed);
+  }
+}
+
 void Recording::WriteLines() noexcept {
   try {
     WriteBatches();
   } catch (const std::exception& error) {
-    selected_.store(0, std::memory_order_relaxed);
-    queue_.Close();
+    ReportProblem(error);
+  }
+}
+
+void Recording::ReportProblem(const std::exception& error) noexcept {
+  selected_.store(0, std::memory_order_relaxed);
+  queue_.Close();
+  try {
     totals_.problem = error.what();
     onProblem_(totals_.problem);
+  } catch (const std::bad_alloc&) {
+    totals_.problem = "out of memory";  // Short enough to need no allocation.
   }
 }
 

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -38,7 +39,7 @@ class Recording {
   /// file cannot be written any more; recording has then stopped. `capacity` is that of the queue in bytes; a
   /// larger record is dropped. Throws `std::system_error` or `std::bad_alloc`; nothing is started then.
   void Start(const Options& options, recording_format::Head head, void (*onProblem)(const std::string&),
-             std::size_t capacity);
+             std::uint32_t capacity);
 
   /// Writes the records in the queue, closes the file and ends the writer's thread. Calls that have not ended
   /// yet are left out. Does nothing without a recording.
@@ -46,10 +47,15 @@ class Recording {
 
   [[nodiscard]] bool IsRunning() const { return writer_.joinable(); }
 
+  /// For a forked child, right after the fork: its calls are not recorded, and `Stop` does nothing. The
+  /// writer's thread exists in the parent only, and the queue's lock may be held by another thread of it.
+  void AbandonAfterFork() noexcept;
+  [[nodiscard]] bool IsAbandoned() const { return isAbandoned_; }
+
   /// Whether this call of the operation is to be recorded. Counts the calls when only some are.
   bool Wants(recording_format::Operation operation) noexcept {
     const auto at = static_cast<unsigned>(operation);
-    if ((selected_.load(std::memory_order_relaxed) >> at & 1U) == 0) {
+    if ((selected_.load(std::memory_order_acquire) >> at & 1U) == 0) {
       return false;
     }
     const std::uint64_t every = every_.load(std::memory_order_relaxed);
@@ -61,6 +67,11 @@ class Recording {
     return Clock::time_point(Clock::duration(began_.load(std::memory_order_relaxed)));
   }
 
+  /// The size of the queue in bytes. A larger record is dropped, so it need not be built.
+  [[nodiscard]] std::uint32_t LargestRecord() const noexcept {
+    return largest_.load(std::memory_order_relaxed);
+  }
+
   /// Queues the record of a call, in the form of call_record.h, for the writer.
   void Add(std::string_view record) noexcept { queue_.Push(record); }
 
@@ -69,11 +80,13 @@ class Recording {
 
  private:
   void WriteLines() noexcept;
+  void ReportProblem(const std::exception& error) noexcept;
   void WriteBatches();
 
   std::atomic<std::uint32_t> selected_{0};  ///< a bit for each recorded operation; 0: no recording
   std::atomic<std::uint64_t> every_{1};
   std::atomic<Clock::rep> began_{0};
+  std::atomic<std::uint32_t> largest_{0};
   std::array<std::atomic<std::uint64_t>, recording_format::kSignatures.size()> calls_{};
 
   RecordQueue queue_;
@@ -81,6 +94,7 @@ class Recording {
   Totals totals_;                        ///< likewise
   void (*onProblem_)(const std::string&) = nullptr;
   std::thread writer_;
+  bool isAbandoned_ = false;  ///< this process is a forked child of the one that started the recording
 };
 
 }  // namespace recorder

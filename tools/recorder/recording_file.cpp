@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -97,16 +98,26 @@ void RecordingFile::Finish() {
 }
 
 void RecordingFile::Flush() {
-  for (std::string_view rest = pending_; !rest.empty();) {
+  std::string_view rest = pending_;
+  while (!rest.empty()) {
     const ssize_t size = ::write(fd_, rest.data(), rest.size());
     if (size >= 0) {
       rest.remove_prefix(static_cast<std::size_t>(size));
     } else if (errno != EINTR) {
+      const int error = errno;
+      CountWritten(pending_.size() - rest.size());
+      errno = error;
       Fail("write");
     }
   }
+  CountWritten(pending_.size());
   pending_.clear();
-  written_ = added_;
+}
+
+void RecordingFile::CountWritten(std::size_t bytes) {
+  const auto end = pending_.begin() + static_cast<std::ptrdiff_t>(bytes);
+  const auto lines = static_cast<std::uint64_t>(std::count(pending_.begin(), end, '\n'));
+  written_ += std::min(lines, added_ - written_);  // The head and the tail are lines without a record.
 }
 
 void RecordingFile::Fail(const char* action) const {

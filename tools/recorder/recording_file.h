@@ -42,12 +42,13 @@ class RecordingFile {
   /// Writes the tail and closes the file.
   void Finish();
 
-  /// How many records were written, those of earlier files included.
+  /// How many records were written, those of earlier files and of a block that was written in part included.
   [[nodiscard]] std::uint64_t Written() const { return written_; }
 
  private:
   void Open();
   void Append(std::string_view line);
+  void CountWritten(std::size_t bytes);
   [[noreturn]] void Fail(const char* action) const;
 
   const std::string path_;
