@@ -23,6 +23,7 @@
 #include "framework/config_items.h"
 #include "host/base/problem.h"
 #include "host/base/text_escape.h"
+#include "host/commands/interrupt.h"
 #include "host/commands/operations.h"
 #include "tools/recorder/format/cksum.h"
 #include "tools/recorder/format/reader.h"
@@ -251,9 +252,17 @@ Replay ReplayCalls(const ReplayOptions& options, NS_ASCII::AsciiUtilInterface& i
   if (std::error_code none; std::filesystem::is_directory(options.file, none)) {
     throw Failure(options.file + ": is a directory; give the file that the recorder wrote");
   }
+  // A recording that is still written grows, perhaps by the calls of this replay. A pipe has no size.
+  std::error_code isPipe;
+  const std::uintmax_t end = std::filesystem::file_size(options.file, isPipe);
   Player player(options, interface);
   recording_format::Reader reader(file);
-  while (const auto line = reader.Next()) {
+  while (isPipe || reader.BytesRead() < end) {
+    const auto line = reader.Next();
+    if (!line) {
+      break;
+    }
+    ThrowIfInterrupted();
     if (const auto* const head = std::get_if<Head>(&*line)) {
       player.Take(*head);
     } else if (const auto* const record = std::get_if<Record>(&*line)) {
@@ -261,6 +270,10 @@ Replay ReplayCalls(const ReplayOptions& options, NS_ASCII::AsciiUtilInterface& i
     } else if (const auto* const problem = std::get_if<recording_format::Problem>(&*line)) {
       player.Take(*problem, reader.LineNumber());
     }
+  }
+  if (file.bad()) {
+    throw Failure(options.file + ':' + std::to_string(reader.LineNumber() + 1) +
+                  ":1: cannot be read: " + std::generic_category().message(EIO));
   }
   if (player.Records() == 0) {
     throw Failure(options.file + ":1:1: the file holds no recorded call; give one that the recorder wrote");

@@ -212,6 +212,46 @@ TEST(RecordingReader, TheLastLineNeedsNoLineEnd) {
   EXPECT_FALSE(reader.Next());
 }
 
+/// Gives a line, then fails like a file of a broken disk.
+class BrokenBuffer : public std::stringbuf {
+ public:
+  BrokenBuffer() : std::stringbuf("first\nsec") {}
+
+ protected:
+  int_type underflow() override {
+    const int_type byte = std::stringbuf::underflow();
+    if (byte == traits_type::eof()) {
+      throw std::ios_base::failure("broken");
+    }
+    return byte;
+  }
+  int_type uflow() override {
+    const int_type byte = underflow();
+    gbump(1);
+    return byte;
+  }
+};
+
+TEST(RecordingReader, AFailedReadEndsTheFileAndShowsInTheStream) {
+  BrokenBuffer buffer;
+  std::istream file(&buffer);
+  recording_format::Reader reader(file);
+  EXPECT_TRUE(reader.Next());
+  EXPECT_FALSE(reader.Next());
+  EXPECT_TRUE(file.bad());
+  EXPECT_EQ(reader.LineNumber(), 1U);
+  EXPECT_FALSE(reader.Next());
+}
+
+TEST(RecordingReader, TheBytesOfTheLinesAreCounted) {
+  std::istringstream file("123\n" + std::string(200, 'x') + "\n\nab");
+  recording_format::Reader reader(file, 100);
+  for (const std::uint64_t bytes : {4U, 205U, 206U, 208U, 208U}) {
+    reader.Next();
+    EXPECT_EQ(reader.BytesRead(), bytes);
+  }
+}
+
 TEST(RecordingReader, ALineThatIsTooLongIsSkipped) {
   std::istringstream file(std::string(101, 'x') + '\n' + std::string(100, 'x') + '\n');
   recording_format::Reader reader(file, 100);

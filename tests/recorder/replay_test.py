@@ -5,6 +5,7 @@ import json
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import tempfile
 import unittest
@@ -177,6 +178,39 @@ expect 'is unmapped'
         self.assertEqual((done.returncode, table["SplitStr"]["different"]), (1, 1))
         self.assertIsNone(table["SplitStr"]["now_ns"])
         self.assertIn("would fill the memory", report["differences"][0]["now"])
+
+    def test_a_recording_is_read_up_to_its_size_at_the_start(self):
+        many = self.dir / "many"
+        many.write_text('{"op":"ToUpper","in":["abc"],"result":"ABC","thread":1,"start":2,"ns":3}\n' * 20000)
+        process = subprocess.Popen([os.environ["BUNDLE_HOST"], "--config-dir", self.config, "--log-file", self.dir / "log",
+                                    "--bundle", os.environ["BUNDLE"], "run", "-"], text=True, stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.addCleanup(process.communicate)
+        self.addCleanup(process.kill)
+        process.stdin.write(f"load {os.environ['RECORDER']} --output {self.calls}\nreplay {many}\n")
+        process.stdin.flush()
+        while not (self.calls.exists() and self.calls.read_text().count('"ABC"') > 100):
+            self.assertIsNone(process.poll())
+        # Each call of this replay adds a record to the file that it reads.
+        out, err = process.communicate(f"replay {self.calls}\n", timeout=100)
+        self.assertEqual((process.returncode, err), (0, ""))
+        self.assertEqual(out.count("\nToUpper "), 2)
+
+    def test_a_signal_stops_a_replay(self):
+        pipe = self.dir / "pipe"
+        os.mkfifo(pipe)
+        process = subprocess.Popen([os.environ["BUNDLE_HOST"], "--config-dir", self.config, "--log-file", self.dir / "log",
+                                    "--bundle", os.environ["BUNDLE"], "replay", pipe], text=True,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.addCleanup(process.communicate)
+        self.addCleanup(process.kill)
+        record = '{"op":"ToUpper","in":["abc"],"result":"ABC","thread":1,"start":2,"ns":3}\n' * 1000
+        with self.assertRaises(BrokenPipeError), open(pipe, "w", encoding="ascii") as file:  # Waits for the reader.
+            process.send_signal(signal.SIGTERM)
+            for _ in range(1000):
+                file.write(record)
+        self.assertEqual(process.communicate()[1], "bundle_host: interrupted by SIGTERM\n")
+        self.assertEqual(process.returncode, 143)
 
     def test_wrong_usage_is_named(self):
         for arguments, reason in ((["f", "--max-differences", "x"], "'x' is not a number from 0 on"),

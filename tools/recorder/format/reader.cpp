@@ -186,22 +186,22 @@ Record RecordOf(const json& object) {
   return record;
 }
 
-/// Reads up to the next line end and drops it. False at the end of the file. Keeps `most` bytes.
-bool ReadLine(std::istream& file, std::size_t most, std::string& text) {
+/// Reads up to the next line end and drops it. Returns the number of bytes read; 0 at the end of the file.
+/// Keeps `most` bytes.
+std::uint64_t ReadLine(std::streambuf& buffer, std::size_t most, std::string& text) {
   text.clear();
-  std::streambuf& buffer = *file.rdbuf();
   constexpr int kEnd = std::char_traits<char>::eof();
-  int byte = file.good() ? buffer.sbumpc() : kEnd;
-  if (byte == kEnd) {
-    file.setstate(std::ios::eofbit);
-    return false;
-  }
-  for (; byte != kEnd && byte != '\n'; byte = buffer.sbumpc()) {
+  std::uint64_t bytes = 0;
+  for (int byte = buffer.sbumpc(); byte != kEnd; byte = buffer.sbumpc()) {
+    ++bytes;
+    if (byte == '\n') {
+      break;
+    }
     if (text.size() < most) {
       text += static_cast<char>(byte);
     }
   }
-  return true;
+  return bytes;
 }
 
 }  // namespace
@@ -233,9 +233,18 @@ Line ParseLine(const std::string& text) {
 }
 
 std::optional<Line> Reader::Next() {
-  if (!ReadLine(file_, maxLine_ + 1, text_)) {
+  std::uint64_t bytes = 0;
+  try {
+    bytes = file_.good() ? ReadLine(*file_.rdbuf(), maxLine_ + 1, text_) : 0;
+  } catch (const std::ios_base::failure&) {  // From the stream's buffer: a read failed.
+    file_.setstate(std::ios::badbit);
     return std::nullopt;
   }
+  if (bytes == 0) {
+    file_.setstate(std::ios::eofbit);
+    return std::nullopt;
+  }
+  bytes_ += bytes;
   ++number_;
   if (text_.size() > maxLine_) {
     return Problem{maxLine_ + 1, "the line is longer than " + std::to_string(maxLine_) + " bytes"};

@@ -2,6 +2,7 @@
 #define TOOLS_RECORDER_FORMAT_READER_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -33,18 +34,22 @@ class Reader {
   /// A line of more than `maxLine` bytes is a problem.
   explicit Reader(std::istream& file, std::size_t maxLine = kMaxLine) : file_(file), maxLine_(maxLine) {}
 
-  /// The next line; empty at the end of the file. A failed read also ends the file; the stream's state shows
-  /// it.
+  /// The next line; empty at the end of the file. A failed read also ends the file and sets the stream's
+  /// `badbit`.
   std::optional<Line> Next();
 
   /// The number of the line that `Next` returned, from 1.
   [[nodiscard]] std::size_t LineNumber() const { return number_; }
+
+  /// The size in bytes of the lines that `Next` returned, line ends included.
+  [[nodiscard]] std::uint64_t BytesRead() const { return bytes_; }
 
  private:
   std::istream& file_;
   const std::size_t maxLine_;
   std::string text_;
   std::size_t number_ = 0;
+  std::uint64_t bytes_ = 0;
 };
 
 /// One line without its line end.
