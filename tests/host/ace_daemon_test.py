@@ -42,19 +42,19 @@ class AceDaemon(unittest.TestCase):
             return subprocess.Popen([DAEMON, "-f", self.svc_conf(*directives)], stdout=out, stderr=err, cwd=SOURCE)
 
     def wait_for(self, what, is_there):
-        deadline = time.monotonic() + 60
+        deadline = time.monotonic() + 100
         while not is_there():
             self.assertLess(time.monotonic(), deadline, f"{what} did not appear")
             time.sleep(0.05)
 
     def stop(self, daemon):
         daemon.send_signal(signal.SIGINT)
-        return daemon.wait(timeout=60)
+        return daemon.wait(timeout=200)
 
     def test_the_example_agent_writes_the_messages_and_the_log_that_it_writes_in_bundle_host(self):
         there = subprocess.run([BUNDLE_HOST, "--config-dir", "examples/config", "--log-file", self.path("expected"), "--svc-conf",
                                 self.svc_conf(UTIL, AGENT), "services"],
-                               capture_output=True, text=True, timeout=60, check=True, cwd=SOURCE)
+                               capture_output=True, text=True, timeout=200, check=True, cwd=SOURCE)
         messages = [line for line in there.stdout.splitlines() if re.match(r"\d{4}-\d\d-\d\dT", line)]
         self.assertIn("CRITICAL", " ".join(messages))
         daemon = self.start(PLATFORM % f"--config-dir examples/config --log-file {self.path('log')}", UTIL, AGENT)

@@ -135,6 +135,9 @@ class Broken : public NS_BUNDLEMGR1::ServiceObjectBase {
     std::printf("%s: fini\n", TEXT_OF(BUNDLE));
     std::fflush(stdout);
 #endif
+#ifdef BROKEN_FINI_RAISES
+    std::raise(SIGTERM);
+#endif
 #ifdef BROKEN_FINI_CRASHES
     std::raise(SIGFPE);
 #endif

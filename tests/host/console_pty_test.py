@@ -16,7 +16,7 @@ import time
 import unittest
 
 PROMPT = "bundle_host> "
-DEADLINE = 20.0
+DEADLINE = 100.0
 
 
 class Terminal:
@@ -161,6 +161,17 @@ class ConsoleAtATerminal(unittest.TestCase):
         terminal.run("  ")
         terminal.type("\x1b[A\r")
         self.assertIn("log level: 0", terminal.wait_for(PROMPT))
+
+    def test_the_history_keeps_the_last_thousand_lines(self):
+        directory = os.path.join(self.state_dir, "bundle_host")
+        os.makedirs(directory)
+        with open(os.path.join(directory, "history"), "w", encoding="ascii") as file:
+            file.write("_HiStOrY_V2_\n" + "".join(f"line{number}\n" for number in range(1500)))
+        terminal = self.start()
+        terminal.run("log")
+        with open(os.path.join(directory, "history"), encoding="ascii") as file:
+            lines = file.read().splitlines()
+        self.assertEqual(lines[1:], [f"line{number}" for number in range(501, 1500)] + ["log"])
 
     def test_a_relative_state_directory_is_ignored(self):
         home = tempfile.mkdtemp()

@@ -45,7 +45,7 @@ class HostTest(unittest.TestCase):
         env = {k: v for k, v in os.environ.items() if k != "BUNDLE_HOST_CONFIG_DIR"}
         env.update(environment or {})
         return subprocess.run([HOST, *arguments], input=stdin, env=env, cwd=directory, capture_output=True, text=True,
-                              timeout=60, check=False)
+                              timeout=200, check=False)
 
     def with_bundle(self, *arguments):
         """The command line that loads the bundle and logs nothing."""

@@ -13,6 +13,7 @@
 #include "host/base/problem.h"
 #include "host/loader/library_trial.h"
 #include "host/platform/bundle_mgr.h"
+#include "host/platform/interface_registry.h"
 #include "tests/temp_directory.h"
 
 namespace {
@@ -233,6 +234,18 @@ TEST_F(LoaderTest, OnlyInterfacesThatTheFailedInitLookedUpAreNamed) {
   const std::string problem = ProblemOf([&] { loader_.Load(Fixture("broken_init_fails"), {}); });
   EXPECT_THAT(problem, HasSubstr("; looked up and not registered: WantedInterface"));
   EXPECT_THAT(problem, testing::Not(HasSubstr("LookedUpEarlier")));
+}
+
+TEST_F(LoaderTest, AnInterfaceThatIsRegisteredIsNoHintAtTheCause) {
+  struct Interface : NS_BUNDLEMGR1::ServiceInterface {
+    std::string GetSvcName() override { return ""; }
+    std::int64_t IsValid() override { return 1; }
+  } wanted;
+  NS_BUNDLEMGR1::SetIFBuf("WantedInterface", &wanted);
+  const std::string problem = ProblemOf([&] { loader_.Load(Fixture("broken_init_fails"), {}); });
+  host::WithdrawInterface(&wanted);
+  EXPECT_THAT(problem, HasSubstr("init returned -1"));
+  EXPECT_THAT(problem, testing::Not(HasSubstr("WantedInterface")));
 }
 
 TEST_F(LoaderTest, ABundleWhoseInterfaceAnotherOnePassesCallsOnToIsNeitherUnloadedNorReloaded) {

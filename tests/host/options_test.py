@@ -94,12 +94,12 @@ class LogFile(HostTest):
         log = os.path.join(self.dir, "log")
         arguments = [HOST, "-c", self.config, "-b", BUNDLE, "--log-file", log]
         done = subprocess.run(["sh", "-c", 'exec "$@" >&-', "sh", *arguments, "call", "ToUpper", "answer"],
-                              capture_output=True, text=True, timeout=60, check=False)
+                              capture_output=True, text=True, timeout=200, check=False)
         self.assert_fails(done, 1, "standard output cannot be written")
-        done = subprocess.run(["sh", "-c", 'exec "$@" 2>&-', "sh", *arguments, "call", "nonsense"], timeout=60, check=False)
+        done = subprocess.run(["sh", "-c", 'exec "$@" 2>&-', "sh", *arguments, "call", "nonsense"], timeout=200, check=False)
         self.assertEqual(done.returncode, 2)
         done = subprocess.run(["sh", "-c", 'exec "$@" <&-', "sh", *arguments, "run", "-"], capture_output=True, text=True,
-                              timeout=60, check=False)
+                              timeout=200, check=False)
         self.assert_fails(done, 1, "stdin: cannot be read")
         with open(log, encoding="ascii") as file:
             self.assertEqual({line.split(": ", 1)[1] for line in file}, {"run successfull!! \n"})

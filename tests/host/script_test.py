@@ -5,7 +5,7 @@ import os
 import subprocess
 
 import host_case
-from host_case import HOST, HostTest
+from host_case import HOST, HostTest, broken
 
 
 class Expect(HostTest):
@@ -25,7 +25,7 @@ class Expect(HostTest):
 
     def test_a_longer_number_or_word_does_not_match(self):
         for printed, expected, holds in [("15", "result: 15", True), ("15", "result: 1", False), ("15", "5", False),
-                                         ("a_b", "a", False), ("a-b", "a", True), ("x", "result: x", True)]:
+                                         ("a_b", "a", False), ("a-b", "a", True), ("x", "result: x", True), ("15 5", "5", True)]:
             with self.subTest(printed=printed, expected=expected):
                 done = self.script(f"call Trim '{printed}'\nexpect '{expected}'\n")
                 self.assertEqual(done.returncode, 0 if holds else 1, done)
@@ -60,6 +60,13 @@ class Expect(HostTest):
                           "bundle_host: stdin:8:1: no command 'nonsense'",
                           "bundle_host: stdin: 3 of 7 commands failed"])
         self.assertEqual(done.returncode, 1)
+
+    def test_keep_going_reports_a_problem_after_the_output_of_its_command(self):
+        file = self.write("script", f"load {broken('fini_fails')}\nunload broken_fini_fails\n")
+        done = subprocess.run([HOST, "--keep-going", "run", file], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                              timeout=200, check=False)
+        self.assertEqual([line.split(" ")[0] for line in done.stdout.splitlines()],
+                         ["loaded", "unloaded", "bundle_host:", "bundle_host:"])
 
     def test_keep_going_succeeds_when_nothing_failed(self):
         done = self.script("log\n", "--keep-going")
@@ -200,7 +207,7 @@ class Files(HostTest):
         with subprocess.Popen(["yes", "x" * 1000], stdout=subprocess.PIPE) as letters, \
              subprocess.Popen(["tr", "-d", "\\n"], stdin=letters.stdout, stdout=subprocess.PIPE) as endless:
             letters.stdout.close()
-            done = subprocess.run([HOST, "run", "-"], stdin=endless.stdout, capture_output=True, text=True, timeout=60, check=False)
+            done = subprocess.run([HOST, "run", "-"], stdin=endless.stdout, capture_output=True, text=True, timeout=200, check=False)
             endless.stdout.close()
         self.assert_fails(done, 1, "stdin:1:16777217: the line is longer than 16 MiB")
 
@@ -226,7 +233,7 @@ class Files(HostTest):
     def test_standard_input_that_cannot_be_read_is_reported(self):
         directory = os.open(self.dir, os.O_RDONLY)
         self.addCleanup(os.close, directory)
-        done = subprocess.run([HOST, "run", "-"], stdin=directory, capture_output=True, text=True, timeout=60, check=False)
+        done = subprocess.run([HOST, "run", "-"], stdin=directory, capture_output=True, text=True, timeout=200, check=False)
         self.assert_fails(done, 1, "stdin: cannot be read")
 
     def test_a_piped_console_stops_at_the_first_bad_line(self):

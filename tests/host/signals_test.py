@@ -29,7 +29,7 @@ class Signals(HostTest):
         return process
 
     def end(self, process):
-        out, err = process.communicate(timeout=60)
+        out, err = process.communicate(timeout=200)
         return process.returncode, out, err
 
     def wait_for_input(self, process):
@@ -82,7 +82,7 @@ class Signals(HostTest):
                     pass
                 self.assertIsNone(process.poll())
                 process.send_signal(second)
-                self.assertEqual(process.wait(timeout=60), -second)
+                self.assertEqual(process.wait(timeout=200), -second)
 
     def test_sigterm_after_an_interrupt_is_a_first_one(self):
         process = self.start("load", broken("init_hangs"))
@@ -99,6 +99,10 @@ class Signals(HostTest):
             fields = dict(line.split(":", 1) for line in file)
         pending = int(fields["ShdPnd"], 16) | int(fields["SigPnd"], 16)
         return pending >> (number - 1) & 1 == 1
+
+    def test_a_signal_during_the_last_fini_is_in_the_exit_code(self):
+        done = self.host("-b", broken("fini_raises"), "quit")
+        self.assert_fails(done, 143, "bundle_host: interrupted by SIGTERM")
 
     def test_a_signal_that_is_ignored_from_the_start_stays_ignored(self):
         process = self.start("run", "-", preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))

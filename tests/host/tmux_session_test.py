@@ -12,7 +12,7 @@ import host_case
 from host_case import BUNDLE, HOST, HostTest, broken
 
 TMUX, AGENT = os.environ.pop("TMUX"), os.environ["AGENT"]
-DEADLINE = 60.0
+DEADLINE = 100.0
 ALARM = "ID=1,KIND=LINK,EQUIPMENT=RTR,CAUSE=down,NUMBER=7,AFFECTED=a,PATH=b,COUNT=3,TEXT=Abis link down\n"
 
 
@@ -24,7 +24,7 @@ class TmuxSession(HostTest):
 
     def tmux(self, *arguments):
         return subprocess.run([TMUX, "-S", self.socket, "-f", "/dev/null", *arguments], check=True, capture_output=True,
-                              text=True, timeout=60).stdout
+                              text=True, timeout=200).stdout
 
     def start(self, *options):
         """Opens a console; when it ends, the screen shows its exit code."""

@@ -1,8 +1,12 @@
 #include "host/loader/watched_service.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
+#include <csignal>
 #include <stdexcept>
+
+#include "host/loader/call_watch.h"
 
 namespace {
 
@@ -69,6 +73,23 @@ TEST(WatchedService, LetsNoExceptionOut) {
   calls = {};
   calls.throws = true;
   EXPECT_EQ(Drive(-1).init, "init threw: why");
+}
+
+TEST(CallWatch, RestoresTheHandlersOfCrashesExceptThoseThatTheCallChanged) {
+  const auto handlerOf = [](int number) {
+    struct sigaction action {};
+    sigaction(number, nullptr, &action);
+    return action.sa_handler;
+  };
+  const auto before = handlerOf(SIGILL);
+  {
+    const host::CallWatch watch("a test");
+    EXPECT_NE(handlerOf(SIGILL), before);
+    std::signal(SIGFPE, SIG_IGN);
+  }
+  EXPECT_EQ(handlerOf(SIGILL), before);
+  EXPECT_EQ(handlerOf(SIGFPE), SIG_IGN);
+  std::signal(SIGFPE, SIG_DFL);
 }
 
 }  // namespace
