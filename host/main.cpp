@@ -63,8 +63,7 @@ int Run(const Options& options) {
 
 /// Prints the problem; returns the exit code, which after a stop signal is the signal's.
 int Report(const std::exception& problem, int exitCode) {
-  std::cout.flush();
-  std::cerr << "bundle_host: " << host::OneLine(problem.what()) << '\n';
+  std::cerr << "bundle_host: " << host::OneLine(problem.what()) << '\n';  // Flushes std::cout first.
   return host::StopSignal() == 0 ? exitCode : kSignalled + host::StopSignal();
 }
 

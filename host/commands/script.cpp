@@ -153,7 +153,6 @@ class Script {
     if (!session_.keepGoing) {
       throw Failure(problem_);
     }
-    session_.out.flush();
     std::cerr << "bundle_host: " << OneLine(problem_) << '\n';
     ++failed_;
   }

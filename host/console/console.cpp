@@ -52,7 +52,6 @@ void RunInteractively(Session& session) {
     try {
       RunLine(session, *line);
     } catch (const std::exception& problem) {
-      session.out.flush();
       std::cerr << OneLine(problem.what()) << '\n';
     }
     session.out.flush();
