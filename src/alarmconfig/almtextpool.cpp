@@ -59,13 +59,19 @@ std::size_t AlarmTextPool::SlotOf(std::string_view text, std::uint32_t hash) con
 }
 
 void AlarmTextPool::Grow() {
-  std::vector<Slot> old(slots_.empty() ? kFirstSlots : 2 * slots_.size(), Slot{0, 0});
-  slots_.swap(old);
-  for (const Slot& slot : old) {
-    if (slot.ref != 0) {
-      slots_[SlotOf(Text(slot.ref), slot.hash)] = slot;
+  std::vector<Slot> larger(slots_.empty() ? kFirstSlots : 2 * slots_.size(), Slot{0, 0});
+  const std::size_t mask = larger.size() - 1;
+  for (const Slot& slot : slots_) {
+    if (slot.ref == 0) {
+      continue;
     }
+    std::size_t i = slot.hash & mask;
+    while (larger[i].ref != 0) {
+      i = (i + 1) & mask;
+    }
+    larger[i] = slot;
   }
+  slots_.swap(larger);
 }
 
 }  // namespace NS_ASCII
