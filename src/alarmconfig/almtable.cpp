@@ -47,23 +47,15 @@ AlarmTable::SlotArray::SlotArray(std::size_t count)
 AlarmTable::~AlarmTable() { delete CurrentArray(); }
 
 void AlarmTable::Insert(const AlarmKey& key, std::string_view value) {
-  InsertHashed(key, HashOf(key), values_.Intern(value));
+  InsertInterned(key, values_.Intern(value));
 }
 
 std::uint32_t AlarmTable::HashOf(const AlarmKey& key) const {
   return TextHash(hashKey_).Add(key.key1).Add(key.key2).Add(key.key3).Add(key.numKey).value();
 }
 
-std::uint32_t AlarmTable::HashAndPrefetch(const AlarmKey& key) const {
+void AlarmTable::InsertInterned(const AlarmKey& key, Ref value) {
   const std::uint32_t hash = HashOf(key);
-  if (const SlotArray* const array = CurrentArray(); array != nullptr) {
-    __builtin_prefetch(&array->slots[hash & array->mask]);
-    __builtin_prefetch(&slotHashes_[hash & array->mask], 1);
-  }
-  return hash;
-}
-
-void AlarmTable::InsertHashed(const AlarmKey& key, std::uint32_t hash, Ref value) {
   const SlotArray* const array = CurrentArray();
   std::size_t slot = 0;
   if (array != nullptr) {
@@ -104,7 +96,7 @@ std::optional<std::string_view> AlarmTable::Find(const AlarmKey& key) const {
   if (ref == 0) {
     return std::nullopt;
   }
-  // Acquire: pairs with the release in InsertHashed, so that the new value's text is complete.
+  // Acquire: pairs with the release in InsertInterned, so that the new value's text is complete.
   return values_.Text(NodeAt(ref).value.load(std::memory_order_acquire));
 }
 
@@ -155,7 +147,7 @@ bool AlarmTable::HasKey(Ref ref, const AlarmKey& key) const { return FieldsOf(Ke
 AlarmTable::Ref AlarmTable::Locate(const SlotArray& array, const AlarmKey& key, std::uint32_t hash,
                                    std::size_t& slot) const {
   for (slot = hash & array.mask;; slot = (slot + 1) & array.mask) {
-    // Acquire: pairs with the release in InsertHashed, so that the node is complete.
+    // Acquire: pairs with the release in InsertInterned, so that the node is complete.
     const std::uint32_t word = array.slots[slot].load(std::memory_order_acquire);
     if (word == 0) {
       return 0;

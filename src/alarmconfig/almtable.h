@@ -53,18 +53,13 @@ class AlarmTable {
   void Insert(const AlarmKey& key, std::string_view value);
 
   /// Inserts each of `keys`, a container of `AlarmKey` or of a derived type, in order with the same value. On
-  /// `std::bad_alloc` a prefix of `keys` may have been inserted. Faster than single insertions into a table
-  /// larger than the caches: the slots of all keys are prefetched, and the value is looked up once.
+  /// `std::bad_alloc` a prefix of `keys` may have been inserted. Faster than single insertions, because the
+  /// value is looked up once.
   template <class Keys>
   void InsertAll(const Keys& keys, std::string_view value) {
-    hashes_.clear();
-    for (const AlarmKey& key : keys) {
-      hashes_.push_back(HashAndPrefetch(key));
-    }
     const Ref valueRef = values_.Intern(value);
-    auto hash = hashes_.cbegin();
     for (const AlarmKey& key : keys) {
-      InsertHashed(key, *hash++, valueRef);
+      InsertInterned(key, valueRef);
     }
   }
 
@@ -117,14 +112,11 @@ class AlarmTable {
   /// The number of the key's node, 0 if there is none; `slot` (out) is its slot or the free one to use.
   Ref Locate(const SlotArray& array, const AlarmKey& key, std::uint32_t hash, std::size_t& slot) const;
 
-  /// The key's hash. Prefetches the slot at which a search for it starts.
-  [[nodiscard]] std::uint32_t HashAndPrefetch(const AlarmKey& key) const;
-
   /// The current array, for the writer, which is the only thread that changes it.
   [[nodiscard]] SlotArray* CurrentArray() const { return array_.load(std::memory_order_relaxed); }
 
-  /// Inserts a key with a known hash and a value of the pool.
-  void InsertHashed(const AlarmKey& key, std::uint32_t hash, Ref value);
+  /// Inserts a key with a value of the pool.
+  void InsertInterned(const AlarmKey& key, Ref value);
 
   /// Writes a node that is not published yet.
   Ref AddNode(const AlarmKey& key, Ref value);
@@ -136,10 +128,8 @@ class AlarmTable {
   AlarmArena nodes_;
   AlarmTextPool values_;
 
-  // Used by the writer only.
-  std::vector<std::uint32_t> hashes_;  // Of the keys of one `InsertAll`.
-  // The whole hash of each used slot of the current array. Computing the hashes again whenever the array
-  // grows would double the time of a load.
+  // Used by the writer only: the whole hash of each used slot of the current array. Computing the hashes
+  // again whenever the array grows would double the time of a load.
   std::vector<std::uint32_t> slotHashes_;
 
   // Read by all threads. Owned: the current array, which owns the older ones.
