@@ -50,6 +50,11 @@ MappedFile::MappedFile(const std::string& path) {
 
 MappedFile::~MappedFile() { munmap(const_cast<char*>(text_.data()), text_.size()); }
 
+std::size_t ExpectedLines(std::string_view file) {
+  const std::size_t second = file.find('\n') + 1;
+  return file.size() / (file.find('\n', second) + 1 - second);
+}
+
 namespace {
 
 struct RcuNode {
@@ -67,9 +72,14 @@ int HasKey(cds_lfht_node* link, const void* key) {
 
 }  // namespace
 
-RcuTable::RcuTable(const std::string& path)
-    : table_(cds_lfht_new(1024, 1024, 0, CDS_LFHT_AUTO_RESIZE | CDS_LFHT_ACCOUNTING, nullptr)) {
-  Load(path);
+RcuTable::RcuTable(const std::string& path) {
+  files_.push_back(std::make_unique<MappedFile>(path));
+  std::size_t buckets = 1;
+  while (buckets < ExpectedLines(files_.back()->text())) {
+    buckets *= 2;
+  }
+  table_ = cds_lfht_new(buckets, 1, 0, CDS_LFHT_AUTO_RESIZE | CDS_LFHT_ACCOUNTING, nullptr);
+  InsertNewestFile();
 }
 
 RcuTable::~RcuTable() {
@@ -88,6 +98,10 @@ RcuTable::~RcuTable() {
 
 void RcuTable::Load(const std::string& path) {
   files_.push_back(std::make_unique<MappedFile>(path));
+  InsertNewestFile();
+}
+
+void RcuTable::InsertNewestFile() {
   ForEachRecord(files_.back()->text(), [this](const KeyView& key, std::string_view value) {
     auto* const node = new RcuNode{{}, {}, key, value};
     rcu_read_lock();

@@ -91,6 +91,9 @@ struct KeyHash {
   }
 };
 
+/// How many lines a file of `ConfigFile` has, judged by its length and that of its second line.
+std::size_t ExpectedLines(std::string_view file);
+
 /// Calls `insert(key, value)`, which must take views into `file`, for every record of it. Lines with missing,
 /// empty or surplus parts are skipped.
 template <class Insert>
@@ -142,10 +145,8 @@ template <class Map>
 class ViewTable {
  public:
   explicit ViewTable(const std::string& path) : file_(path) {
-    const std::string_view text = file_.text();
-    const std::size_t second = text.find('\n') + 1;
-    map_.reserve(text.size() / (text.find('\n', second) + 1 - second));
-    ForEachRecord(text, [this](const KeyView& key, std::string_view value) { map_[key] = value; });
+    map_.reserve(ExpectedLines(file_.text()));
+    ForEachRecord(file_.text(), [this](const KeyView& key, std::string_view value) { map_[key] = value; });
   }
   [[nodiscard]] std::int64_t Ask(const Question& question) const {
     return AskText(question, [this](const KeyView& key) {
@@ -194,7 +195,8 @@ class SwappedTable {
   std::atomic<const AbseilTable*> current_;
 };
 
-/// liburcu's resizable lock-free hash table. Files stay mapped, because nodes hold views.
+/// liburcu's resizable lock-free hash table, with a bucket for each expected line. Files stay mapped, because
+/// nodes hold views.
 class RcuTable {
  public:
   explicit RcuTable(const std::string& path);
@@ -205,6 +207,8 @@ class RcuTable {
   [[nodiscard]] std::int64_t Ask(const Question& question) const;
 
  private:
+  void InsertNewestFile();
+
   std::vector<std::unique_ptr<MappedFile>> files_;
   cds_lfht* table_;
 };
