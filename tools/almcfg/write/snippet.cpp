@@ -32,6 +32,7 @@ Snippet MakeSnippet(std::string_view line, std::size_t column, std::size_t lengt
   const bool isFar = indent > context && whole > width && indent + std::min(marked, context) > width;
   const std::size_t skip = isFar ? indent - context : 0;
   Snippet snippet;
+  snippet.text.reserve(std::min(line.size(), width) + 16);  // A mark takes up to three bytes.
   std::size_t at = 0;
   std::size_t dropped = 0;
   ForEachGlyph(line, blanks, [&](const Glyph& glyph) {
