@@ -88,6 +88,16 @@ TEST(Checker, FindsTheEmptyAlternativeAtEachPlace) {
   EXPECT_THAT(Check("A/\t/\tC\t7\t1\n"), ElementsAre("1:4+1 empty-alternative"));
 }
 
+TEST(Checker, CountsAlternativesWithoutTheTrailingSlash) {
+  EXPECT_EQ(CheckWhole("A/B/C/D/E/F/\tB\tC\t7\t1\n").at(0).message,
+            "column 1 has 6 alternatives, five are allowed: the line is not loaded");
+}
+
+TEST(Checker, DoesNotTakeALineWithANumberForAHeading) {
+  EXPECT_THAT(Check("A\tB\t7\tCritical\tHigh\n"),
+              ElementsAre("1:7+8 number-never-matches", "1:16+4 value-not-integer"));
+}
+
 TEST(Checker, DoesNotSayThatCallersAskWithAValue) {
   EXPECT_EQ(CheckWhole("A \tB\tC\t7\t1\n").at(0).hint, "remove the blank, unless callers ask with it");
   EXPECT_EQ(CheckWhole("A\tB\tC\t7\t 1\n").at(0).hint, "remove the blank");
@@ -123,6 +133,11 @@ TEST(Checker, ReportsOneDuplicateForTwoLinesHoweverManyKeysTheyShare) {
   EXPECT_THAT(Check("A/B\tC\tE\t7\t1\nA/B\tC\tE\t7\t1\n"), ElementsAre("2:1+9 repeated-line"));
 }
 
+TEST(Checker, ReportsARepeatedLineThatNamesAnAlternativeTwiceAsOneRepeat) {
+  EXPECT_THAT(Check("A/A\tC\tE\t7\t1\nA/A\tC\tE\t7\t1\n"),
+              ElementsAre("1:1+9 duplicate-key", "2:1+9 repeated-line"));
+}
+
 TEST(Checker, ReportsNoDuplicatesThatALoadDoesNotReach) {
   const std::string endless(1023, 'x');
   EXPECT_THAT(Check(kGood + endless + "\n" + kGood + "A\n"),
@@ -134,6 +149,12 @@ TEST(Checker, CountsTheLinesThatAnOverlongOneLoses) {
   EXPECT_THAT(CheckWhole(endless + "\r\nA\nB").at(0).message,
               HasSubstr("1,023 bytes, a load reads 1,022 of them and then NEVER ENDS: 2 lines after it "
                         "are never read"));
+}
+
+TEST(Checker, SaysThatALoadDoesNotReachALaterOverlongLine) {
+  const auto findings = CheckWhole(std::string(1023, 'x') + "\n" + std::string(1024, 'y') + "\nA\n");
+  EXPECT_THAT(findings.at(0).message, testing::EndsWith(" NEVER ENDS: 2 lines after it are never read"));
+  EXPECT_THAT(findings.at(1).message, testing::EndsWith(" NEVER ENDS (nor does it get here)"));
 }
 
 TEST(Checker, MeasuresCommentsToo) {

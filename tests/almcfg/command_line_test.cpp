@@ -166,6 +166,14 @@ TEST(CommandLine, TakesEveryFileNameUnchanged) {
   }
 }
 
+TEST(CommandLine, TakesEverythingAfterTwoDashesForAFile) {
+  for (const std::string name : {"--help", "-h", "--strict", "--"}) {
+    const Outcome outcome = RunAlmcfg({"check", "--", name});
+    EXPECT_EQ(outcome.exitCode, 2) << name;
+    EXPECT_THAT(outcome.out, testing::StartsWith(name + ":1:1: error: No such file or directory"));
+  }
+}
+
 TEST(CommandLine, TakesOptionsBeforeBetweenAndAfterFiles) {
   const TempFile file(kGood);
   const std::string all =

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -146,6 +147,39 @@ TEST(Coverage, SkipsLinesThatAreNotQueriesAndSaysWhichOnes) {
       HasSubstr(
           "almcfg: CALLS:5:9: the count is not an integer from 0 to 4294967295; the line is skipped\n"));
   EXPECT_THAT(outcome.out, StartsWith("calls:       1 of"));
+}
+
+TEST(Coverage, AddsUpTheDroppedCallsOfSeveralRecordings) {
+  const std::string calls = Recorded("COM", "BTS", "LOS", 7) + R"({"end":"t","records":1,"dropped":5})" +
+                            "\n" + R"({"end":"t","records":1,"dropped":3})" + "\n";
+  EXPECT_EQ(CoverageJson(calls)["dropped"], 8);
+}
+
+TEST(Coverage, ListsTenOfTheMostFrequentQueries) {
+  const TempFile config("A\tB\tC\t1\t1\nA/B/C/D/E\tV/W/X\tC\t1\t1\n");
+  std::string queries;
+  for (const std::string key1 : {"A", "B", "C", "D", "E"}) {
+    for (const std::string key2 : {"V", "W", "X"}) {
+      queries += key1 + "\t" + key2 + "\tC\t1\t" + std::to_string(queries.size()) + "\n";
+    }
+  }
+  const std::string out = RunAlmcfg({"coverage", config.path(), "--calls", "-"}, queries).out;
+  const std::string list = out.substr(out.find("\nMost frequent queries\n"));
+  EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 2 + 10);
+}
+
+TEST(Coverage, NamesAtMostTwoNeighboursOfEachQuery) {
+  const TempFile config("X\tB\tC\t7\t1\nY\tB\tC\t7\t1\nZ\tB\tC\t7\t1\n");
+  const Outcome outcome =
+      RunAlmcfg({"coverage", "--format", "json", config.path(), "--calls", "-"}, "A\tB\tC\t7\n");
+  EXPECT_EQ(nlohmann::json::parse(outcome.out)["notServed"][0]["nearest"].size(), 2U);
+}
+
+TEST(Coverage, ListsQueriesWithoutAnIntegerTheMostFrequentFirst) {
+  const TempFile config("A/B\tB\tC\t7\tx\n");
+  const Outcome outcome = RunAlmcfg({"coverage", "--format", "json", config.path(), "--calls", "-"},
+                                    "A\tB\tC\t7\nB\tB\tC\t7\t2\n");
+  EXPECT_EQ(nlohmann::json::parse(outcome.out)["noInteger"][0]["key1"], "B");
 }
 
 TEST(Coverage, ReadsTheCallsFromStandardInput) {

@@ -83,6 +83,12 @@ TEST(Diff, CountsSeveralChanges) {
               HasSubstr("0 keys added, 3 values rewritten, 0 deleted"));
 }
 
+TEST(Diff, InJsonCountsTheKeysThatARestartRemoves) {
+  const json answer = DiffJson("A/B\tB\tC\t7\t1\n", "");
+  EXPECT_EQ(answer["reload"]["staying"], 2);
+  EXPECT_EQ(answer["restart"]["removed"], 2);
+}
+
 TEST(Diff, ExitsWith1ForEachKindOfDifferenceAlone) {
   EXPECT_EQ(Diff("A\tB\tC\t7\t1\n", "A\tB\tC\t7\t2\n").exitCode, 1);
   EXPECT_EQ(Diff("A\tB\tC\t7\t1\n", "A/B\tB\tC\t7\t1\n").exitCode, 1);

@@ -105,6 +105,7 @@ TEST_F(LookupOfTwoFiles, SaysThatTheLoadNeverEnds) {
 
 TEST(Lookup, TakesNegativeNumbersAndKeysThatLookLikeOptions) {
   EXPECT_EQ(Exit({"lookup", "-", "A", "B", "C", "-7"}, "A\tB\tC\t-7\t1\n"), 0);
+  EXPECT_EQ(Exit({"lookup", "-", "A", "B", "C", "-0"}, "A\tB\tC\t0\t1\n"), 0);
   EXPECT_EQ(Exit({"lookup", "-", "--", "-A", "B", "C", "-7"}, "-A\tB\tC\t-7\t1\n"), 0);
   EXPECT_EQ(Exit({"lookup", "-", "A", "-5", "C", "-7", "--format", "json"}, "A\t-5\tC\t-7\t1\n"), 0);
   EXPECT_THAT(RunAlmcfg({"check", "-1.csv"}).out, HasSubstr("-1.csv:1:1: error: No such file"));

@@ -86,6 +86,12 @@ TEST(Snippet, MarksThePlaceAfterTheLine) {
   EXPECT_EQ(snippet.width, 1U);
 }
 
+TEST(Snippet, CountsTwoColumnsForAWideCharacterAndNoneForACombiningOne) {
+  EXPECT_EQ(MakeSnippet("\xE7\xBD\x91X", 4, 1, Blanks::kAtEdges, 100).indent, 2U);
+  EXPECT_EQ(MakeSnippet("\xE7\xBD\x91X", 1, 3, Blanks::kAtEdges, 100).width, 2U);
+  EXPECT_EQ(MakeSnippet("e\xCC\x81X", 4, 1, Blanks::kAtEdges, 100).indent, 1U);
+}
+
 TEST(Snippet, DoesNotMarkBeyondWhatItShows) {
   const Snippet snippet = MakeSnippet(std::string(900, 'x'), 50, 800, Blanks::kAtEdges, 100);
   EXPECT_LE(snippet.indent + snippet.width, CharacterCount(snippet.text));

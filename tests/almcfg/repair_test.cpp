@@ -99,6 +99,25 @@ TEST(SafeRepair, RemovesARepeatOnlyWhenNoAnswerDependsOnIt) {
   EXPECT_EQ(Safe(needed), needed);
 }
 
+TEST(Repair, NamesTheRepeatedLineByItsNumberInTheOriginalFile) {
+  const std::string content = "A/B/C/D/E/F\tX\tC\t7\t1\nG\tX\tC\t7\t1\nG\tX\tC\t7\t1\n";
+  const auto repairs = RepairText(content, kUnsafe).repairs;
+  ASSERT_EQ(repairs.size(), 2U);
+  EXPECT_EQ(repairs[1].line, 3U);
+  EXPECT_EQ(repairs[1].message, "removed the repeat of line 2");
+}
+
+TEST(SafeRepair, RemovesAMarkFromTheFirstLineOnly) {
+  const std::string later =
+      "A\tB\tC\t7\t1\n\xEF\xBB\xBF"
+      "D\tB\tC\t7\t1\n";
+  EXPECT_EQ(Safe(later), later);
+}
+
+TEST(SafeRepair, SeparatesAtCommasWhenSemicolonsWouldAlsoGiveFiveCells) {
+  EXPECT_EQ(Safe("A,B;b,C;c,7;d,1;e\n"), "A\tB;b\tC;c\t7;d\t1;e\n");
+}
+
 TEST(SafeRepair, DoesNotReplaceAnAnswer) {
   const std::string conflict = "A\tB\tC\t7\t1\nA,B,C,7,2\n\"A\"\tB\tC\t7\t3\n";
   EXPECT_EQ(Safe(conflict), conflict);
@@ -206,6 +225,18 @@ TEST(UnifiedDiff, SeparatesDistantChangesAndNumbersTheNewLines) {
   replacements[11] = {"b\n"};
   EXPECT_EQ(Diff(original, replacements),
             "--- x.csv\n+++ x.csv\n@@ -1,4 +1,3 @@\n-a\n a\n a\n a\n@@ -9,4 +8,4 @@\n a\n a\n a\n-a\n+b\n");
+}
+
+TEST(UnifiedDiff, JoinsChangesWithSixLinesBetweenThem) {
+  const auto hunks = [](std::size_t between) {
+    std::vector<std::vector<std::string>> replacements(between + 2, {"a\n"});
+    replacements.front() = {"b\n"};
+    replacements.back() = {"b\n"};
+    const std::string diff = Diff(std::vector<std::string>(between + 2, "a\n"), replacements);
+    return std::count(diff.begin(), diff.end(), '@') / 4;
+  };
+  EXPECT_EQ(hunks(6), 1);
+  EXPECT_EQ(hunks(7), 2);
 }
 
 TEST(UnifiedDiff, MarksAMissingLineFeed) {

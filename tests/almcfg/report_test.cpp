@@ -206,6 +206,8 @@ TEST_F(Report, CountsTheFindingsThatItLeavesOut) {
   EXPECT_EQ(report["totals"]["warnings"], 3);
   EXPECT_EQ(json::parse(run("sarif").out)["runs"][0]["results"].size(), 1U);
   EXPECT_EQ(run("text").exitCode, 1);
+  EXPECT_THAT(almcfg_test::RunIn(folder_.path(), {"check", "--max-findings", "4", "a.csv", "b.csv"}).out,
+              testing::HasSubstr("\n1 more finding\n"));
   EXPECT_THAT(run("text").out, testing::HasSubstr("\n4 more findings\n  too-few-columns: 1\n"));
 }
 

@@ -46,6 +46,14 @@ TEST(Show, CountsTheFindingsOfEachFileOnItsOwn) {
             "almcfg: c.csv: 2 errors; see almcfg check\n");
 }
 
+TEST(Show, SaysNothingOfValuesThatALaterFileReplacesOnPurpose) {
+  const TempDirectory folder;
+  folder.Write("a.csv", kGood);
+  folder.Write("b.csv", "A\tB\tC\t7\t2\n" + kGood);
+  EXPECT_EQ(almcfg_test::RunIn(folder.path(), {"show", "a.csv", "b.csv"}).err,
+            "almcfg: b.csv: 1 warning; see almcfg check\n");
+}
+
 TEST(Show, ListsAnAlternativeThatIsNamedTwiceOnce) {
   EXPECT_EQ(RunAlmcfg({"show", "-"}, "A/A\tB\tC\t7\t2\n").out,
             "#key1\tkey2\tkey3\tnumber\tvalue\tsource\nA\tB\tC\t7\t2\t<stdin>:1\n");

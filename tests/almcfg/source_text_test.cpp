@@ -68,12 +68,26 @@ TEST(SourceText, CountsOnlyLinesThatEndWithCrLf) {
   EXPECT_EQ(TextOf(std::string(1021, 'x') + "\ry\n").crLfLines(), 0U);
 }
 
+TEST(SourceText, CountsACrLfThatIsReadInTwoPieces) {
+  std::string content;
+  while (content.size() + 1024 < 262'144) {
+    content += "#" + std::string(1000, 'x') + "\n";
+  }
+  content.append(262'143 - content.size(), 'y');
+  EXPECT_EQ(TextOf(content + "\r\n").crLfLines(), 1U) << "CR is the last byte of a piece";
+  EXPECT_EQ(TextOf(content + "y\r\n").crLfLines(), 1U) << "CR is the first one";
+}
+
 TEST(SourceText, TakesALineOf1022CharactersWhole) {
   const std::string line = std::string(1021, 'x') + '\r';
   const SourceText text = TextOf(line + "\n" + line);
   EXPECT_FALSE(text.line(1).IsOverlong());
   EXPECT_FALSE(text.line(2).IsOverlong());
   EXPECT_EQ(text.line(2).text, line);
+  const SourceText longer = TextOf(line + "\n" + line + "x\n" + line + "\n");
+  EXPECT_FALSE(longer.line(1).IsOverlong());
+  EXPECT_TRUE(longer.line(2).IsOverlong());
+  EXPECT_FALSE(longer.line(3).IsOverlong());
 }
 
 TEST(SourceText, KeepsTheStartAndTheLengthOfALongerLine) {

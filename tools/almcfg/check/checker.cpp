@@ -308,8 +308,7 @@ bool IsExactRepeat(const LoadedTable& table, Place place) {
   const ParsedLine parsed = NS_ASCII::ParseLine(place.text->line(place.line).Loaded());
   return !repeats.empty() && repeats.size() == parsed.key1s.size() * parsed.key2s.size() &&
          std::all_of(repeats.begin(), repeats.end(), [&](const Repeat& repeat) {
-           return repeat.earlier.text == place.text && repeat.earlier.line != place.line &&
-                  place.text->line(repeat.earlier.line).text == line;
+           return repeat.earlier.text == place.text && place.text->line(repeat.earlier.line).text == line;
          });
 }
 
