@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -158,9 +160,18 @@ TEST_F(RecordingFileTest, ADeviceIsWrittenToDirectly) {
 }
 
 TEST_F(RecordingFileTest, TheTimeIsUtcToTheMillisecond) {
-  EXPECT_THAT(recorder::TimeNow(),
-              testing::MatchesRegex("20[0-9][0-9]-[0-9][0-9]-[0-9][0-9]T[0-9][0-9]:[0-9][0-9]:"
-                                    "[0-9][0-9]\\.[0-9][0-9][0-9]Z"));
+  ::setenv("TZ", "FIVE-05:00", 1);
+  ::tzset();
+  const std::time_t before = std::time(nullptr);
+  const std::string now = recorder::TimeNow();
+  std::tm time{};
+  const char* const rest = ::strptime(now.c_str(), "%Y-%m-%dT%H:%M:%S", &time);
+  ASSERT_NE(rest, nullptr) << now;
+  EXPECT_THAT(rest, testing::MatchesRegex("\\.[0-9][0-9][0-9]Z"));
+  EXPECT_GE(::timegm(&time), before);
+  EXPECT_LE(::timegm(&time), std::time(nullptr) + 1);  // time() may be a tick late.
+  ::unsetenv("TZ");
+  ::tzset();
 }
 
 }  // namespace

@@ -292,7 +292,9 @@ TEST_F(RecordingTest, ACallThatEndsAfterTheRecordingIsLeftOut) {
     Start();
   };
   EXPECT_EQ(front_.ToUpper("abc"), "<abc>");
-  EXPECT_EQ(Stop().records.size(), 0U);
+  const Recorded recorded = Stop();
+  EXPECT_EQ(recorded.records.size(), 0U);
+  EXPECT_EQ(recorded.problems, 0U);
 }
 
 TEST_F(RecordingTest, WhatDoesNotFitIntoTheQueueIsDroppedAndCounted) {

@@ -41,11 +41,20 @@ class Replay(unittest.TestCase):
         shutil.copytree(SOURCE / "examples/config", self.config)
         self.calls = self.dir / "calls.jsonl"
 
+    def command(self, *arguments, bundle="BUNDLE"):
+        return [os.environ["BUNDLE_HOST"], "--config-dir", self.config, "--log-file", self.dir / "log", "--bundle",
+                os.environ[bundle], *arguments]
+
     def host(self, *arguments, bundle="BUNDLE", wrong=""):
-        command = [os.environ["BUNDLE_HOST"], "--config-dir", self.config, "--log-file", self.dir / "log", "--bundle",
-                   os.environ[bundle], *arguments]
-        return subprocess.run(command, text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False, cwd=SOURCE,
-                              env=dict(os.environ, WRONG_OPERATION=wrong))
+        return subprocess.run(self.command(*arguments, bundle=bundle), text=True, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, check=False, cwd=SOURCE, env=dict(os.environ, WRONG_OPERATION=wrong))
+
+    def start(self, *arguments):
+        process = subprocess.Popen(self.command(*arguments), text=True, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE)
+        self.addCleanup(process.communicate)
+        self.addCleanup(process.kill)
+        return process
 
     def record(self, calls=CALLS):
         commands = self.dir / "commands"
@@ -149,6 +158,40 @@ expect 'is unmapped'
         table, _, done = self.replayed("--compare-configuration")
         self.assertEqual((done.returncode, table["GetAlmCfgValue"]["different"]), (1, 1))
 
+    def test_a_file_of_two_recordings_differs_in_configuration_when_one_of_them_does(self):
+        self.record("call GetAlmCfgValue COM BTS LOS 7\n")
+        head, call = self.calls.read_text().splitlines()[:2]
+        current = json.loads(head)["alarm_config"]
+        for first, second in (("1 1", current), (current, "1 1")):
+            self.calls.write_text("\n".join([head.replace(current, first), call, head.replace(current, second), call, call]))
+            table, report, _ = self.replayed()
+            self.assertEqual(report["configuration"], {"recorded": "1 1", "now": current, "same": False})
+            same = 1 if first == current else 2
+            self.assertEqual((table["GetAlmCfgValue"]["same"], table["GetAlmCfgValue"]["not_compared"]), (same, 3 - same))
+
+    def test_a_record_is_numbered_without_other_lines_and_with_those_of_other_operations(self):
+        self.calls.write_text("junk\n" * 12 + '{"op":"IsValid","in":[],"result":1,"thread":1,"start":2,"ns":3}\n'
+                              '{"op":"ToUpper","in":["a"],"result":"x","thread":1,"start":2,"ns":3}\n')
+        done = self.host("replay", self.calls, "--operations", "ToUpper,IsContain")
+        self.assertIn("\nrecord 2, line 14: call ToUpper a\n", done.stdout)
+        self.assertIn("\n2 more such lines\n", done.stdout)
+        self.assertNotIn("IsValid", done.stdout)
+
+    def test_the_durations_are_medians(self):
+        record = '{"op":"%s","in":[],"result":%s,"thread":1,"start":2,"ns":%d}\n'
+        self.calls.write_text("".join(record % ("IsValid", 1, ns) for ns in (900, 2, 40, 1, 300)) +
+                              record % ("GetSvcName", '"AsciiUtilService"', 7))
+        table, _, _ = self.replayed("--operations", "GetSvcName,IsValid")
+        self.assertEqual((table["IsValid"]["recorded_ns"], table["GetSvcName"]["recorded_ns"]), (40, 7))
+
+    def test_exceptions_are_compared_by_their_class_and_text(self):
+        thrown = "std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >"
+        self.calls.write_text("".join(
+            '{"op":"ParseListMap","in":["a"],"threw":{"type":"%s","what":"%s"},"out":[{"x":[]}],"thread":1,"start":2,"ns":3}\n' % pair
+            for pair in ((thrown, ""), (thrown, "text"), ("int", ""))))
+        _, report, _ = self.replayed(bundle="WRONG_BUNDLE", wrong="ParseListMap")
+        self.assertEqual([difference["record"] for difference in report["differences"]], [2, 3])
+
     def test_a_cut_line_and_a_foreign_one_are_reported_and_the_rest_is_used(self):
         self.record()
         lines = self.calls.read_text().splitlines()
@@ -182,11 +225,7 @@ expect 'is unmapped'
     def test_a_recording_is_read_up_to_its_size_at_the_start(self):
         many = self.dir / "many"
         many.write_text('{"op":"ToUpper","in":["abc"],"result":"ABC","thread":1,"start":2,"ns":3}\n' * 20000)
-        process = subprocess.Popen([os.environ["BUNDLE_HOST"], "--config-dir", self.config, "--log-file", self.dir / "log",
-                                    "--bundle", os.environ["BUNDLE"], "run", "-"], text=True, stdin=subprocess.PIPE,
-                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        self.addCleanup(process.communicate)
-        self.addCleanup(process.kill)
+        process = self.start("run", "-")
         process.stdin.write(f"load {os.environ['RECORDER']} --output {self.calls}\nreplay {many}\n")
         process.stdin.flush()
         while not (self.calls.exists() and self.calls.read_text().count('"ABC"') > 100):
@@ -196,14 +235,21 @@ expect 'is unmapped'
         self.assertEqual((process.returncode, err), (0, ""))
         self.assertEqual(out.count("\nToUpper "), 2)
 
+    def test_a_read_that_fails_is_reported(self):
+        terminal, device = os.openpty()
+        path = os.ttyname(device)
+        process = self.start("replay", path)
+        while path not in [os.path.realpath(link) for link in pathlib.Path(f"/proc/{process.pid}/fd").iterdir()]:
+            self.assertIsNone(process.poll())
+        os.close(device)
+        os.close(terminal)
+        self.assertEqual(process.communicate(timeout=60)[1], f"bundle_host: {path}:1:1: cannot be read: Input/output error\n")
+        self.assertEqual(process.returncode, 1)
+
     def test_a_signal_stops_a_replay(self):
         pipe = self.dir / "pipe"
         os.mkfifo(pipe)
-        process = subprocess.Popen([os.environ["BUNDLE_HOST"], "--config-dir", self.config, "--log-file", self.dir / "log",
-                                    "--bundle", os.environ["BUNDLE"], "replay", pipe], text=True,
-                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        self.addCleanup(process.communicate)
-        self.addCleanup(process.kill)
+        process = self.start("replay", pipe)
         record = '{"op":"ToUpper","in":["abc"],"result":"ABC","thread":1,"start":2,"ns":3}\n' * 1000
         with self.assertRaises(BrokenPipeError), open(pipe, "w", encoding="ascii") as file:  # Waits for the reader.
             process.send_signal(signal.SIGTERM)

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,6 +13,7 @@
 #include "framework/bundle_mgr.h"
 #include "framework/interface_registry.h"
 #include "host/platform/config_items.h"
+#include "host/platform/interface_registry.h"
 #include "host/platform/log_service.h"
 #include "host/platform/log_sink.h"
 #include "tests/recorder/fake_implementation.h"
@@ -56,6 +58,9 @@ class Recorder {
     return service_->init(static_cast<int>(argv.size()), argv.data());
   }
   int Fini() { return service_->fini(); }
+  NS_BUNDLEMGR1::ServiceObjectBase& Service() {
+    return dynamic_cast<NS_BUNDLEMGR1::ServiceObjectBase&>(*service_);
+  }
 
  private:
   ACE_Service_Object_Exterminator destroy_ = nullptr;
@@ -181,6 +186,29 @@ TEST_F(RecorderServiceTest, TheHeadNamesTheImplementationsLibraryAndTheConfigura
   host::SetConfigDir("");
 }
 
+TEST_F(RecorderServiceTest, ADiskThatFillsUpIsLoggedAndFailsFini) {
+  const FakeBundle bundle;
+  Recorder recorder;
+  ASSERT_EQ(recorder.Init({"--output", output_}), 0);
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit small{4000, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  for (int i = 0; i < 200; ++i) {
+    EXPECT_EQ(Fetch().ToUpper("abc"), "<abc>");
+  }
+  int result = 0;
+  const std::string complaint = ComplaintOf([&] { result = recorder.Fini(); });
+  EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  EXPECT_EQ(result, -1);
+  const std::string problem = output_ + ": cannot write: File too large";
+  const std::string totals =
+      problem + "; " + std::to_string(ReadRecording(output_).records.size()) + " calls recorded, 0 dropped";
+  EXPECT_EQ(complaint, "ii_ascii_recorder: " + totals);
+  EXPECT_THAT(Logged(), ElementsAre("2 recording the calls of AsciiUtilInterface to " + output_,
+                                    "2 recording stopped: " + problem, "2 " + totals));
+}
+
 TEST_F(RecorderServiceTest, AForkedChildIsNotRecordedAndLeavesTheRecordingAlone) {
   const FakeBundle bundle;
   Recorder recorder;
@@ -251,6 +279,37 @@ TEST_F(RecorderServiceTest, AnotherBundleMayRegisterAfterTheRecorder) {
   ServiceInterface* const newest = Registered().front();
   recorder.Fini();
   EXPECT_THAT(Registered(), ElementsAre(newest, implementation));
+}
+
+TEST_F(RecorderServiceTest, ItsInterfaceThatWasNotWithdrawnIsNotRecorded) {
+  const FakeBundle bundle;
+  AsciiUtilInterface* held = nullptr;
+  {
+    Recorder recorder;
+    ASSERT_EQ(recorder.Init({"--output", output_}), 0);
+    held = &Fetch();
+  }
+  NS_BUNDLEMGR1::SetIFBuf(kName, held);
+  Recorder next;
+  EXPECT_EQ(
+      ComplaintOf([&] {
+        EXPECT_EQ(next.Init({"--output", output_}), -1);
+      }),
+      "ii_ascii_recorder: the platform has not withdrawn the recorder's interface; it cannot record again");
+  host::WithdrawInterface(held);
+}
+
+TEST_F(RecorderServiceTest, ThePlatformCannotDestroyTheInterface) {
+  const FakeBundle bundle;
+  Recorder recorder;
+  ASSERT_EQ(recorder.Init({"--output", output_}), 0);
+  AsciiUtilInterface& held = Fetch();
+  recorder.Service().UnRegistSvc();
+  recorder.Service().RemoveInterface();
+  EXPECT_EQ(recorder.Service().GetInterface(), nullptr);
+  EXPECT_EQ(held.ToUpper("abc"), "<abc>");
+  EXPECT_EQ(recorder.Fini(), 0);
+  EXPECT_EQ(ReadRecording(output_).records.size(), 1U);
 }
 
 TEST_F(RecorderServiceTest, AnImplementationThatWasUnloadedIsNotRegisteredAgain) {
