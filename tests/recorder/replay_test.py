@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Records calls, replays them and checks the report: replay_test.py [TEST]. The programs and libraries come from the
 environment: BUNDLE_HOST, BUNDLE, RECORDER, WRONG_BUNDLE, AGENT, SOURCE (the top of the source tree)."""
+import contextlib
 import json
 import os
 import pathlib
@@ -32,6 +33,14 @@ call GetMapList '\x2c\x7c\x3d=\x2c|\x7c\x3d|' '\x2c\x7c\x3d'
 call SplitStr a,b ,
 call WriteDbgLog message
 """
+
+
+def has_open(process, path):
+    for link in pathlib.Path(f"/proc/{process.pid}/fd").iterdir():
+        with contextlib.suppress(FileNotFoundError):  # The process has closed this one in between.
+            if os.readlink(link) == path:
+                return True
+    return False
 
 
 class Replay(unittest.TestCase):
@@ -239,7 +248,7 @@ expect 'is unmapped'
         terminal, device = os.openpty()
         path = os.ttyname(device)
         process = self.start("replay", path)
-        while path not in [os.path.realpath(link) for link in pathlib.Path(f"/proc/{process.pid}/fd").iterdir()]:
+        while not has_open(process, path):
             self.assertIsNone(process.poll())
         os.close(device)
         os.close(terminal)
