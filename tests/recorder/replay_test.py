@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """Records calls, replays them and checks the report: replay_test.py [TEST]. The programs and libraries come from the
 environment: BUNDLE_HOST, BUNDLE, RECORDER, WRONG_BUNDLE, AGENT, SOURCE (the top of the source tree)."""
-import contextlib
 import json
 import os
 import pathlib
@@ -33,14 +32,6 @@ call GetMapList '\x2c\x7c\x3d=\x2c|\x7c\x3d|' '\x2c\x7c\x3d'
 call SplitStr a,b ,
 call WriteDbgLog message
 """
-
-
-def has_open(process, path):
-    for link in pathlib.Path(f"/proc/{process.pid}/fd").iterdir():
-        with contextlib.suppress(FileNotFoundError):  # The process has closed this one in between.
-            if os.readlink(link) == path:
-                return True
-    return False
 
 
 class Replay(unittest.TestCase):
@@ -245,15 +236,16 @@ expect 'is unmapped'
         self.assertEqual(out.count("\nToUpper "), 2)
 
     def test_a_read_that_fails_is_reported(self):
-        terminal, device = os.openpty()
-        path = os.ttyname(device)
-        process = self.start("replay", path)
-        while not has_open(process, path):
-            self.assertIsNone(process.poll())
-        os.close(device)
-        os.close(terminal)
-        self.assertEqual(process.communicate(timeout=60)[1], f"bundle_host: {path}:1:1: cannot be read: Input/output error\n")
-        self.assertEqual(process.returncode, 1)
+        path = pathlib.Path("/sys/class/net/lo/speed")  # The loopback device has none, and a read of it fails.
+        try:
+            path.read_bytes()
+            self.skipTest(f"{path} can be read")
+        except FileNotFoundError:
+            self.skipTest(f"{path} does not exist")
+        except OSError:
+            done = self.host("replay", path)
+        self.assertEqual((done.returncode, done.stderr),
+                         (1, f"bundle_host: {path}:1:1: cannot be read: Input/output error\n"))
 
     def test_a_signal_stops_a_replay(self):
         pipe = self.dir / "pipe"
