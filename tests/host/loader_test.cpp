@@ -236,7 +236,7 @@ TEST_F(LoaderTest, OnlyInterfacesThatTheFailedInitLookedUpAreNamed) {
   EXPECT_THAT(problem, testing::Not(HasSubstr("LookedUpEarlier")));
 }
 
-TEST_F(LoaderTest, AnInterfaceThatIsRegisteredIsNoHintAtTheCause) {
+TEST_F(LoaderTest, DoesNotHintAtAnInterfaceThatIsRegistered) {
   struct Interface : NS_BUNDLEMGR1::ServiceInterface {
     std::string GetSvcName() override { return ""; }
     std::int64_t IsValid() override { return 1; }
