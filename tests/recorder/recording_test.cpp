@@ -349,6 +349,16 @@ TEST_F(RecordingTest, ADiskThatFillsUpIsReportedOnceAndEndsTheRecording) {
   EXPECT_EQ(front_.ToUpper("abc"), "<abc>");
 }
 
+TEST_F(RecordingTest, ALimitThatTheHeadExceedsStartsNothing) {
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit small{10, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  EXPECT_THROW(Start(), std::system_error);
+  EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  EXPECT_FALSE(recording_.IsRunning());
+}
+
 TEST_F(RecordingTest, AFileThatCannotBeCreatedStartsNothing) {
   options_.output = dir_.path() / "absent/calls.jsonl";
   EXPECT_THROW(Start(), std::system_error);

@@ -6,6 +6,7 @@
 #include <pthread.h>
 #include <signal.h>
 
+#include <ctime>
 #include <exception>
 #include <limits>
 #include <new>
@@ -27,7 +28,8 @@ std::vector<std::string> NamesOf(const OperationSet& operations) {
 }
 
 /// Blocks all signals on the calling thread while the object exists. Threads started in that time inherit the
-/// block, so the process's signal handlers never run on the writer's thread.
+/// block, so the process's signal handlers never run on the writer's thread. A write beyond the limit for the
+/// size of files only fails: its signal is discarded.
 class SignalBlock {
  public:
   SignalBlock() {
@@ -35,7 +37,14 @@ class SignalBlock {
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before_);
   }
-  ~SignalBlock() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  ~SignalBlock() {
+    sigset_t tooLarge;
+    sigemptyset(&tooLarge);
+    sigaddset(&tooLarge, SIGXFSZ);
+    const timespec now{};
+    sigtimedwait(&tooLarge, nullptr, &now);
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
   SignalBlock(const SignalBlock&) = delete;
   SignalBlock& operator=(const SignalBlock&) = delete;
 
@@ -51,12 +60,12 @@ void Recording::Start(const Options& options, recording_format::Head head,
   head.operations = NamesOf(options.operations);
   head.every = static_cast<std::int64_t>(options.every);
   began_.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed);
+  const SignalBlock block;
   file_ = std::make_unique<RecordingFile>(options.output, options.limit, head);
   totals_ = Totals();
   onProblem_ = onProblem;
   try {
     queue_.Open(capacity);
-    const SignalBlock block;
     writer_ = std::thread([this] { WriteLines(); });
   } catch (...) {
     queue_.Close();
