@@ -146,7 +146,14 @@ std::int64_t AsciiUtilInterfaceImpl::WriteDbgLog(const std::string& message) {
 
 bool AsciiUtilInterfaceImpl::SplitFirst(const std::string& source, std::string& head, std::string& tail,
                                         const std::string& delimiters) {
-  return SplitAtFirst(source, head, tail, delimiters);
+  const std::size_t at =
+      delimiters.size() == 1 ? source.find(delimiters.front()) : source.find_first_of(delimiters);
+  if (at == std::string::npos) {
+    return false;
+  }
+  head.assign(source, 0, at);
+  tail = source.substr(at + delimiters.size());
+  return true;
 }
 
 void AsciiUtilInterfaceImpl::ParseListEntry(const std::string& entry, std::string& name,

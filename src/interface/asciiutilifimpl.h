@@ -44,7 +44,12 @@ class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
   std::int64_t WriteDbgLog(const std::string& message) override;
 
  private:
-  /// Calls `SplitAtFirst`. Required: `SplitFirst` and `ParseListEntry` are members of the class.
+  /// Splits `source` at its first character that is one of `delimiters` and returns true: `head` is what
+  /// precedes it. Required: `tail` is what remains after skipping `delimiters.size()` characters from that
+  /// character on, although only one of the delimiters matched. With several delimiters this may skip more
+  /// than `source` has; then `std::out_of_range` is thrown and `head` is already set. Without such a
+  /// character the result is false and both are unchanged. Required: this function and `ParseListEntry` are
+  /// members of the class.
   static bool SplitFirst(const std::string& source, std::string& head, std::string& tail,
                          const std::string& delimiters);
 

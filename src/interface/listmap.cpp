@@ -54,16 +54,4 @@ void AppendPieces(const std::string& text, const std::string& separator, std::ve
   pieces.emplace_back(TrimView(whole.substr(pos)));
 }
 
-bool SplitAtFirst(const std::string& source, std::string& head, std::string& tail,
-                  const std::string& delimiters) {
-  const std::size_t at =
-      delimiters.size() == 1 ? source.find(delimiters.front()) : source.find_first_of(delimiters);
-  if (at == std::string::npos) {
-    return false;
-  }
-  head.assign(source, 0, at);
-  tail = source.substr(at + delimiters.size());
-  return true;
-}
-
 }  // namespace NS_ASCII

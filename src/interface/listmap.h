@@ -13,14 +13,6 @@ namespace NS_ASCII {
 /// Required: with an empty separator it appends empty pieces until memory runs out.
 void AppendPieces(const std::string& text, const std::string& separator, std::vector<std::string>& pieces);
 
-/// Splits `source` at its first character that is one of `delimiters` and returns true: `head` is what
-/// precedes it. Required: `tail` is what remains after skipping `delimiters.size()` characters from that
-/// character on, although only one of the delimiters matched. With several delimiters this may skip more than
-/// `source` has; then `std::out_of_range` is thrown and `head` is already set. Without such a character the
-/// result is false and both are unchanged.
-bool SplitAtFirst(const std::string& source, std::string& head, std::string& tail,
-                  const std::string& delimiters);
-
 }  // namespace NS_ASCII
 
 #endif  // SRC_INTERFACE_LISTMAP_H_

@@ -3,56 +3,64 @@
 #include <stdexcept>
 #include <string>
 
-#include "src/interface/listmap.h"
 #include "tests/child_process.h"
 #include "tests/freed_memory.h"
 #include "tests/interface/interface_fixture.h"
 #include "tests/literal_rules.h"
+#include "tests/private_member.h"
 #include "tests/random_text.h"
+
+namespace private_member {
+struct SplitFirst {
+  friend constexpr auto Of(SplitFirst);
+};
+template struct Opened<SplitFirst, &NS_ASCII::AsciiUtilInterfaceImpl::SplitFirst>;
+}  // namespace private_member
 
 namespace {
 
 using interface_test::InterfaceTest;
 using interface_test::Texts;
 using NS_ASCII::AsciiUtilInterfaceImpl;
-using NS_ASCII::SplitAtFirst;
 using ::testing::ElementsAre;
 using testing_text::RandomText;
 
+constexpr auto kSplitFirst = Of(private_member::SplitFirst());
+
 class SplitStr : public InterfaceTest {};
 
-TEST(SplitAtFirst, LeavesBothTextsAloneWithoutADelimiter) {
+TEST(SplitFirst, LeavesBothTextsAloneWithoutADelimiter) {
   std::string head = "head";
   std::string tail = "tail";
-  EXPECT_FALSE(SplitAtFirst("kv", head, tail, "="));
-  EXPECT_FALSE(SplitAtFirst("k=v", head, tail, ""));
-  EXPECT_FALSE(SplitAtFirst(std::string("k\0v", 3), head, tail, ""));
-  EXPECT_FALSE(SplitAtFirst("", head, tail, "="));
+  EXPECT_FALSE(kSplitFirst("kv", head, tail, "="));
+  EXPECT_FALSE(kSplitFirst("k=v", head, tail, ""));
+  EXPECT_FALSE(kSplitFirst(std::string("k\0v", 3), head, tail, ""));
+  EXPECT_FALSE(kSplitFirst("", head, tail, "="));
   EXPECT_EQ(head + tail, "headtail");
 }
 
-TEST(SplitAtFirst, SplitsAtTheFirstDelimiter) {
+TEST(SplitFirst, SplitsAtTheFirstDelimiter) {
   std::string head = "head";
   std::string tail = "tail";
-  EXPECT_TRUE(SplitAtFirst("k=v", head, tail, "="));
+  EXPECT_TRUE(kSplitFirst("k=v", head, tail, "="));
   EXPECT_EQ(head + '|' + tail, "k|v");
-  EXPECT_TRUE(SplitAtFirst("k=", head, tail, "="));
+  EXPECT_TRUE(kSplitFirst("k=", head, tail, "="));
   EXPECT_EQ(head + '|' + tail, "k|");
-  EXPECT_TRUE(SplitAtFirst("=v", head, tail, "="));
+  EXPECT_TRUE(kSplitFirst("=v", head, tail, "="));
   EXPECT_EQ(head + '|' + tail, "|v");
-  EXPECT_TRUE(SplitAtFirst("a=b=c", head, tail, "="));
+  EXPECT_TRUE(kSplitFirst("a=b=c", head, tail, "="));
   EXPECT_EQ(head + '|' + tail, "a|b=c");
 }
 
 // Required: the tail starts as many characters later as the set has, instead of one.
-TEST(SplitAtFirst, SkipsAsManyCharactersAsTheSetHas) {
+TEST(SplitFirst, SkipsAsManyCharactersAsTheSetHas) {
   std::string head;
   std::string tail = "tail";
-  EXPECT_TRUE(SplitAtFirst("k=xyz", head, tail, ":="));
+  EXPECT_TRUE(kSplitFirst("k=xyz", head, tail, ":="));
   EXPECT_EQ(head + '|' + tail, "k|yz");
-  EXPECT_TRUE(SplitAtFirst("k=x", head, tail, ":="));
+  EXPECT_TRUE(kSplitFirst("k=x", head, tail, ":="));
   EXPECT_EQ(head + '|' + tail, "k|");
-  EXPECT_THROW(SplitAtFirst("long=", head, tail, ":="), std::out_of_range);
+  EXPECT_THROW(kSplitFirst("long=", head, tail, ":="), std::out_of_range);
   EXPECT_EQ(head + '|' + tail, "long|");
 }
 
