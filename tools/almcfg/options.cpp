@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "tools/almcfg/check/cell_text.h"
 #include "tools/almcfg/write/printable.h"
 
 namespace almcfg {
@@ -45,16 +46,6 @@ struct CommandSpec {
   std::vector<OptionSpec> options;
   std::string exitHelp;
 };
-
-std::vector<std::string> SplitAt(char separator, const std::string& text) {
-  std::vector<std::string> parts;
-  for (std::size_t from = 0; from <= text.size();) {
-    const std::size_t to = std::min(text.find(separator, from), text.size());
-    parts.push_back(text.substr(from, to - from));
-    from = to + 1;
-  }
-  return parts;
-}
 
 const Rule& RuleNamed(const std::string& option, const std::string& name) {
   const Rule* const rule = FindRule(name);
@@ -99,7 +90,7 @@ OptionSpec CallsOption(const std::string& help) {
 OptionSpec SelectOption(const std::string& help) {
   return {"--select", "CODE,...", help, [](Options& options, const std::string& names) {
             options.codes.fill(false);
-            for (const std::string& name : SplitAt(',', names)) {
+            for (const std::string& name : SplitAll(names, ',')) {
               options.codes[static_cast<std::size_t>(RuleNamed("--select", name).code)] = true;
             }
           }};
@@ -107,7 +98,7 @@ OptionSpec SelectOption(const std::string& help) {
 
 OptionSpec IgnoreOption(const std::string& help) {
   return {"--ignore", "CODE,...", help, [](Options& options, const std::string& names) {
-            for (const std::string& name : SplitAt(',', names)) {
+            for (const std::string& name : SplitAll(names, ',')) {
               options.codes[static_cast<std::size_t>(RuleNamed("--ignore", name).code)] = false;
             }
           }};
@@ -283,7 +274,7 @@ void ApplyOption(const OptionSpec& option, const std::optional<std::string>& val
     throw Mistake(option.name + ": " + (isChoice ? "one of " + option.value : option.value) + " is needed");
   }
   if (isChoice) {
-    const std::vector<std::string> choices = SplitAt('|', option.value);
+    const std::vector<std::string> choices = SplitAll(option.value, '|');
     if (std::count(choices.begin(), choices.end(), *value) == 0) {
       throw Mistake(option.name + ": " + Quoted(*value) + " is none of " + option.value);
     }

@@ -42,7 +42,7 @@ std::string_view QuotedStart(std::string_view rest) {
   return {};
 }
 
-std::vector<std::string> SplitAt(char separator, std::string_view line) {
+std::vector<std::string> SplitCells(std::string_view line, char separator) {
   std::vector<std::string> cells;
   for (std::string_view rest = line;;) {
     const bool isQuoted = !rest.empty() && rest.front() == '"';
@@ -64,6 +64,16 @@ std::vector<std::string> SplitAt(char separator, std::string_view line) {
 }
 
 }  // namespace
+
+std::vector<std::string> SplitAll(std::string_view text, char separator) {
+  std::vector<std::string> parts;
+  for (std::size_t from = 0; from <= text.size();) {
+    const std::size_t to = std::min(text.find(separator, from), text.size());
+    parts.emplace_back(text.substr(from, to - from));
+    from = to + 1;
+  }
+  return parts;
+}
 
 std::string_view TrimEdges(std::string_view text) {
   while (!text.empty() && IsEdgeBlank(text.front())) {
@@ -99,7 +109,7 @@ std::vector<std::string> SplitDelimited(std::string_view line) {
     return {};
   }
   for (const char separator : {',', ';'}) {
-    std::vector<std::string> cells = SplitAt(separator, line);
+    std::vector<std::string> cells = SplitCells(line, separator);
     if (cells.size() == NS_ASCII::kAlarmColumns) {
       return cells;
     }

@@ -18,6 +18,12 @@ inline std::size_t OffsetIn(std::string_view line, std::string_view part) {
   return static_cast<std::size_t>(part.data() - line.data());
 }
 
+/// The byte order mark of UTF-8.
+inline constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+/// The parts between the separators; one more than there are separators.
+std::vector<std::string> SplitAll(std::string_view text, char separator);
+
 /// The text without the characters at its edges that look blank and that a load keeps: blank, CR, vertical tab,
 /// form feed.
 std::string_view TrimEdges(std::string_view text);

@@ -19,7 +19,6 @@ namespace {
 using NS_ASCII::LineOutcome;
 using NS_ASCII::ParsedLine;
 
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr LineNumber kProgressLines = 4096;
 
 bool StartsWith(std::string_view text, std::string_view start) {

@@ -203,9 +203,7 @@ Json ToJson(const AnsweredQuery& asked) {
   }
   json["nearest"] = Json::array();
   for (const Neighbour& neighbour : asked.nearest) {
-    Json near;
-    SetText(near, "file", neighbour.place.text->name());
-    near["line"] = neighbour.place.line;
+    Json near = almcfg::ToJson(neighbour.place);
     near["difference"] = neighbour.difference;
     json["nearest"].push_back(std::move(near));
   }
@@ -231,9 +229,7 @@ void WriteJson(std::ostream& out, const Calls& calls, const Coverage& coverage) 
   json["noInteger"] = ToJson(coverage.noInteger);
   json["unasked"] = Json::array();
   for (const UnaskedLine& line : coverage.unasked) {
-    Json entry;
-    SetText(entry, "file", line.place.text->name());
-    entry["line"] = line.place.line;
+    Json entry = almcfg::ToJson(line.place);
     SetText(entry, "text", LineAt(line.place));
     entry["alternatives"] = line.alternatives;
     json["unasked"].push_back(std::move(entry));

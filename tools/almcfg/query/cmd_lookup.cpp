@@ -93,18 +93,14 @@ void WriteMissing(std::ostream& out, const Found& found) {
 }
 
 Json ToJson(const Entry& setting) {
-  Json json;
-  SetText(json, "file", setting.place.text->name());
-  json["line"] = setting.place.line;
+  Json json = almcfg::ToJson(setting.place);
   SetText(json, "value", setting.value);
   SetText(json, "text", LineAt(setting.place));
   return json;
 }
 
 Json ToJson(const Neighbour& neighbour) {
-  Json json;
-  SetText(json, "file", neighbour.place.text->name());
-  json["line"] = neighbour.place.line;
+  Json json = almcfg::ToJson(neighbour.place);
   json["difference"] = neighbour.difference;
   SetText(json, "text", LineAt(neighbour.place));
   return json;

@@ -17,20 +17,9 @@ namespace {
 
 using NS_ASCII::LineOutcome;
 
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::size_t kMostLines = 10'000;  // that replace one line
 
 using Texts = std::vector<std::string>;
-
-Texts SplitAll(std::string_view text, char separator) {
-  Texts parts;
-  for (std::size_t from = 0; from <= text.size();) {
-    const std::size_t to = std::min(text.find(separator, from), text.size());
-    parts.emplace_back(text.substr(from, to - from));
-    from = to + 1;
-  }
-  return parts;
-}
 
 bool IsAccepted(std::string_view line) { return NS_ASCII::ParseLine(line).outcome == LineOutcome::kAccepted; }
 
