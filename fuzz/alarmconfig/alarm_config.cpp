@@ -41,7 +41,7 @@ using Entries = std::vector<std::vector<std::string>>;
 
 Entries EntriesOf(const NS_ASCII::Alarm_Config_Param& config) {
   Entries entries;
-  config.values().ForEach([&entries](const NS_ASCII::AlarmKey& key, std::string_view value) {
+  config.Values().ForEach([&entries](const NS_ASCII::AlarmKey& key, std::string_view value) {
     entries.push_back({std::string(key.key1), std::string(key.key2), std::string(key.key3),
                        std::string(key.numKey), std::string(value)});
   });
@@ -90,9 +90,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const Entries entries = EntriesOf(config);
   fuzz::Expect(entries == EntriesOf(reference), "the entries are those of the literal rules");
-  fuzz::Expect(config.thirdColumns().size() == reference.key3Set.size(), "as many third columns");
+  fuzz::Expect(config.ThirdColumns().size() == reference.key3Set.size(), "as many third columns");
   for (const std::string& key3 : reference.key3Set) {
-    fuzz::Expect(config.thirdColumns().Contains(key3), "the same third columns");
+    fuzz::Expect(config.ThirdColumns().Contains(key3), "the same third columns");
   }
   fuzz::Expect(SameComplaints(recording::Framework::Instance().Messages(), reference.complaints),
                "the complaints are those of the literal rules");

@@ -80,8 +80,8 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
                const std::string& line);
 
   /// For tools and tests.
-  [[nodiscard]] const AlarmTable& values() const { return valueMap; }
-  [[nodiscard]] const AlarmTextPool& thirdColumns() const { return key3Set; }
+  [[nodiscard]] const AlarmTable& Values() const { return valueMap; }
+  [[nodiscard]] const AlarmTextPool& ThirdColumns() const { return key3Set; }
 
  private:
   /// Inserts or logs one line as read. `records` is a scratch buffer.

@@ -54,7 +54,7 @@ class TextHash {
     return *this;
   }
 
-  [[nodiscard]] std::uint32_t value() const {
+  [[nodiscard]] std::uint32_t Value() const {
     return static_cast<std::uint32_t>(Folded(state_ ^ key_.first, key_.second | 1));
   }
 

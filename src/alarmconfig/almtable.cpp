@@ -51,7 +51,7 @@ void AlarmTable::Insert(const AlarmKey& key, std::string_view value) {
 }
 
 std::uint32_t AlarmTable::HashOf(const AlarmKey& key) const {
-  return TextHash(hashKey_).Add(key.key1).Add(key.key2).Add(key.key3).Add(key.numKey).value();
+  return TextHash(hashKey_).Add(key.key1).Add(key.key2).Add(key.key3).Add(key.numKey).Value();
 }
 
 void AlarmTable::InsertInterned(const AlarmKey& key, Ref value) {

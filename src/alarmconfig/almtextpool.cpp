@@ -18,7 +18,7 @@ AlarmTextPool::Ref AlarmTextPool::Intern(std::string_view text) {
   if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
     throw std::bad_alloc();
   }
-  const std::uint32_t hash = TextHash(hashKey_).Add(text).value();
+  const std::uint32_t hash = TextHash(hashKey_).Add(text).Value();
   std::size_t slot = 0;
   if (!slots_.empty()) {
     slot = SlotOf(text, hash);
@@ -42,7 +42,7 @@ AlarmTextPool::Ref AlarmTextPool::Intern(std::string_view text) {
 }
 
 bool AlarmTextPool::Contains(std::string_view text) const {
-  return size_ != 0 && slots_[SlotOf(text, TextHash(hashKey_).Add(text).value())].ref != 0;
+  return size_ != 0 && slots_[SlotOf(text, TextHash(hashKey_).Add(text).Value())].ref != 0;
 }
 
 std::size_t AlarmTextPool::ReservedBytes() const {

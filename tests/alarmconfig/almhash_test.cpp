@@ -27,7 +27,7 @@ std::uint32_t HashOf(std::initializer_list<std::string_view> texts, const HashKe
   for (const std::string_view text : texts) {
     hash.Add(text);
   }
-  return hash.value();
+  return hash.Value();
 }
 
 TEST(TextHash, IsTheSameForTheSameTexts) {

@@ -31,7 +31,7 @@ EqualHashes::EqualHashes() {
   for (const char* const text : {"", "a", "another text, of more than sixteen bytes"}) {
     NS_ASCII::TextHash hash(NS_ASCII::RandomHashKey());
     hash.Add(text);
-    EXPECT_EQ(hash.value(), 0xFFFFFFFFU) << "choose a hash key with which all texts have the same hash";
+    EXPECT_EQ(hash.Value(), 0xFFFFFFFFU) << "choose a hash key with which all texts have the same hash";
   }
 }
 

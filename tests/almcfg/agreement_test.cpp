@@ -116,7 +116,7 @@ TEST_P(Agreement, HoldsForTheTable) {
     const std::vector<std::string> entries = RealLoad(content);
     const almcfg::LoadedTable table = TableOf(content);
     EXPECT_EQ(ContentOf(table), entries) << content;
-    EXPECT_EQ(table.recordCount(), entries.size()) << content;
+    EXPECT_EQ(table.RecordCount(), entries.size()) << content;
   }
 }
 
@@ -132,13 +132,13 @@ TEST_P(Agreement, NoLineIsLostWithoutAFinding) {
   for (int i = 0; i < kFiles / 10; ++i) {
     const std::string content = random.File();
     const almcfg::LoadedTable table = TableOf(content);
-    const almcfg::SourceText& text = table.text(0);
-    std::vector<bool> isExplained(text.lineCount() + 1);
+    const almcfg::SourceText& text = table.Text(0);
+    std::vector<bool> isExplained(text.LineCount() + 1);
     for (const almcfg::Finding& finding : almcfg_test::CheckWhole(content)) {
       isExplained[finding.line] = isExplained[finding.line] || IsLoss(finding.code);
     }
-    for (almcfg::LineNumber number = 1; number <= text.lineCount(); ++number) {
-      const std::string line(text.line(number).Loaded());
+    for (almcfg::LineNumber number = 1; number <= text.LineCount(); ++number) {
+      const std::string line(text.LineAt(number).Loaded());
       const bool isSilent =
           line.empty() || line[0] == '#' || line.find_first_not_of(" \t\r") == std::string::npos;
       EXPECT_TRUE(isExplained[number] || isSilent || !RealLoad(line + "\n").empty())
@@ -154,7 +154,7 @@ INSTANTIATE_TEST_SUITE_P(Seeds, Agreement, testing::Range(1U, 11U));
 bool EndlessLoadHolds(const std::string& path, const std::vector<std::string>& expected) {
   static Alarm_Config_Param table;
   std::thread([&path] { table.LoadConfig(path.c_str()); }).detach();
-  for (int i = 0; i < 500 && table.values().size() < expected.size(); ++i) {
+  for (int i = 0; i < 500 && table.Values().size() < expected.size(); ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   std::this_thread::sleep_for(std::chrono::milliseconds(100));  // Nothing more must come.
@@ -166,8 +166,8 @@ TEST(AgreementOnAnOverlongLine, ItsStartIsLoadedAndNothingAfterIt) {
   const std::string content = "A\tB\tC\t7\t1\n" + endless + "\nD\tB\tC\t7\t4\n";
   const TempFile file(content);
   const almcfg::LoadedTable table = TableOf(content);
-  ASSERT_EQ(table.endlessLine().line, 2U);
-  ASSERT_EQ(table.recordCount(), 2U);
+  ASSERT_EQ(table.EndlessLine().line, 2U);
+  ASSERT_EQ(table.RecordCount(), 2U);
   const std::vector<std::string> expected = ContentOf(table);
   ASSERT_EQ(expected, (std::vector<std::string>{"C\nB\nC\n7\n" + endless.substr(8, 1022 - 8) + "\n",
                                                 "A\nB\nC\n7\n1\n"}));

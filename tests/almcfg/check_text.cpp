@@ -15,7 +15,7 @@ std::vector<almcfg::Finding> CheckWhole(const std::string& content) {
   Findings findings;
   almcfg::Progress progress(false);
   const almcfg::LoadedTable table = TableOf(content);
-  almcfg::CheckText(table, table.text(0), progress, findings);
+  almcfg::CheckText(table, table.Text(0), progress, findings);
   return findings.all;
 }
 
@@ -38,7 +38,7 @@ std::string EntryText(const NS_ASCII::AlarmKey& key, std::string_view value) {
 
 std::vector<std::string> ContentOf(const NS_ASCII::Alarm_Config_Param& table) {
   std::vector<std::string> content;
-  table.values().ForEach([&content](const NS_ASCII::AlarmKey& key, std::string_view value) {
+  table.Values().ForEach([&content](const NS_ASCII::AlarmKey& key, std::string_view value) {
     content.push_back(EntryText(key, value));
   });
   return content;

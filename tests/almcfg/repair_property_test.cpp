@@ -275,7 +275,7 @@ TEST_P(RandomRepair, WhenSafeNeverChangesAnAnswer) {
   RandomFile random(GetParam());
   for (int i = 0; i < kFiles; ++i) {
     const std::string content = random.Make();
-    if (!TableOf(content).endlessLine()) {
+    if (!TableOf(content).EndlessLine()) {
       EXPECT_EQ(ChangedKey(content, Repaired(content, kSafe)), "") << content;
     }
   }

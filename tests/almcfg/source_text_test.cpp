@@ -31,8 +31,8 @@ SourceText TextOf(const std::string& content) { return Read(TempFile(content).pa
 
 std::vector<std::string> LinesOf(const SourceText& text) {
   std::vector<std::string> lines;
-  for (almcfg::LineNumber number = 1; number <= text.lineCount(); ++number) {
-    lines.emplace_back(text.line(number).text);
+  for (almcfg::LineNumber number = 1; number <= text.LineCount(); ++number) {
+    lines.emplace_back(text.LineAt(number).text);
   }
   return lines;
 }
@@ -40,8 +40,8 @@ std::vector<std::string> LinesOf(const SourceText& text) {
 using Lines = std::vector<std::string>;
 
 TEST(SourceText, HasNoLinesWhenTheFileIsEmpty) {
-  EXPECT_EQ(TextOf("").lineCount(), 0U);
-  EXPECT_TRUE(TextOf("").endsWithLineFeed());
+  EXPECT_EQ(TextOf("").LineCount(), 0U);
+  EXPECT_TRUE(TextOf("").EndsWithLineFeed());
 }
 
 TEST(SourceText, CutsAtLineFeedsOnly) {
@@ -51,21 +51,21 @@ TEST(SourceText, CutsAtLineFeedsOnly) {
 TEST(SourceText, KeepsALastLineWithoutLineFeed) {
   const SourceText text = TextOf("a\nb");
   EXPECT_EQ(LinesOf(text), (Lines{"a", "b"}));
-  EXPECT_FALSE(text.endsWithLineFeed());
+  EXPECT_FALSE(text.EndsWithLineFeed());
 }
 
 TEST(SourceText, CountsNulsLikeOtherBytesButLoadsUpToThem) {
   const SourceText text = TextOf(std::string("a\0b\n\0c\n", 7));
-  EXPECT_EQ(text.line(1).text, std::string("a\0b", 3));
-  EXPECT_EQ(text.line(1).Loaded(), "a");
-  EXPECT_EQ(text.line(2).Loaded(), "");
+  EXPECT_EQ(text.LineAt(1).text, std::string("a\0b", 3));
+  EXPECT_EQ(text.LineAt(1).Loaded(), "a");
+  EXPECT_EQ(text.LineAt(2).Loaded(), "");
 }
 
 TEST(SourceText, CountsOnlyLinesThatEndWithCrLf) {
   const SourceText text = TextOf("a\nb\r\n" + std::string(2000, 'x') + "\r\nc\rd\ne\r");
-  EXPECT_EQ(text.crLfLines(), 2U);
-  EXPECT_EQ(text.firstCrLfLine(), 2U);
-  EXPECT_EQ(TextOf(std::string(1021, 'x') + "\ry\n").crLfLines(), 0U);
+  EXPECT_EQ(text.CrLfLines(), 2U);
+  EXPECT_EQ(text.FirstCrLfLine(), 2U);
+  EXPECT_EQ(TextOf(std::string(1021, 'x') + "\ry\n").CrLfLines(), 0U);
 }
 
 TEST(SourceText, CountsACrLfThatIsReadInTwoPieces) {
@@ -74,29 +74,29 @@ TEST(SourceText, CountsACrLfThatIsReadInTwoPieces) {
     content += "#" + std::string(1000, 'x') + "\n";
   }
   content.append(262'143 - content.size(), 'y');
-  EXPECT_EQ(TextOf(content + "\r\n").crLfLines(), 1U) << "CR is the last byte of a piece";
-  EXPECT_EQ(TextOf(content + "y\r\n").crLfLines(), 1U) << "CR is the first one";
+  EXPECT_EQ(TextOf(content + "\r\n").CrLfLines(), 1U) << "CR is the last byte of a piece";
+  EXPECT_EQ(TextOf(content + "y\r\n").CrLfLines(), 1U) << "CR is the first one";
 }
 
 TEST(SourceText, TakesALineOf1022CharactersWhole) {
   const std::string line = std::string(1021, 'x') + '\r';
   const SourceText text = TextOf(line + "\n" + line);
-  EXPECT_FALSE(text.line(1).IsOverlong());
-  EXPECT_FALSE(text.line(2).IsOverlong());
-  EXPECT_EQ(text.line(2).text, line);
+  EXPECT_FALSE(text.LineAt(1).IsOverlong());
+  EXPECT_FALSE(text.LineAt(2).IsOverlong());
+  EXPECT_EQ(text.LineAt(2).text, line);
   const SourceText longer = TextOf(line + "\n" + line + "x\n" + line + "\n");
-  EXPECT_FALSE(longer.line(1).IsOverlong());
-  EXPECT_TRUE(longer.line(2).IsOverlong());
-  EXPECT_FALSE(longer.line(3).IsOverlong());
+  EXPECT_FALSE(longer.LineAt(1).IsOverlong());
+  EXPECT_TRUE(longer.LineAt(2).IsOverlong());
+  EXPECT_FALSE(longer.LineAt(3).IsOverlong());
 }
 
 TEST(SourceText, KeepsTheStartAndTheLengthOfALongerLine) {
   const SourceText text = TextOf("a\n" + std::string(1022, 'x') + "\r\nb\n" + std::string(300000, 'y'));
-  EXPECT_TRUE(text.line(2).IsOverlong());
-  EXPECT_EQ(text.line(2).text, std::string(1022, 'x'));
-  EXPECT_EQ(text.line(2).length, 1023U);
-  EXPECT_FALSE(text.line(3).IsOverlong());
-  EXPECT_EQ(text.line(4).length, 300000U);
+  EXPECT_TRUE(text.LineAt(2).IsOverlong());
+  EXPECT_EQ(text.LineAt(2).text, std::string(1022, 'x'));
+  EXPECT_EQ(text.LineAt(2).length, 1023U);
+  EXPECT_FALSE(text.LineAt(3).IsOverlong());
+  EXPECT_EQ(text.LineAt(4).length, 300000U);
 }
 
 TEST(SourceText, LosesNothingWhereItsBuffersEnd) {
@@ -133,9 +133,9 @@ TEST(SourceText, CutsLikeTheStreamThatALoadReads) {
 
 TEST(SourceText, StaysInPlaceWhenMoved) {
   SourceText first = TextOf("abc\n");
-  const char* const before = first.line(1).text.data();
+  const char* const before = first.LineAt(1).text.data();
   const SourceText second = std::move(first);
-  EXPECT_EQ(second.line(1).text.data(), before);
+  EXPECT_EQ(second.LineAt(1).text.data(), before);
 }
 
 /// How reading the file fails.
@@ -163,7 +163,7 @@ TEST(SourceText, RefusesAFileWhoseReadingFails) {
   EXPECT_EQ(ErrorOf("/proc/self/mem").obstacle, Obstacle::kReadFailed);
 }
 
-TEST(SourceText, ReadsTheNullDeviceAsAnEmptyFile) { EXPECT_EQ(Read("/dev/null").lineCount(), 0U); }
+TEST(SourceText, ReadsTheNullDeviceAsAnEmptyFile) { EXPECT_EQ(Read("/dev/null").LineCount(), 0U); }
 
 TEST(SourceText, RefusesAPipeWithoutAWriterInsteadOfWaiting) {
   const TempFile file("");

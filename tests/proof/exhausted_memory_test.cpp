@@ -253,7 +253,7 @@ std::string WriteConfig() {
 
 std::map<std::string, std::string> ContentOf(const Alarm_Config_Param& config) {
   std::map<std::string, std::string> content;
-  config.values().ForEach([&content](const NS_ASCII::AlarmKey& key, std::string_view value) {
+  config.Values().ForEach([&content](const NS_ASCII::AlarmKey& key, std::string_view value) {
     content[std::string(key.key1)] = value;
   });
   return content;
@@ -275,7 +275,7 @@ TEST_F(ExhaustedMemory, LoadConfigStoresEachRecordWholeOrNotAtAll) {
       }
       fresh.LoadConfig(path.c_str());
       ASSERT_EQ(ContentOf(fresh), whole) << "afterwards";
-      ASSERT_EQ(fresh.thirdColumns().size(), static_cast<std::size_t>(kLines));
+      ASSERT_EQ(fresh.ThirdColumns().size(), static_cast<std::size_t>(kLines));
       throw;
     }
   });

@@ -57,9 +57,9 @@ TEST_F(RandomFiles, AreReadAsTheLiteralRulesSay) {
       expected.push_back(BadLine(complaint.line, complaint.text.c_str()));
     }
     ASSERT_EQ(framework.Messages(), expected) << recording::Quoted(content);
-    ASSERT_EQ(config.thirdColumns().size(), rules.key3Set.size());
+    ASSERT_EQ(config.ThirdColumns().size(), rules.key3Set.size());
     for (const std::string& text : rules.key3Set) {
-      ASSERT_TRUE(config.thirdColumns().Contains(text));
+      ASSERT_TRUE(config.ThirdColumns().Contains(text));
     }
   }
   EXPECT_GT(Entries(config).size(), 100U);

@@ -19,7 +19,7 @@ inline recording::Message BadLine(int line, const std::string& text) {
 /// All entries in the store's order, as "key1|key2|key3|numKey=value".
 inline std::vector<std::string> Entries(const NS_ASCII::Alarm_Config_Param& config) {
   std::vector<std::string> entries;
-  config.values().ForEach([&entries](const NS_ASCII::AlarmKey& key, std::string_view value) {
+  config.Values().ForEach([&entries](const NS_ASCII::AlarmKey& key, std::string_view value) {
     entries.push_back(std::string(key.key1) + '|' + std::string(key.key2) + '|' + std::string(key.key3) +
                       '|' + std::string(key.numKey) + '=' + std::string(value));
   });

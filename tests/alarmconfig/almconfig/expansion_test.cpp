@@ -115,8 +115,8 @@ TEST_F(AddLine, StoresEveryThirdColumn) {
   std::vector<AlarmConfigRecord> first;
   std::vector<AlarmConfigRecord> second;
   config.AddLine(fields, first, second, "line");
-  EXPECT_TRUE(config.thirdColumns().Contains("c"));
-  EXPECT_EQ(config.thirdColumns().size(), 1U);
+  EXPECT_TRUE(config.ThirdColumns().Contains("c"));
+  EXPECT_EQ(config.ThirdColumns().size(), 1U);
 }
 
 }  // namespace

@@ -148,17 +148,17 @@ TEST_F(LoadConfig, SplitsAtNoOtherCharacter) {
   Load("A" + others + "A\tk" + others + "k\tc" + others + "c\t1" + others + "1\tv" + others + "v\n");
   EXPECT_EQ(Value({"A" + others + "A", "k" + others + "k", "1" + others + "1", "c" + others + "c", ""}),
             "v" + others + "v");
-  EXPECT_EQ(config.values().size(), 1U);
+  EXPECT_EQ(config.Values().size(), 1U);
 }
 
 TEST_F(LoadConfig, TwiceLeavesTheStoreAsAfterOnce) {
   const std::string content = "A/B\tk\tc\t1\tv\nC\tk\td\t2\tw\n";
   Load(content);
   const std::vector<std::string> once = Entries(config);
-  const std::size_t reserved = config.values().ReservedBytes();
+  const std::size_t reserved = config.Values().ReservedBytes();
   Load(content);
   EXPECT_EQ(Entries(config), once);
-  EXPECT_EQ(config.values().ReservedBytes(), reserved);
+  EXPECT_EQ(config.Values().ReservedBytes(), reserved);
 }
 
 TEST_F(LoadConfig, MergesASecondFileWhoseValuesWin) {

@@ -42,7 +42,7 @@ TEST_F(InsertRecord, DistinguishesKeysByteByByte) {
   config.InsertRecord({"A", "k", "07", "c", "nought seven"});
   config.InsertRecord({"A ", "k", "7", "c", "blank"});
   config.InsertRecord({"a", "k", "7", "c", "small"});
-  EXPECT_EQ(config.values().size(), 4U);
+  EXPECT_EQ(config.Values().size(), 4U);
   EXPECT_EQ(Value({"A", "k", "7", "c", ""}), "seven");
   EXPECT_EQ(Value({"A", "k", "07", "c", ""}), "nought seven");
   EXPECT_EQ(Value({"A ", "k", "7", "c", ""}), "blank");
@@ -56,10 +56,10 @@ TEST_F(AlarmConfig, TwoLinesThatDifferInColumnFourAreTwoEntries) {
 
 TEST_F(AlarmConfig, KeepsEveryThirdColumnOnce) {
   Load("A/B\tk\tc\t1\tv\nC\tk\tc\t2\tv\nC\tk\td\t2\tv\n");
-  EXPECT_EQ(config.thirdColumns().size(), 2U);
-  EXPECT_TRUE(config.thirdColumns().Contains("c"));
-  EXPECT_TRUE(config.thirdColumns().Contains("d"));
-  EXPECT_FALSE(config.thirdColumns().Contains("k"));
+  EXPECT_EQ(config.ThirdColumns().size(), 2U);
+  EXPECT_TRUE(config.ThirdColumns().Contains("c"));
+  EXPECT_TRUE(config.ThirdColumns().Contains("d"));
+  EXPECT_FALSE(config.ThirdColumns().Contains("k"));
 }
 
 TEST(AlarmConfigParam, IsOneObjectForTheProcess) {

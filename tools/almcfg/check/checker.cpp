@@ -81,11 +81,11 @@ class Checker {
       : table_(table), text_(text), sink_(sink) {}
 
   void Check(Progress& progress) {
-    for (LineNumber number = 1; number <= text_.lineCount(); ++number) {
+    for (LineNumber number = 1; number <= text_.LineCount(); ++number) {
       CheckLine(number);
       Report();
       if (number % kProgressLines == 0) {
-        progress.Show(text_.name(), "checked", number);
+        progress.Show(text_.Name(), "checked", number);
       }
     }
     if (!hasRecord_ && !hasError_) {
@@ -98,7 +98,7 @@ class Checker {
  private:
   void CheckLine(LineNumber number) {
     number_ = number;
-    line_ = text_.line(number);
+    line_ = text_.LineAt(number);
     loaded_ = line_.Loaded();
     parsed_ = NS_ASCII::ParseLine(loaded_);
     hasRecord_ = hasRecord_ || parsed_.outcome == LineOutcome::kAccepted;
@@ -132,13 +132,13 @@ class Checker {
   }
 
   void CheckLineEnd() {
-    if (number_ == text_.firstCrLfLine()) {
+    if (number_ == text_.FirstCrLfLine()) {
       Add(Code::kCrLineEnds, line_.length, 1,
-          Counted(text_.crLfLines(), "line") + " of " + Grouped(text_.lineCount()) +
+          Counted(text_.CrLfLines(), "line") + " of " + Grouped(text_.LineCount()) +
               " with CR LF at the end; the CR is trimmed away, but counts towards the line's length",
           "save the file with LF line ends");
     }
-    if (number_ == text_.lineCount() && !text_.endsWithLineFeed()) {
+    if (number_ == text_.LineCount() && !text_.EndsWithLineFeed()) {
       Add(Code::kNoFinalLineFeed, line_.length + 1, 1,
           "the last line has no line feed: text that is appended to the file becomes part of it",
           "end the last line with a line feed");
@@ -163,7 +163,7 @@ class Checker {
   }
 
   void FindOverlong() {
-    const LineNumber after = text_.lineCount() - number_;
+    const LineNumber after = text_.LineCount() - number_;
     std::string message =
         "the line has " + Counted(line_.length, "byte") + ", a load reads 1,022 of them and then NEVER ENDS";
     if (!table_.IsReached({&text_, number_})) {
@@ -257,7 +257,7 @@ class Checker {
   void AddRepeatedKey(const Repeat& repeat) {
     const std::string key = Shown(RecordAt(repeat.record));
     const std::string where = "line " + Grouped(repeat.earlier.line);
-    const std::string_view earlierText = text_.line(repeat.earlier.line).Loaded();
+    const std::string_view earlierText = text_.LineAt(repeat.earlier.line).Loaded();
     const std::string_view earlierValue = NS_ASCII::ParseLine(earlierText).columns[4];
     const std::string_view value = parsed_.columns[4];
     if (repeat.earlier.line == number_) {
@@ -303,11 +303,11 @@ class Checker {
 
 bool IsExactRepeat(const LoadedTable& table, Place place) {
   const std::vector<Repeat> repeats = table.RepeatsOf(place);
-  const std::string_view line = place.text->line(place.line).text;
-  const ParsedLine parsed = NS_ASCII::ParseLine(place.text->line(place.line).Loaded());
+  const std::string_view line = place.text->LineAt(place.line).text;
+  const ParsedLine parsed = NS_ASCII::ParseLine(place.text->LineAt(place.line).Loaded());
   return !repeats.empty() && repeats.size() == parsed.key1s.size() * parsed.key2s.size() &&
          std::all_of(repeats.begin(), repeats.end(), [&](const Repeat& repeat) {
-           return repeat.earlier.text == place.text && place.text->line(repeat.earlier.line).text == line;
+           return repeat.earlier.text == place.text && place.text->LineAt(repeat.earlier.line).text == line;
          });
 }
 

@@ -39,8 +39,8 @@ class Selector : public FindingSink {
     }
   }
 
-  [[nodiscard]] const Tally& tally() const { return tally_; }
-  [[nodiscard]] std::size_t omitted() const { return tally_.Total() - passed_; }
+  [[nodiscard]] const Tally& Counts() const { return tally_; }
+  [[nodiscard]] std::size_t Omitted() const { return tally_.Total() - passed_; }
 
  private:
   const Options& options_;
@@ -56,9 +56,9 @@ bool CheckFile(const std::string& path, const Options& options, const Outputs& o
     std::vector<SourceText> texts;
     texts.push_back(SourceText::Read(path, options.NameOf(path), outputs.progress));
     const LoadedTable table(std::move(texts), outputs.progress);
-    CheckText(table, table.text(0), outputs.progress, sink);
-    totals.records += table.recordCount();
-    report.EndFile(table.text(0), table.recordCount(), true);
+    CheckText(table, table.Text(0), outputs.progress, sink);
+    totals.records += table.RecordCount();
+    report.EndFile(table.Text(0), table.RecordCount(), true);
     return true;
   } catch (const ReadError& error) {
     const SourceText nothing = SourceText::FromBytes(options.NameOf(path), "");
@@ -83,8 +83,8 @@ int RunCheck(const Options& options, const Outputs& outputs) {
     allRead = CheckFile(path, options, outputs, *report, selector, totals) && allRead;
     ++totals.files;
   }
-  totals.findings = selector.tally();
-  totals.omitted = selector.omitted();
+  totals.findings = selector.Counts();
+  totals.omitted = selector.Omitted();
   const bool isClean = totals.findings.Count(Severity::kError) == 0 &&
                        (!options.strict || totals.findings.Count(Severity::kWarning) == 0);
   const int exitCode = !allRead ? kCouldNotRun : isClean ? kClean : kFindings;

@@ -125,7 +125,7 @@ void FindUnasked(const LoadedTable& table, Coverage& coverage) {
   end();
 }
 
-std::string_view LineAt(Place place) { return place.text->line(place.line).text; }
+std::string_view LineAt(Place place) { return place.text->LineAt(place.line).text; }
 
 void WriteNotServed(std::ostream& out, const std::vector<AnsweredQuery>& queries) {
   for (const AnsweredQuery& asked : queries) {
@@ -196,7 +196,7 @@ Json ToJson(const AnsweredQuery& asked) {
   SetText(json, "number", asked.number);
   json["count"] = asked.count;
   if (asked.place) {
-    SetText(json, "file", asked.place.text->name());
+    SetText(json, "file", asked.place.text->Name());
     json["line"] = asked.place.line;
     SetText(json, "value", asked.value);
     return json;
@@ -251,7 +251,7 @@ int RunCoverage(const Options& options, const Outputs& outputs) {
   SortQueries(*table, calls, coverage);
   FindNearestOf(*table, coverage.notServed);
   FindUnasked(*table, coverage);
-  coverage.endlessLine = table->endlessLine();
+  coverage.endlessLine = table->EndlessLine();
   outputs.progress.Hide();
   (options.format == Format::kJson ? WriteJson : WriteText)(outputs.out, calls, coverage);
   const bool isClean = !coverage.endlessLine && (!options.strict || coverage.notServed.empty());

@@ -124,7 +124,7 @@ Json ToJson(const std::optional<Entry>& entry) {
   }
   Json json;
   SetText(json, "value", entry->value);
-  SetText(json, "file", entry->place.text->name());
+  SetText(json, "file", entry->place.text->Name());
   json["line"] = entry->place.line;
   return json;
 }
@@ -183,15 +183,15 @@ Changes Compare(const LoadedTable& running, const LoadedTable& fresh, ChangeWrit
       write({isSame ? ChangeKind::kRewritten : ChangeKind::kChanged, before, entry});
     }
   });
-  if (kept != running.recordCount()) {
+  if (kept != running.RecordCount()) {
     running.ForEach([&](const Entry& entry) {
       if (!fresh.Find(entry.key)) {
         write({ChangeKind::kStays, entry, {}});
       }
     });
   }
-  changes.endlessRunning = running.endlessLine();
-  changes.endlessNew = fresh.endlessLine();
+  changes.endlessRunning = running.EndlessLine();
+  changes.endlessNew = fresh.EndlessLine();
   writer.End(changes);
   return changes;
 }

@@ -55,7 +55,7 @@ Found Find(const Options& options, const LoadedTable& table) {
   found.wanted = {
       options.key1, options.key2, NSTE_util::Trim(NSTE_util::Num2Str(options.number)), options.key3, {}};
   found.settings = table.FindAll(found.Key());
-  found.endlessLine = table.endlessLine();
+  found.endlessLine = table.EndlessLine();
   if (found.IsServed()) {
     found.wanted.value = found.settings.back().value;
     found.answer = Ask(options, &found.wanted);
@@ -66,7 +66,7 @@ Found Find(const Options& options, const LoadedTable& table) {
   return found;
 }
 
-std::string_view LineAt(Place place) { return place.text->line(place.line).text; }
+std::string_view LineAt(Place place) { return place.text->LineAt(place.line).text; }
 
 void WriteServed(std::ostream& out, const Found& found) {
   const Entry& serving = found.settings.back();

@@ -82,7 +82,7 @@ int RunShow(const Options& options, const Outputs& outputs) {
     table->ForEach(write);
   }
   writer->End(*table);
-  return table->endlessLine() ? kFindings : kClean;
+  return table->EndlessLine() ? kFindings : kClean;
 }
 
 }  // namespace almcfg

@@ -31,7 +31,7 @@ class Listener : public FindingSink {
   void ReportCount(const SourceText& text) const {
     outputs_.progress.Hide();
     if (tally_.Count(Severity::kError) + tally_.Count(Severity::kWarning) != 0) {
-      outputs_.err << "almcfg: " << Printable(text.name()) << ": " << Summary(tally_)
+      outputs_.err << "almcfg: " << Printable(text.Name()) << ": " << Summary(tally_)
                    << "; see almcfg check\n";
     }
   }
@@ -43,8 +43,8 @@ class Listener : public FindingSink {
 };
 
 bool HasEnd(const SourceText& text) {
-  for (LineNumber number = 1; number <= text.lineCount(); ++number) {
-    if (text.line(number).IsOverlong()) {
+  for (LineNumber number = 1; number <= text.LineCount(); ++number) {
+    if (text.LineAt(number).IsOverlong()) {
       return false;
     }
   }
@@ -63,14 +63,14 @@ std::optional<LoadedTable> LoadFiles(const std::vector<std::string>& paths, cons
       hasEnd = HasEnd(texts.back());
     }
     std::optional<LoadedTable> table(std::in_place, std::move(texts), outputs.progress);
-    for (std::size_t i = 0; i < table->fileCount(); ++i) {
+    for (std::size_t i = 0; i < table->FileCount(); ++i) {
       Listener listener(outputs, sink);
-      CheckText(*table, table->text(i), outputs.progress, listener);
-      listener.ReportCount(table->text(i));
+      CheckText(*table, table->Text(i), outputs.progress, listener);
+      listener.ReportCount(table->Text(i));
     }
     for (; read < paths.size(); ++read) {
       outputs.err << "almcfg: " << Printable(options.NameOf(paths[read]))
-                  << ": never read, since the load of " << Shown(table->endlessLine()) << " does not end\n";
+                  << ": never read, since the load of " << Shown(table->EndlessLine()) << " does not end\n";
     }
     return table;
   } catch (const ReadError& error) {

@@ -40,11 +40,11 @@ class InputFile {
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
 
-  [[nodiscard]] int fd() const { return fd_; }
+  [[nodiscard]] int Descriptor() const { return fd_; }
 
   /// True when the file was opened by its name. The descriptor does not show it: when standard input is
   /// closed, an opened file may have number 0 too.
-  [[nodiscard]] bool isOpened() const { return isOpened_; }
+  [[nodiscard]] bool IsOpened() const { return isOpened_; }
 
  private:
   bool isOpened_;
@@ -72,15 +72,15 @@ void RequireText(int fd) {
 /// Up to `size` bytes, waiting for them; 0 at the end.
 std::size_t ReadSome(const InputFile& file, char* buffer, std::size_t size) {
   for (;;) {
-    const ssize_t count = read(file.fd(), buffer, size);
+    const ssize_t count = read(file.Descriptor(), buffer, size);
     if (count >= 0) {
       return static_cast<std::size_t>(count);
     }
     if (errno == EAGAIN) {
-      pollfd waiting{file.fd(), POLLIN, 0};
+      pollfd waiting{file.Descriptor(), POLLIN, 0};
       poll(&waiting, 1, -1);
     } else if (errno != EINTR) {
-      ThrowErrno(errno, file.isOpened() ? Obstacle::kReadFailed : Obstacle::kNoInput);
+      ThrowErrno(errno, file.IsOpened() ? Obstacle::kReadFailed : Obstacle::kNoInput);
     }
   }
 }
@@ -88,8 +88,8 @@ std::size_t ReadSome(const InputFile& file, char* buffer, std::size_t size) {
 /// Whether this is a pipe that was opened by its name, has no bytes and has had no writer since.
 bool IsSilentPipe(const InputFile& file) {
   struct stat status;
-  pollfd waiting{file.fd(), POLLIN, 0};
-  return file.isOpened() && fstat(file.fd(), &status) == 0 && S_ISFIFO(status.st_mode) &&
+  pollfd waiting{file.Descriptor(), POLLIN, 0};
+  return file.IsOpened() && fstat(file.Descriptor(), &status) == 0 && S_ISFIFO(status.st_mode) &&
          poll(&waiting, 1, 0) == 0;
 }
 
@@ -97,10 +97,10 @@ bool IsSilentPipe(const InputFile& file) {
 class InputBuffer : public std::streambuf {
  public:
   explicit InputBuffer(const std::string& path) : file_(path), bytes_(new char[kReadBytes]) {
-    RequireText(file_.fd());
+    RequireText(file_.Descriptor());
     if (IsSilentPipe(file_)) {
       // A pipe whose writer has not written yet reads as "try again".
-      const ssize_t count = read(file_.fd(), bytes_.get(), kReadBytes);
+      const ssize_t count = read(file_.Descriptor(), bytes_.get(), kReadBytes);
       if (count == 0) {
         throw ReadError("Nothing writes to this pipe", Obstacle::kSilentPipe);
       }

@@ -43,7 +43,7 @@ struct KeyLess {
 
 }  // namespace
 
-std::string Shown(Place place) { return Printable(place.text->name()) + ':' + std::to_string(place.line); }
+std::string Shown(Place place) { return Printable(place.text->Name()) + ':' + std::to_string(place.line); }
 
 std::string Shown(const AlarmKey& key) {
   return Quoted(key.key1) + ", " + Quoted(key.key2) + ", " + Quoted(key.key3) + ", " + Quoted(key.numKey);
@@ -52,7 +52,7 @@ std::string Shown(const AlarmKey& key) {
 LoadedTable::LoadedTable(std::vector<SourceText> texts, Progress& progress) : texts_(std::move(texts)) {
   std::uint64_t lines = 0;
   for (const SourceText& text : texts_) {
-    lines += text.lineCount();
+    lines += text.LineCount();
     if (lines > std::numeric_limits<LineId>::max()) {
       throw ReadError("All files together have more lines than can be counted", Obstacle::kTooManyLines);
     }
@@ -72,18 +72,18 @@ void LoadedTable::IndexLines(Progress& progress) {
   Records records;
   index_.reserve(ends_.empty() ? 0 : ends_.back());  // Most lines have one record.
   for (const SourceText& text : texts_) {
-    for (LineNumber number = 1; number <= text.lineCount() && !endless_; ++number) {
+    for (LineNumber number = 1; number <= text.LineCount() && !endless_; ++number) {
       ++reached_;
       if (ListRecordsOf(reached_, records)) {
         for (const Record& record : records) {
           index_.push_back(std::uint64_t{HashOf(record)} << kLineBits | reached_);
         }
       }
-      if (text.line(number).IsOverlong()) {
+      if (text.LineAt(number).IsOverlong()) {
         endless_ = {&text, number};
       }
       if (number % kProgressLines == 0) {
-        progress.Show(text.name(), "parsed", number);
+        progress.Show(text.Name(), "parsed", number);
       }
     }
   }
@@ -218,7 +218,7 @@ Place LoadedTable::PlaceOf(LineId id) const {
 
 Line LoadedTable::LineOf(LineId id) const {
   const Place place = PlaceOf(id);
-  return place.text->line(place.line);
+  return place.text->LineAt(place.line);
 }
 
 /// Returns false, and no records, for a line that is not accepted.

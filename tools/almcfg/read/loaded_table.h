@@ -74,16 +74,16 @@ class LoadedTable {
   LoadedTable& operator=(const LoadedTable&) = delete;
   ~LoadedTable() = default;
 
-  [[nodiscard]] std::size_t fileCount() const { return texts_.size(); }
+  [[nodiscard]] std::size_t FileCount() const { return texts_.size(); }
 
   /// The file that was loaded as number `index`, from 0. The texts lie one after the other in memory.
-  [[nodiscard]] const SourceText& text(std::size_t index) const { return texts_[index]; }
+  [[nodiscard]] const SourceText& Text(std::size_t index) const { return texts_[index]; }
 
   /// How many keys are in force.
-  [[nodiscard]] std::size_t recordCount() const { return index_.size() - repeats_.size(); }
+  [[nodiscard]] std::size_t RecordCount() const { return index_.size() - repeats_.size(); }
 
   /// The line at which the load never ends, if there is one.
-  [[nodiscard]] Place endlessLine() const { return endless_; }
+  [[nodiscard]] Place EndlessLine() const { return endless_; }
 
   /// Whether the load reads the line.
   [[nodiscard]] bool IsReached(Place place) const { return IdOf(place) <= reached_; }

@@ -15,7 +15,7 @@ SourceText SourceText::Read(const std::string& path, std::string name, Progress&
   SourceText text(std::move(name));
   ReadBytes(path, [&](const char* bytes, std::size_t count) {
     text.Take(bytes, count);
-    progress.Show(text.name_, "read", text.lineCount());
+    progress.Show(text.name_, "read", text.LineCount());
   });
   text.TakeEnd();
   return text;
@@ -28,7 +28,7 @@ SourceText SourceText::FromBytes(std::string name, std::string_view bytes) {
   return text;
 }
 
-Line SourceText::line(LineNumber number) const {
+Line SourceText::LineAt(LineNumber number) const {
   const std::uint64_t word = lines_[number - 1];
   const std::uint64_t start = word >> kLengthBits;
   const std::size_t kept = word & ((1U << kLengthBits) - 1);
@@ -58,7 +58,7 @@ void SourceText::Take(const char* bytes, std::size_t count) {
     }
     EndLine();
     if (endsWithCr_ && crLfLines_++ == 0) {
-      firstCrLfLine_ = lineCount();
+      firstCrLfLine_ = LineCount();
     }
     endsWithCr_ = false;
     bytes = feed + 1;
@@ -94,7 +94,7 @@ void SourceText::EndLine() {
   const std::uint64_t start = kept_ == 0 ? 0 : (chunks_.size() - 1) * kChunkBytes + used_;
   lines_.push_back(start << kLengthBits | kept_);
   if (length_ > kLongestLine) {
-    overlong_.emplace_back(lineCount(), length_);
+    overlong_.emplace_back(LineCount(), length_);
   }
   used_ += kept_;
   kept_ = 0;

@@ -46,19 +46,19 @@ class SourceText {
   static SourceText FromBytes(std::string name, std::string_view bytes);
 
   /// The file's name as the user wrote it. Not safe to print: it may hold control characters.
-  [[nodiscard]] const std::string& name() const { return name_; }
+  [[nodiscard]] const std::string& Name() const { return name_; }
 
-  [[nodiscard]] LineNumber lineCount() const { return static_cast<LineNumber>(lines_.size()); }
+  [[nodiscard]] LineNumber LineCount() const { return static_cast<LineNumber>(lines_.size()); }
 
-  /// `number` must be from 1 to `lineCount()`.
-  [[nodiscard]] Line line(LineNumber number) const;
+  /// `number` must be from 1 to `LineCount()`.
+  [[nodiscard]] Line LineAt(LineNumber number) const;
 
   /// False when the last line has no LF. True for an empty file.
-  [[nodiscard]] bool endsWithLineFeed() const { return endsWithLineFeed_; }
+  [[nodiscard]] bool EndsWithLineFeed() const { return endsWithLineFeed_; }
 
   /// How many lines end with CR LF, and the first of them.
-  [[nodiscard]] LineNumber crLfLines() const { return crLfLines_; }
-  [[nodiscard]] LineNumber firstCrLfLine() const { return firstCrLfLine_; }
+  [[nodiscard]] LineNumber CrLfLines() const { return crLfLines_; }
+  [[nodiscard]] LineNumber FirstCrLfLine() const { return firstCrLfLine_; }
 
  private:
   explicit SourceText(std::string name) : name_(std::move(name)) {}

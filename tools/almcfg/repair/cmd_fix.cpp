@@ -31,7 +31,7 @@ Tally CheckBytes(const std::string& content, Progress& progress) {
   texts.push_back(SourceText::FromBytes("", content));
   const LoadedTable table(std::move(texts), progress);
   Counter counter;
-  CheckText(table, table.text(0), progress, counter);
+  CheckText(table, table.Text(0), progress, counter);
   return counter.tally;
 }
 

@@ -183,7 +183,7 @@ class TextRepairer {
     std::vector<OutputLine> kept;
     for (LineNumber number = 1; number <= output_.size(); ++number) {
       OutputLine& line = output_[number - 1];
-      const Place place{&table.text(0), number};
+      const Place place{&table.Text(0), number};
       if (table.IsReached(place) && IsExactRepeat(table, place)) {
         const LineNumber earlier = output_[table.RepeatsOf(place).front().earlier.line - 1].origin;
         Note(Code::kRepeatedLine, line, "removed the repeat of line " + Grouped(earlier));
@@ -201,10 +201,10 @@ class TextRepairer {
     const LoadedTable table = LoadOutput();
     std::vector<std::set<std::size_t>> replaced(output_.size());
     for (LineNumber number = 1; number <= output_.size(); ++number) {
-      for (const Repeat& repeat : table.RepeatsOf({&table.text(0), number})) {
-        if (rules_.Allows(CodeFor(repeat, table.text(0)))) {
+      for (const Repeat& repeat : table.RepeatsOf({&table.Text(0), number})) {
+        if (rules_.Allows(CodeFor(repeat, table.Text(0)))) {
           replaced[repeat.earlier.line - 1].insert(repeat.earlierRecord);
-          Note(CodeFor(repeat, table.text(0)), output_[repeat.earlier.line - 1],
+          Note(CodeFor(repeat, table.Text(0)), output_[repeat.earlier.line - 1],
                "removed a key that line " + Grouped(output_[number - 1].origin) + " sets again");
         }
       }
@@ -231,7 +231,7 @@ class TextRepairer {
 
   static Code CodeFor(const Repeat& repeat, const SourceText& text) {
     const auto valueAt = [&text](LineNumber number) {
-      return NS_ASCII::ParseLine(text.line(number).Loaded()).columns[4];
+      return NS_ASCII::ParseLine(text.LineAt(number).Loaded()).columns[4];
     };
     return valueAt(repeat.place.line) == valueAt(repeat.earlier.line) ? Code::kDuplicateKey
                                                                       : Code::kValueReplaced;

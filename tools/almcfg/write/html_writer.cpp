@@ -118,9 +118,9 @@ class HtmlWriter : public TableWriter {
         content_(std::move(content)),
         findings_(std::move(content_.findings)),
         isShown_(findings_.size()),
-        firstText_(&files.text(0)) {
-    for (std::size_t i = 0; i < files.fileCount(); ++i) {
-      paths_.emplace_back(files.text(i).name());
+        firstText_(&files.Text(0)) {
+    for (std::size_t i = 0; i < files.FileCount(); ++i) {
+      paths_.emplace_back(files.Text(i).Name());
     }
     // The checker reports what concerns a whole file after the file's last line.
     std::stable_sort(findings_.begin(), findings_.end(),
@@ -175,7 +175,7 @@ class HtmlWriter : public TableWriter {
     for (const PlacedFinding& placed : findings_) {
       tally.Add(placed.finding.code);
     }
-    out_ << "<p>" << Counted(files.recordCount(), "key") << " in force, " << Html(Summary(tally))
+    out_ << "<p>" << Counted(files.RecordCount(), "key") << " in force, " << Html(Summary(tally))
          << ". Loaded <time datetime=\"" << Format(time, "%Y-%m-%dT%H:%M:%SZ") << "\">"
          << Format(time, "%Y-%m-%d %H:%M:%S UTC") << "</time> by almcfg " ALMCFG_VERSION " from";
     if (paths_.size() == 1) {
@@ -190,7 +190,7 @@ class HtmlWriter : public TableWriter {
     if (content_.countCalls) {
       out_ << "\n<p>" << Html(content_.callSummary) << "</p>";
     }
-    if (const Place endless = files.endlessLine()) {
+    if (const Place endless = files.EndlessLine()) {
       out_ << "\n<p class=\"alert\" role=\"alert\">A load of these files NEVER ENDS: " << Html(Shown(endless))
            << " is too long. Nothing after it is loaded.</p>";
     }
@@ -228,7 +228,7 @@ class HtmlWriter : public TableWriter {
   }
 
   /// False for the finding of a file without lines.
-  static bool HasLine(Place place) { return place.line <= place.text->lineCount(); }
+  static bool HasLine(Place place) { return place.line <= place.text->LineCount(); }
 
   void WriteRow(Place place, const Range& range, std::initializer_list<std::string_view> cells,
                 std::optional<std::uint64_t> calls = std::nullopt) {
@@ -258,7 +258,7 @@ class HtmlWriter : public TableWriter {
       if (!isShown_[next_]) {
         const Place place = findings_[next_].place;
         WriteRow(place, FindingsOf(place),
-                 {HasLine(place) ? place.text->line(place.line).text : std::string_view()});
+                 {HasLine(place) ? place.text->LineAt(place.line).text : std::string_view()});
       }
     }
   }

@@ -12,7 +12,7 @@ namespace {
 Json ToJson(const SourceText& text, const Finding& finding) {
   const Rule& rule = RuleOf(finding.code);
   Json json;
-  SetText(json, "file", text.name());
+  SetText(json, "file", text.Name());
   json["line"] = finding.line;
   json["column"] = finding.column;
   json["length"] = finding.length;
@@ -20,12 +20,12 @@ Json ToJson(const SourceText& text, const Finding& finding) {
   json["code"] = rule.name;
   json["message"] = finding.message;
   json["hint"] = finding.hint;
-  if (finding.line <= text.lineCount()) {
-    SetText(json, "text", text.line(finding.line).text);
+  if (finding.line <= text.LineCount()) {
+    SetText(json, "text", text.LineAt(finding.line).text);
   }
   if (finding.otherLine != 0) {
     json["otherLine"] = finding.otherLine;
-    SetText(json, "otherText", text.line(finding.otherLine).text);
+    SetText(json, "otherText", text.LineAt(finding.otherLine).text);
   }
   return json;
 }
@@ -41,9 +41,9 @@ class JsonReport : public Report {
 
   void EndFile(const SourceText& text, std::size_t records, bool wasRead) override {
     Json file;
-    SetText(file, "file", text.name());
+    SetText(file, "file", text.Name());
     file["wasRead"] = wasRead;
-    file["lines"] = text.lineCount();
+    file["lines"] = text.LineCount();
     file["records"] = records;
     files_.push_back(std::move(file));
   }

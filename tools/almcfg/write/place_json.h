@@ -11,7 +11,7 @@ namespace almcfg {
 inline Json ToJson(Place place) {
   Json json = nullptr;
   if (place) {
-    SetText(json, "file", place.text->name());
+    SetText(json, "file", place.text->Name());
     json["line"] = place.line;
   }
   return json;

@@ -33,17 +33,17 @@ std::string UriOf(std::string_view path) {
 }
 
 Json Location(const SourceText& text, LineNumber line, const Json& region) {
-  Json place{{"artifactLocation", {{"uri", UriOf(text.name())}}}};
+  Json place{{"artifactLocation", {{"uri", UriOf(text.Name())}}}};
   place["region"] = {{"startLine", line}};
   place["region"].update(region);
   return {{"physicalLocation", std::move(place)}};
 }
 
 Json Region(const SourceText& text, const Finding& finding) {
-  if (finding.line > text.lineCount()) {
+  if (finding.line > text.LineCount()) {
     return Json::object();
   }
-  const std::string_view line = text.line(finding.line).text;
+  const std::string_view line = text.LineAt(finding.line).text;
   const std::size_t begin = std::min(finding.column - 1, line.size());
   const std::size_t start = CharacterCount(line.substr(0, begin)) + 1;
   const std::size_t marked = CharacterCount(line.substr(begin, finding.length));

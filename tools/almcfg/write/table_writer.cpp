@@ -50,14 +50,14 @@ class JsonWriter : public TableWriter {
     SetText(json, "key3", entry.key.key3);
     SetText(json, "number", entry.key.numKey);
     SetText(json, "value", entry.value);
-    SetText(json, "file", entry.place.text->name());
+    SetText(json, "file", entry.place.text->Name());
     json["line"] = entry.place.line;
     out_ << (first_ ? "\n" : ",\n") << Dump(json);
     first_ = false;
   }
 
   void End(const LoadedTable& table) override {
-    out_ << "\n],\n\"endlessLine\":" << Dump(ToJson(table.endlessLine())) << "}\n";
+    out_ << "\n],\n\"endlessLine\":" << Dump(ToJson(table.EndlessLine())) << "}\n";
   }
 
  private:

@@ -37,11 +37,11 @@ void AppendPainted(std::string& out, bool color, const char* paint, std::string_
 }
 
 void AppendSource(std::string& out, const SourceText& text, const Finding& finding, TextStyle style) {
-  if (finding.line > text.lineCount()) {
+  if (finding.line > text.LineCount()) {
     return;
   }
   const Blanks blanks = finding.code == Code::kWrongSeparator ? Blanks::kAll : Blanks::kAtEdges;
-  const Line line = text.line(finding.line);
+  const Line line = text.LineAt(finding.line);
   const Snippet snippet = MakeSnippet(line.text, finding.column, finding.length, blanks,
                                       style.width - std::min(style.width, kMargin));
   out.append("  ").append(snippet.text);
@@ -51,13 +51,13 @@ void AppendSource(std::string& out, const SourceText& text, const Finding& findi
   out += '\n';
   if (finding.otherLine != 0) {
     out.append("  line ").append(std::to_string(finding.otherLine)).append(": ");
-    out.append(LineExcerpt(text.line(finding.otherLine).text)).append("\n");
+    out.append(LineExcerpt(text.LineAt(finding.otherLine).text)).append("\n");
   }
 }
 
 void AppendFinding(std::string& out, const SourceText& text, const Finding& finding, TextStyle style) {
   const Rule& rule = RuleOf(finding.code);
-  std::string where = Printable(text.name());
+  std::string where = Printable(text.Name());
   where.append(":").append(std::to_string(finding.line));
   where.append(":").append(std::to_string(finding.column)).append(":");
   AppendPainted(out, style.color, kBold, where);
