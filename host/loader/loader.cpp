@@ -20,7 +20,6 @@
 #include "host/base/suggest.h"
 #include "host/base/text_escape.h"
 #include "host/loader/call_watch.h"
-#include "host/loader/directive.h"
 #include "host/loader/library_search.h"
 #include "host/loader/mapped_library.h"
 #include "host/platform/bundle_mgr.h"
@@ -256,18 +255,21 @@ void Loader::Process(const std::string& directive) {
   if (parts.verb != "static" && !IsKnownToAce(parts.name)) {
     static_cast<void>(Find(parts.name));
   }
-  DriveByAce(directive);
+  PassToAce(parts, directive);
 }
 
-void Loader::DriveByAce(const std::string& directive) {
+/// Passes `suspend` and `resume` by ACE's functions: an exception of the service through ACE's parser would leak.
+void Loader::PassToAce(const Directive& parts, const std::string& directive) {
   const AceComplaints complaints;
-  bool ok = false;
+  int result = 0;
   try {
-    ok = ACE_Service_Config::process_directive(directive.c_str()) == 0;
+    result = parts.verb == "suspend"  ? ACE_Service_Config::suspend(parts.name.c_str())
+             : parts.verb == "resume" ? ACE_Service_Config::resume(parts.name.c_str())
+                                      : ACE_Service_Config::process_directive(directive.c_str());
   } catch (...) {
     throw Failure("the directive failed: the service threw: " + CurrentExceptionText());
   }
-  if (!ok || !complaints.Text().empty()) {
+  if (result != 0 || !complaints.Text().empty()) {
     throw Failure(WithReason("the directive failed", complaints.Text()));
   }
 }

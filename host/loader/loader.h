@@ -12,6 +12,7 @@
 
 #include "framework/service_object_base.h"
 #include "host/base/words.h"
+#include "host/loader/directive.h"
 #include "host/loader/mapped_library.h"
 #include "host/loader/watched_service.h"
 
@@ -118,7 +119,7 @@ class Loader {
   struct Plan;
 
   void Start(const Plan& plan);
-  void DriveByAce(const std::string& directive);
+  static void PassToAce(const Directive& parts, const std::string& directive);
   void RefuseWhileNeeded(const LoadedBundle& bundle) const;
   void RefuseOldCode(const std::string& library) const;
   void NoteMapped();
