@@ -87,8 +87,8 @@ Action ParseCommand(const Words& words) {
 }
 
 void PrintCommands(std::ostream& out) {
-  constexpr std::size_t kWidth =
-      17;  // A longer usage has a line of its own, so that summaries fit 80 columns.
+  // A longer usage has a line of its own, so that summaries fit 80 columns.
+  constexpr std::size_t kWidth = 17;
   for (const Command& command : Commands()) {
     const std::string usage = Usage(command);
     const bool fits = usage.size() <= kWidth;
