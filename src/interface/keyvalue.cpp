@@ -75,7 +75,7 @@ std::string_view ValueIn(std::string_view rest) {
 
 std::string_view FindValue(std::string_view key, std::string_view text) {
   const auto endsKey = [](char c) { return c == '=' || c == ',' || c == '\0'; };
-  const std::size_t length = std::find_if(key.begin(), key.end(), endsKey) - key.begin();
+  const auto length = static_cast<std::size_t>(std::find_if(key.begin(), key.end(), endsKey) - key.begin());
   if (length == 0 || IsWhiteSpace(key.front()) || (length < key.size() && key[length] != '\0')) {
     return {};  // No trimmed pair has such a key.
   }
