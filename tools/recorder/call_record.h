@@ -88,7 +88,7 @@ class CallRecord {
 
   template <class... T>
   void AppendAll(const std::tuple<const T&...>& values) {
-    std::apply([this](const auto&... each) { (AppendValue(each), ...); }, values);
+    std::apply([&](const auto&... each) { (AppendValue(each), ...); }, values);
   }
 
   template <class T>
