@@ -12,6 +12,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import termios
 import time
 import unittest
 
@@ -44,6 +45,14 @@ class Terminal:
         end = plain.index(text) + len(text)
         self.screen = plain[end:]
         return plain[:end]
+
+    def wait_for_lines(self):
+        """Waits until a command reads lines: until the editor has restored the terminal's mode."""
+        deadline = time.monotonic() + DEADLINE
+        while not termios.tcgetattr(self.fd)[3] & termios.ICANON:
+            if time.monotonic() >= deadline:
+                raise AssertionError(f"no command reads lines, saw {self._plain()!r}")
+            self._read(time.monotonic() + 0.01)
 
     def run(self, line):
         """Types a command; returns its output, up to the next prompt."""
@@ -215,8 +224,8 @@ class ConsoleAtATerminal(unittest.TestCase):
         terminal = self.start()
         for _ in range(2):
             terminal.type("run -\r")
-            terminal.wait_for("\r\n")
-            terminal.type("log\n")  # A line end in every mode of the terminal, which changes now.
+            terminal.wait_for_lines()
+            terminal.type("log\n")
             terminal.wait_for("log level: 0")
             terminal.type("\x04")
             terminal.wait_for(PROMPT)
