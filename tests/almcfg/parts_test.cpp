@@ -136,6 +136,14 @@ TEST(Nearest, SpellsOutSmallDifferences) {
   EXPECT_EQ(lineOf("Node\tPort\tDown\t8"), "10 1 column 4 is \"8\", not \"7\"");
 }
 
+TEST(Nearest, FindsKeysWithTheQuotationMarksOfTheWantedOne) {
+  const AlarmKey wanted{"\"A\"", "\"B\"", "Down", "7"};
+  EXPECT_EQ(Nearest(wanted, "\"A\"\t\"B\"\tdown\t7\t1\n"),
+            std::vector<std::string>{"1 1 column 3 is \"down\", not \"Down\" (another case)"});
+  EXPECT_EQ(Nearest(wanted, "\"a\"\t\"B\"\tDown\t7\t1\n"),
+            std::vector<std::string>{"10 1 column 1 is \"\"a\"\", not \"\"A\"\""});
+}
+
 TEST(Nearest, CallsOnlyTheNumberOfColumn4TheSameNumber) {
   EXPECT_EQ(Nearest({"7", "Port", "Down", "7"}, "07\tPort\tDown\t7\t1\n"),
             std::vector<std::string>{"10 1 column 1 is \"07\", not \"7\""});

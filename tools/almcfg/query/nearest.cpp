@@ -91,16 +91,27 @@ std::string Describe(const AlarmKey& wanted, const AlarmKey& present) {
   return areSwapped ? text + (text.empty() ? "" : "; ") + "columns 3 and 4 are swapped" : text;
 }
 
-/// A number for each column. Columns that differ slightly have the same one.
+/// A number for each column. Columns that are equal or differ slightly have the same one.
 using Fingerprint = std::array<std::uint32_t, 4>;
 
-std::uint32_t FingerprintOf(std::string_view text) {
-  std::string form = MeantNumber(text);
-  if (form.empty()) {
-    form = NS_ASCII::TrimView(text);
-    std::transform(form.begin(), form.end(), form.begin(), Lower);
+std::uint32_t FingerprintOf(std::string_view column) {
+  std::string letters;
+  for (const char c : column) {
+    if (c != '"') {
+      letters += Lower(c);
+    }
   }
-  return static_cast<std::uint32_t>(std::hash<std::string>()(form));
+  const std::string_view text = NS_ASCII::TrimView(letters);
+  const std::string number = MeantNumber(text);
+  return static_cast<std::uint32_t>(std::hash<std::string_view>()(number.empty() ? text : number));
+}
+
+Fingerprint FingerprintOf(const AlarmKey& key) {
+  Fingerprint print{};
+  const Columns columns = ColumnsOf(key);
+  std::transform(columns.begin(), columns.end(), print.begin(),
+                 [](std::string_view column) { return FingerprintOf(column); });
+  return print;
 }
 
 /// The wanted keys with the nearest keys visited so far.
@@ -109,19 +120,12 @@ class Search {
   Search(const std::vector<AlarmKey>& wanted, std::size_t count)
       : wanted_(wanted), count_(count), nearest_(wanted.size()) {
     for (const AlarmKey& key : wanted_) {
-      Fingerprint& print = prints_.emplace_back();
-      const Columns columns = ColumnsOf(key);
-      std::transform(columns.begin(), columns.end(), print.begin(), FingerprintOf);
+      prints_.push_back(FingerprintOf(key));
     }
   }
 
   void Visit(const Entry& entry) {
-    Fingerprint print;
-    const Columns columns = ColumnsOf(entry.key);
-    std::transform(columns.begin(), columns.end(), print.begin(), [](std::string_view column) {
-      const std::optional<std::string> inner = Unquoted(column);
-      return FingerprintOf(inner ? *inner : column);
-    });
+    const Fingerprint print = FingerprintOf(entry.key);
     for (std::size_t i = 0; i < wanted_.size(); ++i) {
       if (const std::size_t least = LeastDistance(prints_[i], print); least <= kFarthest) {
         Offer(entry, least, wanted_[i], nearest_[i]);
