@@ -1,11 +1,11 @@
 #include "examples/alarm_agent/message_writer.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <csignal>
 
 #include "examples/alarm_agent/setup_error.h"
+#include "tests/file_size_limit.h"
 #include "tests/temp_directory.h"
 
 namespace alarm_agent {
@@ -39,13 +39,11 @@ TEST(MessageWriter, CountsWhatItCannotWriteAndSaysWhy) {
 TEST(MessageWriter, CountsAMessageThatIsWrittenInPart) {
   const TempDirectory dir;
   MessageWriter writer(dir / "out");
-  rlimit before;
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
   const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit tenBytes{10, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tenBytes), 0);
-  EXPECT_FALSE(writer.Write("twenty characters ab"));
-  setrlimit(RLIMIT_FSIZE, &before);
+  {
+    const FileSizeLimit limit(10);
+    EXPECT_FALSE(writer.Write("twenty characters ab"));
+  }
   std::signal(SIGXFSZ, handler);
   EXPECT_EQ(dir.Read("out"), "twenty cha");
   EXPECT_EQ(writer.Lost(), 1U);

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <stdexcept>
@@ -10,6 +9,7 @@
 #include <thread>
 
 #include "framework/process_exception.h"
+#include "tests/file_size_limit.h"
 #include "tests/recorder/fake_implementation.h"
 #include "tests/recorder/recorded_calls.h"
 #include "tests/temp_directory.h"
@@ -331,16 +331,15 @@ TEST_F(RecordingTest, EveryOneOfManyCallsIsRecordedOrCounted) {
 }
 
 TEST_F(RecordingTest, ADiskThatFillsUpIsReportedOnceAndEndsTheRecording) {
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  const rlimit small{2000, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  Start();
-  for (int i = 0; i < 100; ++i) {
-    EXPECT_EQ(front_.ToUpper("abc"), "<abc>");
+  Recorded recorded;
+  {
+    const FileSizeLimit limit(2000);
+    Start();
+    for (int i = 0; i < 100; ++i) {
+      EXPECT_EQ(front_.ToUpper("abc"), "<abc>");
+    }
+    recorded = Stop();
   }
-  const Recorded recorded = Stop();
-  EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
   EXPECT_THAT(totals_.problem, HasSubstr("calls.jsonl: cannot write: File too large"));
   EXPECT_EQ(problemReported, totals_.problem);
   EXPECT_GT(recorded.records.size(), 0U);
@@ -350,12 +349,10 @@ TEST_F(RecordingTest, ADiskThatFillsUpIsReportedOnceAndEndsTheRecording) {
 }
 
 TEST_F(RecordingTest, ALimitThatTheHeadExceedsStartsNothing) {
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  const rlimit small{10, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  EXPECT_THROW(Start(), std::system_error);
-  EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  {
+    const FileSizeLimit limit(10);
+    EXPECT_THROW(Start(), std::system_error);
+  }
   EXPECT_FALSE(recording_.IsRunning());
 }
 

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,6 +15,7 @@
 #include "host/platform/interface_registry.h"
 #include "host/platform/log_service.h"
 #include "host/platform/log_sink.h"
+#include "tests/file_size_limit.h"
 #include "tests/recorder/fake_implementation.h"
 #include "tests/recorder/recorded_calls.h"
 #include "tests/temp_directory.h"
@@ -190,16 +190,15 @@ TEST_F(RecorderServiceTest, ADiskThatFillsUpIsLoggedAndFailsFini) {
   const FakeBundle bundle;
   Recorder recorder;
   ASSERT_EQ(recorder.Init({"--output", output_}), 0);
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  const rlimit small{4000, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  for (int i = 0; i < 200; ++i) {
-    EXPECT_EQ(Fetch().ToUpper("abc"), "<abc>");
-  }
   int result = 0;
-  const std::string complaint = ComplaintOf([&] { result = recorder.Fini(); });
-  EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  std::string complaint;
+  {
+    const FileSizeLimit limit(4000);
+    for (int i = 0; i < 200; ++i) {
+      EXPECT_EQ(Fetch().ToUpper("abc"), "<abc>");
+    }
+    complaint = ComplaintOf([&] { result = recorder.Fini(); });
+  }
   EXPECT_EQ(result, -1);
   const std::string problem = output_ + ": cannot write: File too large";
   const std::string totals =
