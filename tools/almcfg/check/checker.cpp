@@ -303,11 +303,11 @@ class Checker {
 
 bool IsExactRepeat(const LoadedTable& table, Place place) {
   const std::vector<Repeat> repeats = table.RepeatsOf(place);
-  const std::string_view line = place.text->LineAt(place.line).text;
+  const std::string_view line = TextOf(place);
   const ParsedLine parsed = NS_ASCII::ParseLine(place.text->LineAt(place.line).Loaded());
   return !repeats.empty() && repeats.size() == parsed.key1s.size() * parsed.key2s.size() &&
          std::all_of(repeats.begin(), repeats.end(), [&](const Repeat& repeat) {
-           return repeat.earlier.text == place.text && place.text->LineAt(repeat.earlier.line).text == line;
+           return repeat.earlier.text == place.text && TextOf(repeat.earlier) == line;
          });
 }
 

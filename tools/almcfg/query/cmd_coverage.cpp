@@ -125,8 +125,6 @@ void FindUnasked(const LoadedTable& table, Coverage& coverage) {
   end();
 }
 
-std::string_view LineAt(Place place) { return place.text->LineAt(place.line).text; }
-
 void WriteNotServed(std::ostream& out, const std::vector<AnsweredQuery>& queries) {
   for (const AnsweredQuery& asked : queries) {
     out << "  " << Grouped(asked.count) << "  " << Shown(asked.Key()) << '\n';
@@ -146,7 +144,7 @@ void WriteServed(std::ostream& out, const std::vector<AnsweredQuery>& queries, s
 
 void WriteUnasked(std::ostream& out, const std::vector<UnaskedLine>& lines) {
   for (const UnaskedLine& line : lines) {
-    out << "  " << Shown(line.place) << ": " << LineExcerpt(LineAt(line.place)) << '\n';
+    out << "  " << Shown(line.place) << ": " << LineExcerpt(TextOf(line.place)) << '\n';
     for (const std::string& alternative : line.alternatives) {
       out << "      only: " << alternative << '\n';
     }
@@ -230,7 +228,7 @@ void WriteJson(std::ostream& out, const Calls& calls, const Coverage& coverage) 
   json["unasked"] = Json::array();
   for (const UnaskedLine& line : coverage.unasked) {
     Json entry = almcfg::ToJson(line.place);
-    SetText(entry, "text", LineAt(line.place));
+    SetText(entry, "text", TextOf(line.place));
     entry["alternatives"] = line.alternatives;
     json["unasked"].push_back(std::move(entry));
   }

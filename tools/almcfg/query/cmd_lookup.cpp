@@ -66,8 +66,6 @@ Found Find(const Options& options, const LoadedTable& table) {
   return found;
 }
 
-std::string_view LineAt(Place place) { return place.text->LineAt(place.line).text; }
-
 void WriteServed(std::ostream& out, const Found& found) {
   const Entry& serving = found.settings.back();
   if (found.answer.result == 0) {
@@ -77,7 +75,7 @@ void WriteServed(std::ostream& out, const Found& found) {
         << ", and the caller's value is unchanged: " << Quoted(serving.value)
         << " is not a decimal integer\n";
   }
-  out << "served by: " << Shown(serving.place) << ": " << LineExcerpt(LineAt(serving.place)) << '\n';
+  out << "served by: " << Shown(serving.place) << ": " << LineExcerpt(TextOf(serving.place)) << '\n';
   for (auto setting = found.settings.rbegin() + 1; setting != found.settings.rend(); ++setting) {
     out << "replaced:  " << Shown(setting->place) << ": value " << Quoted(setting->value) << '\n';
   }
@@ -88,21 +86,21 @@ void WriteMissing(std::ostream& out, const Found& found) {
       << ": NO LINE serves this key; the caller gets a successful 0\n";
   for (const Neighbour& neighbour : found.nearest) {
     out << "near:      " << Shown(neighbour.place) << ": " << neighbour.difference << "\n             "
-        << LineExcerpt(LineAt(neighbour.place)) << '\n';
+        << LineExcerpt(TextOf(neighbour.place)) << '\n';
   }
 }
 
 Json ToJson(const Entry& setting) {
   Json json = almcfg::ToJson(setting.place);
   SetText(json, "value", setting.value);
-  SetText(json, "text", LineAt(setting.place));
+  SetText(json, "text", TextOf(setting.place));
   return json;
 }
 
 Json ToJson(const Neighbour& neighbour) {
   Json json = almcfg::ToJson(neighbour.place);
   json["difference"] = neighbour.difference;
-  SetText(json, "text", LineAt(neighbour.place));
+  SetText(json, "text", TextOf(neighbour.place));
   return json;
 }
 

@@ -29,6 +29,9 @@ struct Place {
 
 inline bool operator==(const Place& a, const Place& b) { return a.text == b.text && a.line == b.line; }
 
+/// The text of the line.
+inline std::string_view TextOf(Place place) { return place.text->LineAt(place.line).text; }
+
 /// "FILE:LINE", safe to print.
 std::string Shown(Place place);
 

@@ -299,9 +299,10 @@ class LineRepairer {
   }
 
   std::string text_;
-  std::vector<std::size_t> origins_;  // Where each byte of `text_`, and its end, was in the original line.
-  std::string
-      start_;  // While columns are repaired, the blanks before them that stay; `text_` is then trimmed.
+  // Where each byte of `text_`, and its end, was in the original line.
+  std::vector<std::size_t> origins_;
+  // While columns are repaired, the blanks before them that stay; `text_` is then trimmed.
+  std::string start_;
   const RepairRules& rules_;
   const almcfg::KeepsAnswers& keepsAnswers_;
   std::vector<Finding>& repairs_;

@@ -257,8 +257,7 @@ class HtmlWriter : public TableWriter {
     for (; next_ < end; ++next_) {
       if (!isShown_[next_]) {
         const Place place = findings_[next_].place;
-        WriteRow(place, FindingsOf(place),
-                 {HasLine(place) ? place.text->LineAt(place.line).text : std::string_view()});
+        WriteRow(place, FindingsOf(place), {HasLine(place) ? TextOf(place) : std::string_view()});
       }
     }
   }
