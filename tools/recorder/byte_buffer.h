@@ -54,9 +54,10 @@ class ByteBuffer {
       std::memcpy(to, from, size);
     } else if (size >= sizeof(std::uint64_t)) {
       CopyEnds<std::uint64_t>(to, from, size);
+    } else if (size >= sizeof(std::uint32_t)) {
+      CopyEnds<std::uint32_t>(to, from, size);
     } else if (size >= sizeof(std::uint16_t)) {
-      size >= sizeof(std::uint32_t) ? CopyEnds<std::uint32_t>(to, from, size)
-                                    : CopyEnds<std::uint16_t>(to, from, size);
+      CopyEnds<std::uint16_t>(to, from, size);
     } else if (size == 1) {
       *to = *from;
     }
