@@ -1,5 +1,5 @@
-// Reads the dynamic linker's list of libraries. A handle owns one reference to
-// its library, everything else is a copy. One thread at a time.
+// Reads the dynamic linker's list of libraries. A handle owns one reference to its library, everything else is
+// a copy. One thread at a time.
 
 #include "host/loader/mapped_library.h"
 
