@@ -3,7 +3,8 @@
 
 usage: almcfg_scale.py BUILD [LINES [ROUNDS]]
 
-BUILD is a build directory (build/release). Each contestant is a process; they take turns, and the best round counts.
+BUILD is a build directory (build/release). Each contestant is a process; they take turns. The shortest time and the largest
+memory of the rounds count.
 """
 
 import os
@@ -32,7 +33,7 @@ def cost(command):
     return usage.ru_utime + usage.ru_stime, usage.ru_maxrss * 1024 / 1e6
 
 
-def best(costs):
+def extremes(costs):
     return min(time for time, _ in costs), max(memory for _, memory in costs)
 
 
@@ -57,7 +58,7 @@ def main():
                 commands["lookup"] = [almcfg, "lookup", file, "Node0000007", "Port07", "Alarm7", "7"]
                 commands["diff"] = [almcfg, "diff", file, file]
             costs = [(cost(load), *map(cost, commands.values())) for _ in range(rounds)]
-            (load_time, load_memory), *others = (best(side) for side in zip(*costs))
+            (load_time, load_memory), *others = (extremes(side) for side in zip(*costs))
             print(f"{name}: {size:.0f} MB; load {load_time:.2f} s, {load_memory:.0f} MB", flush=True)
             for command, (time, memory) in zip(commands, others):
                 print(f"  {command}: {time:.2f} s, {time / load_time:.1f} x the load, {memory:.0f} MB, "

@@ -64,7 +64,7 @@ class Bundle {
 /// `main`.
 std::vector<std::unique_ptr<Bundle>>& Bundles();
 
-/// The directory for this run's files; removed at exit.
+/// The path of a file in this run's directory, which is removed at exit.
 std::string TempFile(const std::string& name);
 
 }  // namespace bench

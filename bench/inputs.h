@@ -18,8 +18,8 @@ struct KeyAndText {
   std::string text;
 };
 
-/// Sentences in mixed case with punctuation and line ends, `bytes` long. With `umlauts`, about one letter in
-/// thirty is a UTF-8 character of ISO-8859-1.
+/// Sentences in mixed case with punctuation and line ends, `bytes` long. With `umlauts`, one letter in 46 is a
+/// two-byte UTF-8 character that ISO-8859-1 has.
 std::vector<std::string> Prose(std::size_t bytes, std::size_t count = kTexts, bool umlauts = false);
 
 /// Texts of `bytes` characters of `alphabet`, each one drawn at random.
@@ -30,17 +30,17 @@ std::string Replaced(const std::string& text, const std::string& from, const std
 
 /// The input of an agent for one alarm.
 struct Alarm {
-  std::string text;               ///< 8 to 16 key=value pairs, 100 to 400 bytes
-  std::vector<std::string> keys;  ///< the 8 keys whose values the agent needs, in any order
+  std::string text;               ///< 8 to 16 key=value pairs, 78 to 350 bytes
+  std::vector<std::string> keys;  ///< the 8 keys whose values the agent needs; the text lacks one in eight
   std::string list;               ///< 4 to 8 entries name=item|item, one of them PATH=item-item
 };
 std::vector<Alarm> Alarms();
 
-/// A key of an alarm's text; with `present` false, one that the text lacks but that starts like others.
+/// For each alarm one of its `keys`; with `present` false, its text's first key and an "x", which it lacks.
 std::vector<KeyAndText> KeysOfAlarms(bool present);
 
-/// Texts of 400 bytes in which every key, and every word of every value, starts with the first letter of the
-/// key asked for, which is the last.
+/// Texts of 397 to 475 bytes in which every key, and every word of every value, starts with the first letter of
+/// the key asked for, which is the last.
 std::vector<KeyAndText> SharedFirstLetters();
 
 /// A question to the alarm configuration, with its answer.

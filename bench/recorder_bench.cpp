@@ -127,7 +127,7 @@ void CompareAll(AsciiUtilInterface& util, int rounds) {
 int main(int argc, char** argv) {
   const int rounds = argc > 1 ? std::atoi(argv[1]) : 1000;
   if (rounds <= 0) {
-    std::fprintf(stderr, "usage: %s [ROUNDS], a number from 1 on\n", argv[0]);
+    std::fprintf(stderr, "usage: %s [ROUNDS], a positive integer\n", argv[0]);
     return 2;
   }
   const bench::Bundle bundle("ours", BENCH_BUNDLE);

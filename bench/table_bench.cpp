@@ -36,7 +36,7 @@ void CompareLookups(Keys keys, const std::string& keyName, std::size_t lines) {
     ours.push_back(LazyOurs(*bundle, config));
   }
   for (const bool hit : {true, false}) {
-    // Enough questions that a lookup does not find the previous round's cache lines.
+    // In large tables, so many that a lookup does not find the cache lines of the previous round.
     const std::size_t count = std::min(4 * lines, std::size_t{1} << 18);
     const std::string name =
         "GetAlmCfgValue/" + PowerName(lines) + " records, " + keyName + (hit ? ", hit" : ", miss");

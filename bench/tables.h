@@ -23,7 +23,7 @@
 #include "tests/literal_rules.h"
 
 /// The alarm configuration of a bundle, and containers that a caller could use instead. Every table has
-///   Table(path)                              loads the file (but `OurTable(bundle)` none)
+///   Table(path)                              loads the file; `OurTable(bundle)` loads none
 ///   std::int64_t Ask(const Question&) const  the configured value; 0 when there is none
 /// and those that may be read on other threads during a load also have
 ///   void Load(path)                          loads another version of the file

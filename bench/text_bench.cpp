@@ -98,7 +98,7 @@ void CompareTimeStamp() {
           "strftime", [](Nothing) { return by_hand::GetTimeStamp(); }, length);
 }
 
-/// A rival's encoding in the library's spelling: lower-case digits, '+' for a space, CR LF for each line end.
+/// A rival's encoding in the library's spelling: lower-case digits, and '+' for a space.
 Text InOurSpelling(Text text) {
   for (std::size_t at = text.find('%'); at != Text::npos; at = text.find('%', at + 1)) {
     text.replace(at + 1, 2, by_hand::ToLower(text.substr(at + 1, 2)));
@@ -115,8 +115,8 @@ TextComparison CompareEncoding(const Text& input, const Texts& texts) {
       .Rival("by hand", [](const Text& text) { return by_hand::GetURLEncoding(text); });
 }
 
-/// For texts whose line ends are CR LF: Boost writes a LF as three characters, and a LF before a letter is
-/// not decoded to a LF.
+/// For texts whose line ends are CR LF. The library writes an LF before a letter as "%a", and Boost as "%0A";
+/// decoding "%a" takes the letter as the second digit.
 void CompareCoding(const Text& input, const Texts& texts) {
   CompareEncoding(input, texts)
       .Rival(
