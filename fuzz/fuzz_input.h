@@ -11,8 +11,8 @@
 /// Shared by all fuzz targets: splitting an input into parts and reporting a property that does not hold.
 namespace fuzz {
 
-/// An input, read from its start. Every text is a copy of exactly its size, so that a sanitizer reports a
-/// read one byte beyond it.
+/// An input, read from its start. A text of more than 15 bytes is a copy in memory of its size and a NUL, so that
+/// AddressSanitizer reports a read beyond the NUL.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : rest_(reinterpret_cast<const char*>(data), size) {}

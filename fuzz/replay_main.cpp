@@ -1,6 +1,6 @@
 // The main program of a fuzz target in builds without libFuzzer: runs the target over each file of the given
-// folders and over every prefix of each, so that fuzz targets build and their corpora are replayed in every
-// build.
+// folders, and over every prefix of the files of up to 2,048 bytes, so that fuzz targets build and their corpora
+// are replayed in every build.
 //
 //   TARGET FOLDER...
 

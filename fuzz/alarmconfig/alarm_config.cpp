@@ -1,6 +1,6 @@
 // The alarm configuration file.
 //
-// Holds for every file whose lines are within the limit (required: a longer line never ends its load):
+// Holds for every file whose lines are within the limit (required: the load of a longer line never ends):
 //   1. the same entries with the same values as the literal rules, in the same order; the same third columns
 //   2. the same messages about the same texts, in the same order
 //   3. loading once more changes no entry
