@@ -1,6 +1,5 @@
-# Where things are installed to. On Debian libraries go to the directory of their architecture for every prefix, not only
-# for /usr: the dynamic linker, pkg-config and CMake look there below /usr/local too, and the packages, which are made from
-# the same build, need it.
+# Where files are installed. On Debian, libraries go to the directory of their architecture for every prefix, not only for
+# /usr: the dynamic linker, pkg-config and CMake look there below /usr/local too.
 
 if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_INSTALL_LIBDIR AND CMAKE_LIBRARY_ARCHITECTURE
    AND EXISTS /etc/debian_version)
