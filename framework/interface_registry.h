@@ -12,9 +12,9 @@
 /// The process-wide registry of interfaces by name. Names are byte strings, compared exactly.
 namespace NS_BUNDLEMGR1 {
 
-/// Registers `interface` under `name` and returns 0. The registry borrows the pointer;
-/// `ServiceObjectBase::UnRegistSvc` removes it. If the name is registered again, lookups find the interface
-/// that was registered last.
+/// Registers `interface`, which must not be null, under `name` and returns 0. The registry borrows the
+/// pointer; `ServiceObjectBase::UnRegistSvc` removes it. If the name is registered again, lookups find the
+/// interface that was registered last.
 PLATFORM_API int SetIFBuf(const std::string& name, ServiceInterface* interface);
 
 /// The interfaces registered under `name`; the one registered last comes first. Null when there are none; a

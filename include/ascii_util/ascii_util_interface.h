@@ -78,8 +78,8 @@ class PLATFORM_API AsciiUtilInterface : public NS_BUNDLEMGR1::ServiceInterface {
   /// Pairs are trimmed, but blanks next to the "=" belong to the key or the value. The first matching pair
   /// wins; its value ends before the next comma or at the end of the text. Required: for a value that is
   /// empty, is only white space or starts with a NUL, the result is the whole rest of the text, its right end
-  /// trimmed (",B=2" for A in "A=,B=2 "). Keys end at their first NUL; a `key` that is then empty or contains
-  /// "=" or "," is never found.
+  /// trimmed (",B=2" for A in "A=,B=2 "). Keys end at their first NUL; a `key` that is then empty, starts
+  /// with white space or contains "=" or "," is never found.
   virtual std::string GetKeyValue(const std::string& key, const std::string& text) = 0;
 
   /// Slot 13. Fills `map` (out, emptied first) from comma-separated entries name=item|item. Items of the

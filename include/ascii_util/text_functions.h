@@ -35,14 +35,14 @@ namespace NS_ASCII {
 
 /// Converts `text` to ISO-8859-1 and percent-encodes it in the manner of web forms.
 ///
-/// Letters, digits and `-._*` stay, a space becomes '+', every other byte becomes '%' and its value in
+/// Letters, digits and `-._*` stay, a blank becomes '+', every other byte becomes '%' and its value in
 /// lower-case hexadecimal **without a leading zero** ("%9" for tab). Differs from RFC 3986 and from HTML
 /// forms in that, and in the encoding of line ends: CR LF gives "%0d%0a", and so does an LF before an escaped
 /// byte or at the end; an LF before any other byte gives "%a", a lone CR "%d". Required: a CR before a byte
 /// 0xA0 to 0xAF is encoded like one before LF ("%0d%0a9" for CR, 0xA9).
 [[nodiscard]] PLATFORM_API std::string GetURLEncoding(std::string text);
 
-/// Decodes '+' to space and percent escapes to bytes; converts no code set.
+/// Decodes '+' to a blank and percent escapes to bytes; converts no code set.
 ///
 /// Up to two characters after a '%', those before the next '%' and the end of the text, are consumed and read
 /// as C++ streams read a hexadecimal integer: a sign, white space and "0x" are accepted, one digit is enough,

@@ -6,7 +6,7 @@
 namespace NS_ASCII {
 
 AlarmArena::Ref AlarmArena::Allocate(std::size_t bytes) {
-  // Every unit has a number of 32 bits, and another chunk would have units without one.
+  // The numbers of all units fit into 32 bits; those of one more chunk would not.
   static_assert(FirstOf(kChunks) <= std::uint64_t{1} << 32 && FirstOf(kChunks + 1) > std::uint64_t{1} << 32);
   const std::uint64_t units = bytes / kUnitBytes + (bytes % kUnitBytes != 0 ? 1 : 0);
   std::uint64_t first = next_;

@@ -10,7 +10,7 @@
 
 namespace NS_ASCII {
 
-/// Memory for the nodes and texts of the alarm table, called pieces. A piece never moves; all are freed
+/// Allocates pieces of memory for the nodes and texts of the alarm table. A piece never moves; all are freed
 /// together.
 ///
 /// A piece is identified by a 32-bit number instead of a pointer, which halves the size of references to it.

@@ -22,8 +22,8 @@ using FieldList = std::vector<std::string>;
 /// Invariants: records are added or get a new value, and are never removed; a line with an empty or a sixth
 /// part adds nothing.
 ///
-/// Threads: one thread at a time loads or inserts. Any thread may call `GetValue` and `FindValue` at any time,
-/// also during a load, and `Instance`.
+/// Threads: one thread at a time loads or inserts. Any thread may call `Instance`, `GetValue` and `FindValue`
+/// at any time, also during a load.
 /// Errors: bad content is logged or ignored, never thrown. Exhausted memory throws `std::bad_alloc`;
 /// exceptions of the logger reach the caller.
 /// Binary contract: the virtual table has the one slot of `LoadConfig`, so the destructor is not virtual.
@@ -43,7 +43,8 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
   /// read, the stream never reaches it and the call never returns.
   virtual int LoadConfig(const char* path);
 
-  /// Adds the record, or sets the value of the entry with an equal key; adds the third column to its set.
+  /// Adds the record, or sets the value of the entry with an equal key; adds column 3 to the set of third
+  /// columns.
   void InsertRecord(const AlarmConfigRecord& record);
 
   /// Copies the value for `key`, whose own `value` is ignored, to `value` and returns 0; returns -1, `value`

@@ -31,8 +31,8 @@ bool ComesBefore(const AlarmKey& a, const AlarmKey& b);
 ///     the table is destroyed: a reader that holds one can finish, and misses only entries that were inserted
 ///     after it began.
 ///  4. A new value for an entry is a new number in its node, published by one atomic store. The number
-///     identifies an immutable text of the value pool, which stores equal texts once: reloading a file takes
-///     no memory.
+///     identifies an immutable text of the value pool, which stores equal texts once: loading the same file
+///     again takes no memory.
 ///  5. There is always a free slot, so every probe ends.
 ///  6. The hash key is random, so the author of a file cannot choose keys that collide. No result depends on
 ///     it.

@@ -15,8 +15,8 @@ namespace NS_ASCII {
 /// (`GetAlmCfgValue` and `IsKeyValueAboveOne`: `Str2Num`; `ParseListMap` and its entries: `SplitStr`) call it
 /// through the virtual table, so that a derived class may override it.
 ///
-/// Platform functions (`strtol`, `time`, `gmtime_r`, `sprintf_s`, `NSTE_util`, the configuration items) are
-/// called each time and nothing is cached; the locale is looked up for each text. Threads: any, at any time.
+/// Every call calls the C library (`strtol`, `time`, `gmtime_r`) and the platform (`sprintf_s`, `NSTE_util`,
+/// the configuration items) again and looks up the locale; nothing is cached. Threads: any, at any time.
 class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
  public:
   ~AsciiUtilInterfaceImpl() override;
@@ -44,12 +44,11 @@ class AsciiUtilInterfaceImpl : public AsciiUtilInterface {
   std::int64_t WriteDbgLog(const std::string& message) override;
 
  private:
-  /// Splits `source` at its first character that is one of `delimiters` and returns true: `head` is what
-  /// precedes it. Required: `tail` is what remains after skipping `delimiters.size()` characters from that
-  /// character on, although only one of the delimiters matched. With several delimiters this may skip more
-  /// than `source` has; then `std::out_of_range` is thrown and `head` is already set. Without such a
-  /// character the result is false and both are unchanged. Required: this function and `ParseListEntry` are
-  /// members of the class.
+  /// Finds the first character of `source` that is one of `delimiters`. Sets `head` to the text before it and
+  /// returns true; returns false, `head` and `tail` unchanged, when there is none.
+  /// Required: `tail` begins `delimiters.size()` characters after the start of that delimiter, not one. When
+  /// `source` ends before that, `std::out_of_range` is thrown, with `head` set.
+  /// Required: this function and `ParseListEntry` are members of the class.
   static bool SplitFirst(const std::string& source, std::string& head, std::string& tail,
                          const std::string& delimiters);
 

@@ -11,7 +11,7 @@
 namespace NS_ASCII {
 namespace {
 
-/// Whether the key may start at `at`: its first byte is there, and a "=" or NUL follows where the key ends.
+/// Whether the key may start at `at`: the first byte matches, and "=" or NUL is at the key's length.
 bool MayStart(std::string_view key, const char* at) {
   const char after = at[key.size()];
   return (*at == key.front()) & ((after == '=') | (after == '\0'));
@@ -52,8 +52,8 @@ bool StartsPair(std::string_view text, std::size_t pos) {
   return pos == 0 || text[pos - 1] == ',';
 }
 
-/// The offset of the "=" if the pair at the start of `text`, which is longer than the key, has this key;
-/// otherwise npos.
+/// The offset of the "=" if `text` starts with a pair that has this key; otherwise npos. `text` must be
+/// longer than `key`.
 std::size_t FindEqualsOf(std::string_view key, std::string_view text) {
   std::size_t end = key.size();
   if (text.substr(0, end) != key) {

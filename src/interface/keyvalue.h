@@ -10,7 +10,8 @@ inline bool IsNonEmptyCString(std::string_view text) { return !text.empty() && t
 
 /// The value of `key` in a text of comma-separated key=value pairs, as a view into `text`; empty when no pair
 /// has the key. The first matching pair wins. Pairs are trimmed; keys are compared up to their first NUL.
-/// Required: a value that is empty or starts with NUL is replaced by the rest of the text after the "=".
+/// Required: a value that is empty, is only white space or starts with NUL is replaced by the rest of the
+/// text after the "=".
 /// Pure function; any thread may call it.
 std::string_view FindValue(std::string_view key, std::string_view text);
 

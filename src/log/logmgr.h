@@ -45,7 +45,7 @@ class PosStorage : public ACE_TSS<NS_LOG_SERVICE1::PosForDbg> {
 ///
 /// Required: there is one log manager, created on first use, and only `Release` destroys it. It lies in
 /// static storage. At unload and at process exit only its thread key is freed (see `ModuleState` in
-/// logmgr.cpp); later messages are logged too.
+/// logmgr.cpp); messages after that are logged with an empty position.
 ///
 /// Ownership: `Release` destroys the logger. Nothing in the library calls `Release`, so in production the
 /// logger stays with the log service.

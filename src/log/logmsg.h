@@ -12,7 +12,7 @@
 ///
 /// Threads: any. The logger is read and written without a lock: concurrent first messages may each fetch a
 /// logger, and the last one stored is used. `_g_actualmutex` is held while the library's null interface is
-/// created and while an interface is searched, never during a call into the log service.
+/// created and during the search for an interface, never during a call into the log service.
 ///
 /// Errors: a missing log service, a failed lookup, and an exception of `GetLogger` only drop the message. Any
 /// other exception of the lookup ends the process. Exceptions of the registry and of the logger reach the

@@ -18,7 +18,7 @@ namespace NS_ASCII {
 /// Invariants: no data members. `fini` is declared before `init`: the order of declaration fixes the two
 /// slots that they add to the primary virtual table.
 ///
-/// Threads: the framework calls the factory, the life cycle and the exterminator one at a time; no lock is
+/// Threads: the framework calls the factory, `init`, `fini` and the exterminator one at a time; no lock is
 /// taken. Each `init` loads the file again, while other threads may be using the interface.
 class ii_ascii_util : public NS_BUNDLEMGR1::ServiceObjectBase {
  public:

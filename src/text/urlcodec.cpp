@@ -104,7 +104,7 @@ constexpr std::array<unsigned char, 256> MakeEscapeClasses() {
     classes[static_cast<unsigned char>("0123456789abcdef"[digit])] = digit;
     classes[static_cast<unsigned char>("0123456789ABCDEF"[digit])] = digit;
   }
-  // Each '+' of the text is replaced by a space before escapes are read.
+  // Each '+' of the text is replaced by a blank before escapes are read.
   for (const char space : {' ', '\t', '\n', '\v', '\f', '\r', '+'}) {
     classes[static_cast<unsigned char>(space)] = kSpace;
   }
