@@ -54,7 +54,7 @@ def package_component(package):
 
 class Bill:
     def __init__(self, own, directories):
-        self.own = own              # our files by the name they are asked for
+        self.own = own              # names of our files
         self.directories = directories
         self.components = {}        # package components by reference
         self.reference_of = {}      # package reference by library name
