@@ -61,7 +61,7 @@ int Run(const Options& options) {
   return ok && platform.LogIsComplete() ? 0 : kFailed;
 }
 
-/// Prints the problem; returns the exit code, which after a stop signal is the signal's.
+/// Prints the problem. Returns `exitCode`, or 128 plus the signal's number after a stop signal.
 int Report(const std::exception& problem, int exitCode) {
   std::cerr << "bundle_host: " << host::OneLine(problem.what()) << '\n';  // Flushes std::cout first.
   return host::StopSignal() == 0 ? exitCode : kSignalled + host::StopSignal();

@@ -9,9 +9,9 @@
 namespace host {
 
 /// Suggests a name for a misspelt word. Returns "; did you mean NAME?" with the name of the smallest edit
-/// distance from `word`, ignoring case, and `otherwise` when every distance is larger than a third of the
-/// length of `word` (at least 1). Changing, adding or removing a letter and swapping two neighbours each
-/// count 1. Pure function; any thread may call it.
+/// distance from `word`, ignoring case. Returns `otherwise` when every distance is larger than a third of the
+/// length of `word` (at least 1), and for words over 100 bytes. Changing, adding or removing a letter and
+/// swapping two neighbours each count 1. Pure function; any thread may call it.
 PLATFORM_API std::string DidYouMean(const std::string& word, const std::vector<std::string>& names,
                                     const std::string& otherwise = {});
 

@@ -15,7 +15,7 @@ struct Table {
 };
 
 /// Prints a line of column names, then the rows; every column is as wide as its widest text. Texts are
-/// escaped by `EscapeBytes`.
+/// escaped by `EscapeBytes`; blanks at the ends of lines are removed.
 void PrintTable(std::ostream& out, const Table& table);
 
 /// Prints a JSON array with one object per row, each on its own line: the keys are the column names in lower

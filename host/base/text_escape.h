@@ -6,8 +6,7 @@
 
 #include "framework/visibility.h"
 
-/// Converts byte strings to and from printable text: printable ASCII is unchanged, other bytes are \xNN.
-/// Pure functions; any thread may call them.
+/// Converts bytes that cannot be printed to \xNN, and back. Pure functions; any thread may call them.
 namespace host {
 
 /// Replaces every byte outside printable ASCII, and the backslash, by \xNN with lower-case digits.

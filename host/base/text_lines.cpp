@@ -1,5 +1,4 @@
-// Reads a file line by line and adds the place to problems. The object owns the stream. One thread at a
-// time.
+// Reads a file or a borrowed stream line by line and adds the place to problems. One thread at a time.
 
 #include "host/base/text_lines.h"
 

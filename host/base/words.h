@@ -13,8 +13,8 @@ using Words = std::vector<std::string>;
 /// Splits a command line into words. Pure function; any thread may call it.
 ///
 ///   line  = { blank } { word blank { blank } } ( word | [ "#" comment ] )
-///   word  = piece { piece }; the first one does not start with "#"
-///   piece = one byte that is neither blank nor quote, or the bytes between two equal quotes (' or ")
+///   word  = piece { piece }; the first byte of the word is not "#"
+///   piece = one byte that is neither blank nor quote, or two equal quotes (' or ") with the bytes between them
 ///   blank = space | tab | carriage return
 ///
 /// Between quotes every byte is literal, also the other quote, '#' and the backslash; a text with both quotes

@@ -1,5 +1,5 @@
-// Joins the groups of commands to one table, and parses command lines by it. The table is made on first
-// use and never changes. Main thread only.
+// Joins the groups of commands into one table, and parses command lines. The table is made on first use and
+// never changes. Main thread only.
 
 #include "host/commands/command.h"
 

@@ -14,7 +14,7 @@
 /// and the test of the manual page read it. To add a command, add a row to the function of its group; add the
 /// function of a new group to the list in `Commands` (command.cpp).
 ///
-/// Threads: the program's main thread only, for everything in host/commands.
+/// Threads: the program's main thread only, for everything in host/commands except value.h.
 namespace host {
 
 /// The kind of names that completion offers for a command's arguments.

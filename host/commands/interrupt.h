@@ -4,9 +4,9 @@
 #include "host/base/problem.h"
 
 /// Handles SIGINT, SIGTERM and SIGHUP. The handler stores the first signal: the running command ends at its
-/// next step, bundles are unloaded in order, and the program exits with 128 plus the signal's number. After a
-/// SIGINT, a SIGTERM or SIGHUP is stored instead. Any other second signal ends the process at once, because a
-/// bundle's own code cannot be interrupted.
+/// next step, bundles are unloaded in reverse order, and the program exits with 128 plus the signal's number.
+/// After a SIGINT, a SIGTERM or SIGHUP is stored instead. Any other second signal ends the process at once,
+/// because a bundle's own code cannot be interrupted.
 ///
 /// State: of the process. Threads: signals may arrive on any; only the main thread calls the functions.
 namespace host {

@@ -84,7 +84,7 @@ class RowMaker {
     ((names[At].kind = KindOf<Plain<Args>>(), (kIsOut<Args> ? row.out : row.in).push_back(names[At])), ...);
   }
 
-  /// `next` is the next argument, `nextOut` the next out value at the start of the call.
+  /// `next` is the index of the next argument, `nextOut` that of the next out value's initial value.
   template <class T>
   static void TakeArgument(T& holder, bool isOut, const std::vector<Value>& arguments, std::size_t& next,
                            std::size_t& nextOut) {
@@ -134,7 +134,7 @@ struct TextFunction<Result (*)(Argument)> {
         RowMaker<Result, Argument>::Make(name, {parameter}, [](const Target& target, Argument argument) {
           return reinterpret_cast<Function>(target.function)(static_cast<Argument>(argument));
         });
-    // Linker names do not spell the return type; when only the result is a std::string, the name has the tag
+    // Mangled names omit the return type; when only the result is a std::string, the name has the tag
     // [abi:cxx11].
     const std::string text = "NSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE";
     const std::string end = std::is_same_v<Argument, int>   ? "B5cxx11Ei"

@@ -9,7 +9,7 @@
 #include "host/base/words.h"
 #include "host/commands/value.h"
 
-/// The table of operations that `call` makes. To add one, add a row in operations.cpp.
+/// The table of the operations that the command `call` can call. To add one, add a row in operations.cpp.
 /// The table is immutable. Threads: as for the commands, the main thread.
 namespace host {
 
@@ -29,7 +29,7 @@ struct Answer {
 /// One row.
 struct Operation {
   std::string name;
-  std::string symbol;  ///< a text function's linker name; empty for an operation of the interface
+  std::string symbol;  ///< a text function's mangled name; empty for an operation of the interface
   Kind result = Kind::kText;
   std::vector<Parameter> in;
   std::vector<Parameter> out;  ///< 0 or empty before the call, unless `invoke` receives initial values
@@ -39,7 +39,8 @@ struct Operation {
   std::function<Answer(const Target&, const std::vector<Value>&)> invoke;
 };
 
-/// The interface that is registered as "AsciiUtilInterface"; throws `Failure` when there is none.
+/// The interface that is registered as "AsciiUtilInterface"; throws `Failure` when there is none or it is of
+/// another type.
 NS_ASCII::AsciiUtilInterface* FetchAsciiUtil();
 
 /// All rows: the interface's fourteen operations, then the eight text functions.
@@ -51,7 +52,7 @@ const Operation& FindOperation(const std::string& name);
 /// The names of all rows.
 std::vector<std::string> OperationNames();
 
-/// "NAME IN... -> RESULT [OUT...]".
+/// "NAME IN:KIND... -> KIND, OUT:KIND...": the kind after the arrow is that of the result.
 std::string Synopsis(const Operation& operation);
 
 /// Parses the words from `first` on as the arguments of an operation. Throws `UsageError` with the index of

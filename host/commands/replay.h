@@ -48,16 +48,16 @@ struct Replay {
   bool isConfigurationSame = true;
   std::array<OperationReplay, recording_format::kSignatures.size()> operations;
   std::size_t differences = 0;
-  std::vector<Difference> shown;      ///< the first of them
-  std::size_t problems = 0;           ///< number of lines that are not records
-  std::vector<std::string> reported;  ///< the first of them, as FILE:LINE:COLUMN: reason
+  std::vector<Difference> shown;      ///< the first `ReplayOptions::maxDifferences` of them
+  std::size_t problems = 0;           ///< number of malformed lines, which are skipped
+  std::vector<std::string> reported;  ///< the first ten of them, as FILE:LINE:COLUMN: reason
 };
 
 /// Makes the recorded calls on `interface`, one after the other on this thread. Answers of GetTimeStamp and
-/// WriteDbgLog are not compared, nor those of GetAlmCfgValue while the loaded configuration differs from the
-/// recorded one, unless the options ask for it. Calls of `SplitStr` with an empty separator, which would fill
-/// the memory, are not made and count as different. Throws `Failure` when the file cannot be read or holds no
-/// record.
+/// WriteDbgLog are not compared, nor, unless the options ask for it, those of GetAlmCfgValue when the checksum of
+/// AlarmConfig.csv in the configuration directory differs from the recorded one. Calls of `SplitStr` with an
+/// empty separator, which would fill the memory, are not made and count as different. Throws `Failure` when the
+/// file cannot be read or holds no record, and `Interrupted` after a signal.
 Replay ReplayCalls(const ReplayOptions& options, NS_ASCII::AsciiUtilInterface& interface);
 
 }  // namespace host

@@ -32,7 +32,7 @@ std::vector<std::string> LibraryDirectories();
 std::vector<std::string> Candidates(const std::string& request, bool inWorkingDirectory,
                                     const std::vector<std::string>& directories);
 
-/// Finds the library of a request and loads it in a child process first. Returns its real path. Throws
+/// Finds the library of a request and tries to load it in a child process. Returns its real path. Throws
 /// `UsageError` for an empty request, and `Failure`, starting with the request, when the library is not found
 /// (the message lists the directories searched) or cannot be loaded. `inWorkingDirectory` is as for
 /// `Candidates`.

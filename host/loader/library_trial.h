@@ -10,8 +10,8 @@
 /// Threads: one at a time.
 namespace host {
 
-/// Runs the trial when the program was started as the child, and returns its exit code. Otherwise returns
-/// nothing and makes this program the one that `TryLibrary` starts. To be called first in `main`.
+/// When the program was started as the child, runs the trial and ends the process. Otherwise returns nothing and
+/// makes this program the one that `TryLibrary` starts. To be called first in `main`.
 std::optional<int> RunLibraryTrial(int argc, const char* const* argv);
 
 /// Sets the program that is started for trials; its `main` must call `RunLibraryTrial`. While it is empty, as

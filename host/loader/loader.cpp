@@ -258,7 +258,7 @@ void Loader::Process(const std::string& directive) {
   PassToAce(parts, directive);
 }
 
-/// Passes `suspend` and `resume` by ACE's functions: an exception of the service through ACE's parser would leak.
+/// Does not use ACE's parser for `suspend` and `resume`: it would leak memory when the service throws.
 void Loader::PassToAce(const Directive& parts, const std::string& directive) {
   const AceComplaints complaints;
   int result = 0;

@@ -8,7 +8,7 @@
 #include <vector>
 
 /// The shared libraries of this process: load, look up symbols, list, and explain why one is still mapped.
-/// Paths are real paths, without links. Threads: one at a time.
+/// Paths of `MappedLibrary` are real paths, without links. Threads: one at a time.
 namespace host {
 
 /// Identifies a file and its version: two values differ when the path leads to another file or the file was
@@ -35,7 +35,7 @@ class LibraryHandle {
   /// The address of a symbol that the library or one that it needs defines; null when there is none.
   [[nodiscard]] void* Symbol(const std::string& name) const;
 
-  /// The path that the dynamic linker loaded it from.
+  /// The path that the dynamic linker loaded it from, links not resolved.
   [[nodiscard]] std::string Path() const;
 
  private:
@@ -69,7 +69,7 @@ const MappedLibrary* FindMapped(const std::vector<MappedLibrary>& libraries, con
 /// linker shows it. `libraries` are all mapped libraries, this one included.
 std::string WhyMapped(const std::vector<MappedLibrary>& libraries, const std::string& path);
 
-/// The path of the library that holds `address`; empty when none does.
+/// The path of the library that holds `address`, links not resolved; empty when none does.
 std::string LibraryAt(const void* address);
 
 }  // namespace host

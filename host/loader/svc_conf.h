@@ -10,7 +10,7 @@ namespace host {
 /// Processes a file of ACE service configurator directives in order, one per line; '#' outside quotes starts
 /// a comment. Stops at the first directive that fails and throws `Failure` with "FILE:LINE:COLUMN: message";
 /// the column is that of the directive or of the wrong character. Bundles loaded by then remain loaded.
-/// Threads: that of `loader`, one at a time.
+/// Threads: one at a time, as for `loader`.
 void ProcessSvcConf(Loader& loader, const std::string& file);
 
 }  // namespace host

@@ -98,7 +98,7 @@ class Converter {
       const int problem = Append(convert_, in, rest, converted);
       left -= given - rest;
       // The piece ends inside a character and more input follows: the next piece starts with that character.
-      // When iconv converted nothing, it would not do so in the next call either.
+      // When iconv converted nothing of this piece, the next call would not either.
       const bool isCutByPiece = problem == EINVAL && rest < given && rest < left;
       if (problem != 0 && !isCutByPiece) {
         complete = false;

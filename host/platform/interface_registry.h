@@ -23,8 +23,8 @@ namespace host {
 struct InterfaceName {
   std::string name;
   std::vector<NS_BUNDLEMGR1::ServiceInterface*> interfaces;  ///< the one in use first; borrowed
-  std::uint64_t lookups = 0;                                 ///< number of lookups
-  bool everRegistered = false;                               ///< false: every lookup has failed so far
+  std::uint64_t lookups = 0;
+  bool everRegistered = false;  ///< false: every lookup has failed so far
 };
 
 /// Every name that was ever registered or looked up, in byte order.

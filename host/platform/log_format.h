@@ -15,8 +15,8 @@ namespace host {
 /// for all else: a '%' at the end, '*', %n, and the blank as a flag, so that "100% done" is written verbatim.
 PLATFORM_API bool IsPlainFormat(const char* format);
 
-/// Fills in `format`; returns it verbatim when it is not plain or formatting fails. `values` must match a
-/// plain format, and are not read for any other.
+/// Fills in `format`; returns it verbatim when it is not plain or formatting fails, and "" when it is null.
+/// `values` must match a plain format, and are not read for any other.
 PLATFORM_API std::string FormatText(const char* format, std::va_list values)
     __attribute__((format(printf, 1, 0)));
 

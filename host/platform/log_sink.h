@@ -49,10 +49,11 @@ PLATFORM_API int ParseLogLevel(const std::string& text);
 /// The line for a record, without its line end.
 PLATFORM_API std::string LogLine(const LogRecord& record);
 
-/// Passes the record to ACE, unless its level is below the set one, and to every open capture.
+/// Passes the record to every open capture, and to ACE unless its level is below the set one. While a capture is
+/// open, ACE gets it only if the output is a file.
 PLATFORM_API void WriteLog(const LogRecord& record);
 
-/// While it lives, ACE's output of the process is appended to `file`, or written to standard error when
+/// While it exists, ACE's output of the process is appended to `file`, or written to standard error when
 /// `file` is empty. The destructor restores the previous output. At most one exists at a time.
 ///
 /// When writing to the file fails, one line on standard error reports it, and further records go there.
@@ -72,10 +73,11 @@ class PLATFORM_API LogOutput {
   const unsigned long previousFlags_;
 };
 
-/// Collects what all threads log while it lives, at every level. Records are meanwhile not written to
-/// standard error, where they would appear twice; a log file still receives them.
+/// Collects the records of all threads while it exists, at every level; ACE's own messages are not collected.
+/// Meanwhile no record is written to standard error, where it would appear twice; a log file still receives them.
 class PLATFORM_API LogCapture {
  public:
+  /// Without `keepTexts`, only counts the records.
   explicit LogCapture(bool keepTexts = true);
   ~LogCapture();
   LogCapture(const LogCapture&) = delete;
