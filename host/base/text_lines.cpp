@@ -34,10 +34,10 @@ bool TextLines::Next(std::string& line) {
   const bool isLine = c != kEnd;
   for (; c != kEnd && c != '\n'; c = stream_.get()) {
     if (c == '\0') {
-      Fail(line.size(), "a NUL byte; this is a file of text lines");
+      Fail(line.size(), "a NUL byte; expected a text file");
     }
     if (line.size() == kLongestLine) {
-      Fail(line.size(), "the line is longer than 16 MiB; this is a file of text lines");
+      Fail(line.size(), "the line is longer than 16 MiB; expected a text file");
     }
     line += static_cast<char>(c);
   }

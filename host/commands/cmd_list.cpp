@@ -99,7 +99,7 @@ std::vector<Command> ListCommands() {
        "FILE is \"changed\" when the library's file is not the one that was loaded; BUILD is the build id\n"
        "of the code that runs.\n",
        0, 1, Completes::kNothing, ParseBundles},
-      {"services", "[--json]", "list the living service objects and their interfaces",
+      {"services", "[--json]", "list the existing service objects and their interfaces",
        "INTERFACE is the name that the interface returns; VALID is the result of its IsValid.\n", 0, 1,
        Completes::kNothing, ParseServices},
       {"interfaces", "[--json]", "list the names of the interface registry",

@@ -43,7 +43,7 @@ std::size_t ParseCount(const std::string& text) {
   std::size_t count = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
   if (error != std::errc() || end != text.data() + text.size()) {
-    throw UsageError("replay: --max-differences: '" + text + "' is not a number from 0 on");
+    throw UsageError("replay: --max-differences: '" + text + "' is not an integer of 0 or more");
   }
   return count;
 }
@@ -72,7 +72,7 @@ std::size_t TakeOption(const Words& words, std::size_t at, ReplayCommand& comman
     command.options.file = word;
   } else {
     throw UsageError("replay: '" + word +
-                         "' is not an option of it; it takes one FILE, --operations NAME,..., " +
+                         "' is not an argument of it; there are one FILE, --operations NAME,..., " +
                          "--max-differences N, --compare-configuration and --json",
                      at);
   }
@@ -207,10 +207,11 @@ std::vector<Command> ReplayCommands() {
       {"replay", "FILE [--operations NAME,...] [--max-differences N] [--compare-configuration] [--json]",
        "make the calls of a recording again and compare the answers",
        "Prints the first 20 (--max-differences) calls whose answers differ, and a table by operation with\n"
-       "median durations in nanoseconds; the present ones include the conversion of the file's values into\n"
-       "arguments. Fails when an answer differs. GetTimeStamp and WriteDbgLog are not compared,\n"
-       "nor is GetAlmCfgValue when another AlarmConfig.csv is loaded, unless --compare-configuration asks\n"
-       "for it. Log records of the calls are not shown.\n",
+       "median durations in nanoseconds; NOW_NS includes the conversion of the file's values into "
+       "arguments.\n"
+       "Fails when an answer differs. GetTimeStamp and WriteDbgLog are not compared, nor is GetAlmCfgValue\n"
+       "when AlarmConfig.csv is not the recorded one, unless --compare-configuration asks for it.\n"
+       "Log records of the calls are not shown.\n",
        1, kAnyNumber, Completes::kFiles, ParseReplay},
   };
 }

@@ -66,15 +66,16 @@ Action ParseExpectError(const Words& words) {
 
 std::vector<Command> RunCommands() {
   return {
-      {"run", "FILE", "run commands from a file, one a line; - is standard input",
-       "Stops at the first that fails, with its place; with --keep-going reports each and counts them.\n", 1,
-       1, Completes::kFiles, ParseRun},
+      {"run", "FILE", "run commands from a file, one per line; - is standard input",
+       "Stops at the first command that fails and reports its place. With --keep-going, runs all commands,\n"
+       "reports each that fails and counts them.\n",
+       1, 1, Completes::kFiles, ParseRun},
       {"expect", "TEXT", "fail unless the last command printed the text",
-       "TEXT may be a part of what it printed that starts and ends with whole words and numbers. Several\n"
-       "expect commands in a row check the output of the same command.\n",
+       "TEXT matches anywhere in the output, but not in the middle of a word or number. Several expect\n"
+       "commands in a row check the output of the same command.\n",
        1, 1, Completes::kNothing, ParseExpect},
       {"expect-error", "TEXT", "fail unless the last command failed with the text",
-       "In a file the command before it may fail. TEXT may be a part of the message, as for expect.\n", 1, 1,
+       "In a file the command before it may fail. TEXT matches parts of the message, as for expect.\n", 1, 1,
        Completes::kNothing, ParseExpectError},
   };
 }

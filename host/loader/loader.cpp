@@ -53,7 +53,8 @@ bool IsPlainName(const std::string& name) {
 void RequireScannable(const std::string& name, const std::string& directive) {
   constexpr std::size_t kMost = 4094;
   if (name.size() > kMost) {
-    throw UsageError("'" + name + "' is too long for a name; ACE holds " + std::to_string(kMost) + " bytes");
+    throw UsageError("'" + name + "' is too long for a name; ACE's limit is " + std::to_string(kMost) +
+                     " bytes");
   }
   if (!IsPlainName(name)) {
     throw UsageError(
@@ -64,7 +65,7 @@ void RequireScannable(const std::string& name, const std::string& directive) {
   const std::size_t open = directive.find_first_of("\"'");
   const std::size_t size = open == std::string::npos ? 0 : directive.rfind(directive[open]) - open - 1;
   if (size > kMost) {
-    throw UsageError("the arguments take " + std::to_string(size) + " bytes in a directive, and ACE holds " +
+    throw UsageError("the arguments take " + std::to_string(size) + " bytes in a directive; ACE's limit is " +
                      std::to_string(kMost) + "; have the bundle read them from a file");
   }
 }

@@ -31,7 +31,7 @@ std::string DirectiveIn(std::string_view line) {
     }
   }
   if (quote != '\0') {
-    throw LineError(quoteAt + 1, std::string("the '") + quote + "' is not closed");
+    throw LineError(quoteAt + 1, std::string("the quote ") + quote + " is not closed");
   }
   const std::string_view text = line.substr(0, end);
   const std::size_t start = text.find_first_not_of(kBlanks);

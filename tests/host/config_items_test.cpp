@@ -99,7 +99,7 @@ TEST_F(ConfigItems, AWrongLineIsReportedByPlaceAndChangesNothing) {
            {"[items]\n =3\n", ":2:2: there is no name before the '='; write NAME=INTEGER|"},
            {"[items]\nA=1\n[x]\nA=2\n[items]\n A=1\n",
             ":6:2: 'A' is set a second time; keep one of the lines|"},
-           {std::string("[items]\nA=1\0\n", 13), ":2:4: a NUL byte; this is a file of text lines|"},
+           {std::string("[items]\nA=1\0\n", 13), ":2:4: a NUL byte; expected a text file|"},
            {"\xef\xbb\xbf[items]\n", ":1:1: a byte order mark; save the file without one|"},
        }) {
     EXPECT_EQ(Load(text), problem) << text;

@@ -176,7 +176,7 @@ class Loading(HostTest):
                                                         "one", "two # three", "left"])
 
     def test_more_arguments_than_ace_holds_in_a_directive_are_refused_before_anything_is_called(self):
-        message = ":1:1: the arguments take 4095 bytes in a directive, and ACE holds 4094; have the bundle read them from a file"
+        message = ":1:1: the arguments take 4095 bytes in a directive; ACE's limit is 4094; have the bundle read them from a file"
         directive = f"dynamic talks Service_Object * {broken('talks')}:_make_broken_talks() \"%s\"\n"
         self.assertEqual(self.host("-f", self.write("svc.conf", directive % ("a" * 4094)), "bundles").returncode, 0)
         done = self.host("-f", self.write("svc.conf", directive % ("a" * 4095)), "bundles")
@@ -273,7 +273,7 @@ class Loading(HostTest):
             ("suspend a\0b\n", ":1:10: ", "a NUL byte"),
             ("# x\n\tdynamic a Service_Object * /none.so:_make_a() \"\"\n", ":2:2: ", "/none.so: no such library"),
             (f"dynamic a Service_Object * {BUNDLE}:_make_b() \"\"\n", ":1:1: ", "has no factory _make_b"),
-            ("dynamic a Service_Object * x:_y()\"open\nclosed\"\n", ":1:34: ", "the '\"' is not closed"),
+            ("dynamic a Service_Object * x:_y()\"open\nclosed\"\n", ":1:34: ", "the quote \" is not closed"),
             ("dynamic a Service_Object * x:_y() {\n { }\n", ":1:35: ", "unexpected '{'; stream directives are not supported"),
             (f"dynamic a Service_Object * {BUNDLE}:_make_ii_ascii_util() \"{{\" # {{\n }}\n", ":2:2: ", "unexpected '}'"),
             ("dynamic a Service_Object * x:_y() 'a\"b\n", ":1:35: ", " is not closed"),

@@ -200,7 +200,7 @@ class Files(HostTest):
         os.truncate(path, 1 << 40)
         for arguments in (["run", path], ["--svc-conf", path, "bundles"], ["run", "/dev/zero"]):
             with self.subTest(arguments=arguments):
-                self.assert_fails(self.host(*arguments), 1, ":1:1: a NUL byte; this is a file of text lines")
+                self.assert_fails(self.host(*arguments), 1, ":1:1: a NUL byte; expected a text file")
         os.remove(self.config + "/config_items.ini")
         os.symlink(path, self.config + "/config_items.ini")
         self.assert_fails(self.loaded("items"), 1, "config_items.ini:1:1: a NUL byte")

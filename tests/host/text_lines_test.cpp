@@ -31,7 +31,7 @@ TEST(TextLines, AreReadWithoutTheirEnds) {
 }
 
 TEST(TextLines, WithANulByteAreRejectedWhereItIs) {
-  EXPECT_EQ(ReadAll(std::string("a\nbc\0d\n", 7)), "a|f:2:3: a NUL byte; this is a file of text lines");
+  EXPECT_EQ(ReadAll(std::string("a\nbc\0d\n", 7)), "a|f:2:3: a NUL byte; expected a text file");
 }
 
 TEST(TextLines, WithAByteOrderMarkInTheFirstLineAreRejected) {
@@ -52,7 +52,7 @@ TEST(TextLines, MayHaveSixteenMebibytesAndNoMore) {
   const std::string longest(TextLines::kLongestLine, 'x');
   EXPECT_EQ(ReadAll(longest + "\n").size(), longest.size() + 1);
   EXPECT_EQ(ReadAll("\n" + longest + "x\n"),
-            "|f:2:16777217: the line is longer than 16 MiB; this is a file of text lines");
+            "|f:2:16777217: the line is longer than 16 MiB; expected a text file");
 }
 
 TEST(TextLines, ThatCannotBeReadAreAFailure) {

@@ -260,10 +260,10 @@ expect 'is unmapped'
         self.assertEqual(process.returncode, 143)
 
     def test_wrong_usage_is_named(self):
-        for arguments, reason in ((["f", "--max-differences", "x"], "'x' is not a number from 0 on"),
+        for arguments, reason in ((["f", "--max-differences", "x"], "'x' is not an integer of 0 or more"),
                                   (["f", "--max-differences"], "--max-differences needs a value"),
                                   (["f", "--operations", "Toupper"], "no recorded operation 'Toupper'; did you mean"),
-                                  (["f", "g"], "'g' is not an option of it"),
+                                  (["f", "g"], "'g' is not an argument of it"),
                                   (["--json"], "a FILE is missing")):
             done = self.host("replay", *arguments)
             self.assertEqual(done.returncode, 2, arguments)
