@@ -16,7 +16,7 @@ endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(ascii_util_options INTERFACE -fno-gnu-unique)
 else()
-  # Data that is declared with its lock (host/base/mutex.h) is not used without it.
+  # Rejects uses of data without the lock that it is declared with (host/base/mutex.h).
   target_compile_options(ascii_util_options INTERFACE -Wthread-safety -Werror=thread-safety)
 endif()
 

@@ -15,7 +15,8 @@ endif()
 list(TRANSFORM sbom_targets REPLACE "(.+)" "$<TARGET_FILE:\\1>" OUTPUT_VARIABLE sbom_files)
 # Header libraries cannot be found in the built files, so they are named here.
 set(sbom_headers --compiled-in libcli11-dev --compiled-in nlohmann-json3-dev)
-# The target's libraries, which in a cross build are not the build machine's. A cross compiler lists its own copies first.
+# Where the target's libraries are; a cross build's target is not the build machine. The first two precede the compiler's list,
+# in which a cross compiler's own copies come first.
 set(sbom_directories)
 foreach(dir /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE} /lib/${CMAKE_LIBRARY_ARCHITECTURE}
             ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES} ${ACE_LIBRARY_DIRS})

@@ -35,7 +35,7 @@ def needed(path):
 
 
 def owner(path):
-    """The package that brought the file, with its architecture. The database may know the file by its path before or after
+    """The package that owns the file, with its architecture. The database may know the file by its path before or after
     a merged /usr."""
     for candidate in [path, f"/usr{path}", path.removeprefix("/usr"), str(pathlib.Path(path).resolve())]:
         done = subprocess.run(["dpkg-query", "--search", candidate], text=True, stdout=subprocess.PIPE,
@@ -69,9 +69,9 @@ class Bill:
         self.reference_of[library] = reference
         self.components[reference]["properties"].append({"name": "linked:soname", "value": library})
         for name in needed(path):
-            below = self.package_of(name)
-            if below != reference:
-                self.depends[reference].add(below)
+            dependency = self.package_of(name)
+            if dependency != reference:
+                self.depends[reference].add(dependency)
         return reference
 
     def find(self, library):
