@@ -20,8 +20,8 @@ namespace NS_BUNDLEMGR1 {
 
 /// The arguments of one lookup. All pointers are borrowed.
 struct InterfaceRef {
-  /// The registry's buffer for the name, from `CheckIFBuf`; null when the name has none. A lookup that finds
-  /// an interface elsewhere appends it, so that the next lookup takes the fast path.
+  /// The registry's buffer for the name, from `CheckIFBuf`; null when the name has none. A lookup appends the
+  /// interface that it finds to an empty buffer, so that the next lookup takes the fast path.
   std::vector<ServiceInterface*>* buffer = nullptr;
 
   /// Serialises searches; in production always `_g_actualmutex`. Must be set before a lookup.
