@@ -18,7 +18,7 @@ namespace NS_BUNDLEMGR1 {
 /// `suspend`/`resume` of `ACE_Service_Object`, this class's virtual operations follow in the order below.
 ///
 /// Ownership: the object owns the interface it points to, until `RemoveInterface` destroys it.
-/// Threads: the framework constructs, drives and destroys service objects one at a time. `GetName` and
+/// Threads: the framework constructs, calls and destroys service objects one at a time. `GetName` and
 /// `GetInterface` may be called from any thread between construction and destruction.
 class PLATFORM_API ServiceObjectBase : public ACE_Service_Object {
  public:
