@@ -1,3 +1,6 @@
+// The provider that records every call. It shares no code with the host's, because each function, the base class
+// of service objects included, first records its call.
+
 #include "tests/recording_framework.h"
 
 #include <ace/Thread_Mutex.h>
@@ -309,7 +312,7 @@ ServiceObjectBase::ServiceObjectBase(const char* bundle, const char* service) : 
 ServiceObjectBase::~ServiceObjectBase() {
   Framework::Instance().Called("~ServiceObjectBase", name_);
   Framework::Instance().Withdraw(interface_);
-  delete interface_;
+  ServiceObjectBase::RemoveInterface();
 }
 
 int ServiceObjectBase::UnRegistSvc() {

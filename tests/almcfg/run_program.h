@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/temp_directory.h"
+
 /// Runs the built checker as users run it.
 namespace almcfg_test {
 
@@ -13,8 +15,7 @@ struct Outcome {
   std::string err;
 };
 
-/// Runs almcfg with `arguments` in the project's folder, `input` as its standard input. A run of more than
-/// 30 seconds is ended and counts as ended by a signal.
+/// Runs almcfg with `arguments` in the project's folder, `input` as its standard input.
 Outcome RunAlmcfg(const std::vector<std::string>& arguments, const std::string& input = "");
 
 /// The same in another folder, so that outputs have the names of the files in it without a path.
@@ -30,14 +31,12 @@ std::string ProjectFolder();
 /// A temporary file that is removed with the object.
 class TempFile {
  public:
-  explicit TempFile(const std::string& content);
-  ~TempFile();
-  TempFile(const TempFile&) = delete;
-  TempFile& operator=(const TempFile&) = delete;
+  explicit TempFile(const std::string& content) : path_(directory_.Write("file", content)) {}
 
   [[nodiscard]] const std::string& path() const { return path_; }
 
  private:
+  TempDirectory directory_;
   std::string path_;
 };
 

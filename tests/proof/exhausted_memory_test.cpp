@@ -2,14 +2,12 @@
 // time the operation throws `std::bad_alloc` or drops a message as documented; nothing stays allocated; out
 // values are as documented; the same call works afterwards.
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <new>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,6 +17,7 @@
 #include "src/service/asciiutilsvc.h"
 #include "tests/proof/faults.h"
 #include "tests/recording_fixture.h"
+#include "tests/temp_directory.h"
 
 namespace {
 
@@ -241,14 +240,13 @@ constexpr int kLines = 120;
 
 /// A file whose load grows every table at least once: names in the first column, each line's number in the
 /// fifth.
-std::string WriteConfig() {
-  const std::string path = testing::TempDir() + "exhausted_memory_" + std::to_string(getpid()) + ".csv";
-  std::ofstream file(path);
+std::string ConfigText() {
+  std::ostringstream text;
   for (int i = 0; i < kLines; ++i) {
-    file << "a first key that takes memory " << i << "/b" << i << "\tk2\tthird column " << i << "\t7\tvalue "
+    text << "a first key that takes memory " << i << "/b" << i << "\tk2\tthird column " << i << "\t7\tvalue "
          << i << '\n';
   }
-  return path;
+  return text.str();
 }
 
 std::map<std::string, std::string> ContentOf(const Alarm_Config_Param& config) {
@@ -260,7 +258,8 @@ std::map<std::string, std::string> ContentOf(const Alarm_Config_Param& config) {
 }
 
 TEST_F(ExhaustedMemory, LoadConfigStoresEachRecordWholeOrNotAtAll) {
-  const std::string path = WriteConfig();
+  const TempDirectory directory;
+  const std::string path = directory.Write("AlarmConfig.csv", ConfigText());
   Alarm_Config_Param reference;
   reference.LoadConfig(path.c_str());
   const std::map<std::string, std::string> whole = ContentOf(reference);
@@ -280,12 +279,9 @@ TEST_F(ExhaustedMemory, LoadConfigStoresEachRecordWholeOrNotAtAll) {
     }
   });
   EXPECT_GT(failures, 10);  // At least each table, arena and file buffer allocates.
-  unlink(path.c_str());
 }
 
 TEST_F(ExhaustedMemory, Init) {
-  const std::string dir = testing::TempDir() + "exhausted_memory_init_" + std::to_string(getpid()) + "/";
-  framework.cfgDir = dir;
   NS_ASCII::ii_ascii_util service;
   ASSERT_EQ(service.init(0, nullptr), 0);
   EXPECT_GT(FailEach([&] { service.init(0, nullptr); }, [&] { EXPECT_EQ(service.init(0, nullptr), 0); }), 1);

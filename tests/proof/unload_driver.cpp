@@ -34,6 +34,7 @@
 
 #include "ascii_util/ascii_util_interface.h"
 #include "framework/log_service.h"
+#include "tests/temp_directory.h"
 
 namespace {
 
@@ -318,10 +319,8 @@ std::string NameSeenBy(const char* caller) {
 
 /// Opened with global symbols, which libraries that are loaded later can use, as ACE does.
 void Replaced(const std::string& path, const std::string& other, const char* caller) {
-  const std::filesystem::path directory =
-      std::filesystem::temp_directory_path() / ("unload_driver-" + std::to_string(getpid()));
-  std::filesystem::create_directory(directory);
-  const std::filesystem::path place = directory / "libii_ascii_util.so";
+  const TempDirectory directory;
+  const std::string place = directory / "libii_ascii_util.so";
   std::filesystem::copy_file(path, place);
   std::string before;
   std::string after;
@@ -336,7 +335,6 @@ void Replaced(const std::string& path, const std::string& other, const char* cal
     const Loaded bundle(place, RTLD_GLOBAL);
     after = NameSeenBy(caller);
   }
-  std::filesystem::remove_all(directory);
   Expect(before == "AsciiUtilService", "the caller reaches the bundle");
   Expect(mappings == 0, "a caller that stays does not keep the bundle mapped");
   Expect(after == "OtherService", "the caller reaches the library in the bundle's place");

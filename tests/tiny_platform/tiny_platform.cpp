@@ -1,6 +1,7 @@
 // The smallest provider of the platform that the bundle can use: a registry, a configuration directory from
-// the environment, no configuration items, no other bundles, no log service. It shows what a provider must
-// implement, and proves that the bundle needs nothing that only the host has.
+// the environment, no configuration items, no other bundles, no log service. It shows in one file what a
+// provider must implement, and proves that the bundle needs nothing that only the host has: for both reasons
+// it shares no code with other providers. One thread at a time.
 
 #include <cstdarg>
 #include <cstdio>
@@ -18,8 +19,7 @@
 namespace NS_BUNDLEMGR1 {
 namespace {
 
-/// Buffers are never destroyed, because lookups keep pointers to them. Used by one thread only, so without a
-/// lock.
+/// Buffers are never destroyed, because lookups keep pointers to them.
 std::map<std::string, std::vector<ServiceInterface*>>& Registry() {
   static std::map<std::string, std::vector<ServiceInterface*>> registry;
   return registry;
