@@ -252,12 +252,13 @@ Replay ReplayCalls(const ReplayOptions& options, NS_ASCII::AsciiUtilInterface& i
   if (std::error_code none; std::filesystem::is_directory(options.file, none)) {
     throw Failure(options.file + ": is a directory; give the file that the recorder wrote");
   }
-  // A recording that is still written grows, perhaps by the calls of this replay. A pipe has no size.
-  std::error_code isPipe;
-  const std::uintmax_t end = std::filesystem::file_size(options.file, isPipe);
+  // A recording that is still written grows, perhaps by the calls of this replay. A pipe has no size, which
+  // gives the largest number; files in /proc have the size 0.
+  std::error_code ignored;
+  const std::uintmax_t end = std::filesystem::file_size(options.file, ignored);
   Player player(options, interface);
   recording_format::Reader reader(file);
-  while (isPipe || reader.BytesRead() < end) {
+  while (end == 0 || reader.BytesRead() < end) {
     const auto line = reader.Next();
     if (!line) {
       break;
