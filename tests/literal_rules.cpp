@@ -1,3 +1,6 @@
+// The reference implementation: each rule in the plainest form, without code of the library. Correctness
+// comes before speed.
+
 #include "tests/literal_rules.h"
 
 #include <cctype>

@@ -1,3 +1,6 @@
+// The arguments of the example agent's directive. A mistake must be reported with the options that exist,
+// never ignored.
+
 #include "examples/alarm_agent/agent_options.h"
 
 #include <gtest/gtest.h>

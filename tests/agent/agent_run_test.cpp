@@ -1,3 +1,6 @@
+// The agent's threads when something fails: a thread that cannot be created, a feed that cannot be read.
+// No thread may be left running, and the failure must be reported.
+
 #include "examples/alarm_agent/agent_run.h"
 
 #include <ace/Log_Msg.h>

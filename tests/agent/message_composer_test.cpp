@@ -1,3 +1,6 @@
+// From the line of an alarm to its message. The interface is the bundle's own, except for its clock and
+// configuration, which the tests set.
+
 #include "examples/alarm_agent/message_composer.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,6 @@
+// The file of messages: each is written at once, and one that cannot be written is counted with the
+// reason.
+
 #include "examples/alarm_agent/message_writer.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// Results keep the order of the lines, however long each line takes, and threads work at the same time.
+
 #include "examples/alarm_agent/ordered_pool.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// The table's memory: numbering, alignment, doubling chunks. Limits of 4 GiB and more are reached by
+// setting a private counter, not by allocating.
+
 #include "src/alarmconfig/almarena.h"
 
 #include <gtest/gtest.h>

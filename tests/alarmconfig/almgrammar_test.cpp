@@ -1,3 +1,6 @@
+// Parsing one line: its outcome and, for a rejected line, reason and place. `almcfg` shows both, so they
+// are tested apart from the load.
+
 #include "src/alarmconfig/almgrammar.h"
 
 #include <gmock/gmock.h>

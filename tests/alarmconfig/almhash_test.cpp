@@ -1,3 +1,6 @@
+// The hash of keys: each byte, length and half of the hash key counts. The key is fixed, so that the
+// statistical checks give the same numbers in every run.
+
 #include "src/alarmconfig/almhash.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// Texts stored once: equal texts share a number, also when all hashes are equal, and no text ever moves,
+// because readers keep views of it.
+
 #include "src/alarmconfig/almtextpool.h"
 
 #include <gtest/gtest.h>

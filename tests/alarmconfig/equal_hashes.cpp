@@ -1,3 +1,6 @@
+// Replaces `getrandom`, from which tables get their hash keys. The test program must be linked with
+// --wrap=getrandom.
+
 #include "tests/alarmconfig/equal_hashes.h"
 
 #include <gtest/gtest.h>

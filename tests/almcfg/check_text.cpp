@@ -1,3 +1,5 @@
+// Runs almcfg's checker inside the test program, on a text instead of a file.
+
 #include "tests/almcfg/check_text.h"
 
 #include <utility>

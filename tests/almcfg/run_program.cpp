@@ -1,3 +1,5 @@
+// Starts the built almcfg with temporary files as its standard streams: a pipe could fill up and block it.
+
 #include "tests/almcfg/run_program.h"
 
 #include <fcntl.h>

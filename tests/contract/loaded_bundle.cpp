@@ -1,3 +1,5 @@
+// Loads the built bundle into a test program that exports the recording platform.
+
 #include "tests/contract/loaded_bundle.h"
 
 #include <dlfcn.h>

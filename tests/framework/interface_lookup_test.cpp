@@ -1,3 +1,6 @@
+// The lookup that the header compiles into every bundle: registry first, then a search through all service
+// objects under the lock. Callers were compiled with it, so each step and its order are fixed.
+
 #include "framework/interface_lookup.h"
 
 #include <ace/Thread_Mutex.h>

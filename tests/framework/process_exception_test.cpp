@@ -1,3 +1,5 @@
+// The exception types that cross library boundaries. Required: copying moves the texts out of the source.
+
 #include "framework/process_exception.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// Answers the unit's calls of `time` and `strtol` as the test says. The test program must be linked with
+// --wrap for both.
+
 #include "tests/interface/c_library.h"
 
 #include <cerrno>

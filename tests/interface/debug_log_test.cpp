@@ -1,3 +1,6 @@
+// WriteDbgLog returns 0, also when the log service fails. The log manager keeps its logger, so each test
+// needs its own process.
+
 #include <stdexcept>
 #include <thread>
 

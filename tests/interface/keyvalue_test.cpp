@@ -1,3 +1,6 @@
+// The value of a key in a text of pairs, compared with literal values and, for every short text, with the
+// literal rules.
+
 #include <string>
 
 #include "tests/interface/interface_fixture.h"

@@ -1,3 +1,6 @@
+// Texts of entries as maps of lists. The operations use SplitStr through the virtual table, because
+// subclasses override it.
+
 #include <cstdint>
 #include <string>
 

@@ -1,3 +1,6 @@
+// Texts to numbers as C17's strtol reads them, and the operations that answer with constants. The out
+// value is written also when the text is not a complete number.
+
 #include <cstdint>
 #include <string>
 

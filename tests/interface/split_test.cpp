@@ -1,3 +1,6 @@
+// Splitting at a separator: pieces, aliasing arguments, the number of allocations. Required: an empty
+// separator never ends, which a child process shows.
+
 #include <algorithm>
 #include <memory>
 #include <stdexcept>

@@ -1,3 +1,6 @@
+// Upper case and substrings. The test program runs in the "C" locale; tests/text/locale_test.cpp has the
+// others.
+
 #include <string>
 
 #include "tests/interface/interface_fixture.h"

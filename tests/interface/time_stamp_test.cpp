@@ -1,3 +1,6 @@
+// The time stamp in UTC, from a clock that the test sets. Years that do not fit must yield an empty text
+// and a message.
+
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>

@@ -1,3 +1,6 @@
+// Messages with the thread's debug position: one logger for the process, one record per thread, nothing
+// freed twice. Each test needs its own process.
+
 #include "src/log/logmgr.h"
 
 #include <ace/Log_Category.h>

@@ -1,3 +1,6 @@
+// Ordinary messages: how the shared logger is obtained, and that no failure of the log service reaches the
+// caller.
+
 #include "src/log/logmsg.h"
 
 #include <stdexcept>

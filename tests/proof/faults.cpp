@@ -1,3 +1,6 @@
+// Makes allocations, locks, thread keys and clocks fail. It replaces operator new, and works in any
+// thread.
+
 #include "tests/proof/faults.h"
 
 #include <ace/OS_NS_Thread.h>

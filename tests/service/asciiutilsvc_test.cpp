@@ -1,3 +1,6 @@
+// Factory, `init`, `fini` and exterminator as the framework calls them: the calls of the platform in their
+// order, and the one file that is opened.
+
 #include "src/service/asciiutilsvc.h"
 
 #include <filesystem>

@@ -1,3 +1,6 @@
+// Case mapping follows the current locale, byte by byte, also where long texts take a fast path. The locales
+// are made when the tests are built (see CMakeLists.txt) and found through LOCPATH.
+
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -7,9 +10,6 @@
 
 #include "ascii_util/text_functions.h"
 #include "src/interface/asciiutilifimpl.h"
-
-// Case mapping follows the current locale, byte by byte, also where long texts take a fast path. The locales
-// are made when the tests are built (see CMakeLists.txt) and found through LOCPATH.
 
 namespace {
 

@@ -1,3 +1,6 @@
+// The exported text functions in the "C" locale. Exactly four bytes count as white space, fewer than in
+// the C library.
+
 #include "src/text/strfunctions.h"
 
 #include <gtest/gtest.h>

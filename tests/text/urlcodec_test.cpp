@@ -1,3 +1,6 @@
+// Percent-encoding and decoding, and the converter in front of the encoder. The odd results are required
+// and compared with the literal rules.
+
 #include <string>
 
 #include "ascii_util/text_functions.h"

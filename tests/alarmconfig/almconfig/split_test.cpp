@@ -1,3 +1,6 @@
+// The splitting of a line's fields, which subclasses may call: separators, empty parts and the messages
+// about them.
+
 #include <list>
 #include <string>
 

@@ -1,3 +1,6 @@
+// Inserting records and looking them up without a file; the class's shape, on which existing callers
+// depend.
+
 #include <array>
 #include <string>
 #include <thread>
