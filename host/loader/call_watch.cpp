@@ -49,16 +49,20 @@ void UseSignalStack() {
 
 }  // namespace
 
-CallWatch::CallWatch(const std::string& what, std::chrono::milliseconds limit) {
+CallWatch::CallWatch(const std::string& what, std::chrono::milliseconds limit) noexcept {
   UseSignalStack();
   struct sigaction action {};
   action.sa_sigaction = OnCrash;
   action.sa_flags = SA_SIGINFO | SA_ONSTACK;
-  for (std::size_t at = 0; at < kCrashSignals.size(); ++at) {
-    crashLines[at] = "bundle_host: crashed in " + OneLine(what) + ": " + SignalName(kCrashSignals[at]) + "\n";
-    sigaction(kCrashSignals[at], &action, &previousActions[at]);
+  try {
+    for (std::size_t at = 0; at < kCrashSignals.size(); ++at) {
+      crashLines[at] =
+          "bundle_host: crashed in " + OneLine(what) + ": " + SignalName(kCrashSignals[at]) + "\n";
+      sigaction(kCrashSignals[at], &action, &previousActions[at]);
+    }
+    timer_ = std::thread(&CallWatch::ReportWhenSlow, this, what, limit);
+  } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the call matters more than its watch.
   }
-  timer_ = std::thread(&CallWatch::ReportWhenSlow, this, what, limit);
 }
 
 CallWatch::~CallWatch() {
@@ -67,7 +71,9 @@ CallWatch::~CallWatch() {
     hasEnded_ = true;
   }
   ended_.notify_one();
-  timer_.join();
+  if (timer_.joinable()) {
+    timer_.join();
+  }
   for (std::size_t at = 0; at < kCrashSignals.size(); ++at) {
     struct sigaction current {};
     sigaction(kCrashSignals[at], nullptr, &current);

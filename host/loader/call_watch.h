@@ -15,10 +15,12 @@ namespace host {
 /// - that it crashed, and by which signal. The process then ends by that signal as usual.
 ///
 /// At most one exists at a time; it owns the timer's thread and the process's handlers of crash signals.
-/// The destructor leaves handlers in place that the watched call installed.
+/// Never throws: when threads or memory have run out, the call is made without the missing report. The
+/// destructor leaves handlers in place that the watched call installed.
 class CallWatch {
  public:
-  explicit CallWatch(const std::string& what, std::chrono::milliseconds limit = std::chrono::seconds(3));
+  explicit CallWatch(const std::string& what,
+                     std::chrono::milliseconds limit = std::chrono::seconds(3)) noexcept;
   ~CallWatch();
   CallWatch(const CallWatch&) = delete;
   CallWatch& operator=(const CallWatch&) = delete;

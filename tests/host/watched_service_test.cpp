@@ -1,10 +1,12 @@
 #include "host/loader/watched_service.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <signal.h>
 
 #include <csignal>
 #include <stdexcept>
+#include <thread>
 
 #include "host/loader/call_watch.h"
 
@@ -73,6 +75,51 @@ TEST(WatchedService, LetsNoExceptionOut) {
   calls = {};
   calls.throws = true;
   EXPECT_EQ(Drive(-1).init, "init threw: why");
+}
+
+/// While it exists, no thread can be started: new threads would need a stack that exceeds the address space.
+class NoThreads {
+ public:
+  NoThreads() {
+    pthread_attr_t attributes;
+    pthread_getattr_default_np(&attributes);
+    pthread_attr_getstacksize(&attributes, &before_);
+    Set(std::size_t{1} << 60);
+  }
+  ~NoThreads() { Set(before_); }
+  NoThreads(const NoThreads&) = delete;
+  NoThreads& operator=(const NoThreads&) = delete;
+
+ private:
+  static void Set(std::size_t stackSize) {
+    pthread_attr_t attributes;
+    pthread_getattr_default_np(&attributes);
+    pthread_attr_setstacksize(&attributes, stackSize);
+    pthread_setattr_default_np(&attributes);
+  }
+
+  std::size_t before_ = 0;
+};
+
+TEST(WatchedService, CallsInitAndFiniUnwatchedWhenNoThreadCanBeStarted) {
+  calls = {};
+  const NoThreads none;
+  EXPECT_THROW(std::thread([] {}), std::system_error);
+  const host::ServiceProblems problems = Drive(0);
+  EXPECT_EQ(calls.finis, 1);
+  EXPECT_EQ(problems.init + problems.fini, "");
+}
+
+TEST(CallWatch, RestoresTheHandlersWhenNoThreadCanBeStarted) {
+  struct sigaction before {};
+  struct sigaction after {};
+  sigaction(SIGILL, nullptr, &before);
+  {
+    const NoThreads none;
+    const host::CallWatch watch("a test");
+  }
+  sigaction(SIGILL, nullptr, &after);
+  EXPECT_EQ(after.sa_handler, before.sa_handler);
 }
 
 TEST(CallWatch, RestoresTheHandlersOfCrashesExceptThoseThatTheCallChanged) {
