@@ -64,7 +64,8 @@ std::vector<Command> LoadCommands() {
        Completes::kBundles, ParseInit},
       {"reload", "NAME", "unload a bundle, load its file again and initialise it",
        "init gets the same arguments as before. Refused while another loaded bundle is linked against the\n"
-       "library or, like the recorder, passes calls on to the bundle's interface.\n",
+       "library or, like the recorder, passes calls on to the bundle's interface, and when the library\n"
+       "would stay mapped.\n",
        1, 1, Completes::kBundles, ParseReload},
       {"unload", "NAME", "call fini, destroy the service object and unmap the library",
        "Reports whether the library is still mapped and, if so, why. Other bundles must have dropped the\n"

@@ -3,6 +3,9 @@
 #include "host/loader/directive.h"
 
 #include <algorithm>
+#include <set>
+
+#include "host/base/problem.h"
 
 namespace host {
 namespace {
@@ -47,6 +50,15 @@ bool ParseEndOfDynamic(std::string rest, Directive& directive) {
   return true;
 }
 
+/// Whether ACE's scanner reads `name` as a name: an identifier that is none of its keywords.
+bool IsPlainName(const std::string& name) {
+  constexpr const char* kBytes = "_0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+  const std::set<std::string> keywords{"dynamic", "static", "suspend",        "resume", "remove",  "stream",
+                                       "STREAM",  "Module", "Service_Object", "active", "inactive"};
+  return !name.empty() && (name[0] < '0' || name[0] > '9') &&
+         name.find_first_not_of(kBytes) == std::string::npos && keywords.count(name) == 0;
+}
+
 }  // namespace
 
 Directive ParseDirective(const std::string& text) {
@@ -67,6 +79,26 @@ Directive ParseDirective(const std::string& text) {
     }
   }
   return directive;
+}
+
+void RequireScannable(const std::string& name, const std::string& directive) {
+  constexpr std::size_t kMost = 4094;
+  if (name.size() > kMost) {
+    throw UsageError("'" + name + "' is too long for a name; ACE's limit is " + std::to_string(kMost) +
+                     " bytes");
+  }
+  if (!IsPlainName(name)) {
+    throw UsageError(
+        name +
+        ": not a valid bundle name; ACE accepts letters, digits and '_', not a digit first, and none of "
+        "its keywords, such as 'active'");
+  }
+  const std::size_t open = directive.find_first_of("\"'");
+  const std::size_t size = open == std::string::npos ? 0 : directive.rfind(directive[open]) - open - 1;
+  if (size > kMost) {
+    throw UsageError("the arguments take " + std::to_string(size) + " bytes in a directive; ACE's limit is " +
+                     std::to_string(kMost) + "; have the bundle read them from a file");
+  }
 }
 
 }  // namespace host

@@ -24,6 +24,11 @@ struct Directive {
 /// call it.
 Directive ParseDirective(const std::string& text);
 
+/// Throws `UsageError` when ACE's scanner would reject `name`, the bundle's name in a `dynamic` directive, or
+/// when the name or the string in the directive exceeds its buffer: the bundle would load here and fail in
+/// production.
+void RequireScannable(const std::string& name, const std::string& directive);
+
 }  // namespace host
 
 #endif  // HOST_LOADER_DIRECTIVE_H_

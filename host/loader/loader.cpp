@@ -39,40 +39,9 @@ Words SplitAsAce(const std::string& parameters) {
   return {split.argv(), split.argv() + split.argc()};
 }
 
-/// Whether ACE's scanner reads `name` as a name: an identifier that is none of its keywords.
-bool IsPlainName(const std::string& name) {
-  constexpr const char* kBytes = "_0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-  const std::set<std::string> keywords{"dynamic", "static", "suspend",        "resume", "remove",  "stream",
-                                       "STREAM",  "Module", "Service_Object", "active", "inactive"};
-  return !name.empty() && (name[0] < '0' || name[0] > '9') &&
-         name.find_first_not_of(kBytes) == std::string::npos && keywords.count(name) == 0;
-}
-
-/// Throws when ACE's scanner would reject the name, or when the name or the string in the directive exceeds
-/// its buffer: the bundle would load here and fail in production.
-void RequireScannable(const std::string& name, const std::string& directive) {
-  constexpr std::size_t kMost = 4094;
-  if (name.size() > kMost) {
-    throw UsageError("'" + name + "' is too long for a name; ACE's limit is " + std::to_string(kMost) +
-                     " bytes");
-  }
-  if (!IsPlainName(name)) {
-    throw UsageError(
-        name +
-        ": not a valid bundle name; ACE accepts letters, digits and '_', not a digit first, and none of "
-        "its keywords, such as 'active'");
-  }
-  const std::size_t open = directive.find_first_of("\"'");
-  const std::size_t size = open == std::string::npos ? 0 : directive.rfind(directive[open]) - open - 1;
-  if (size > kMost) {
-    throw UsageError("the arguments take " + std::to_string(size) + " bytes in a directive; ACE's limit is " +
-                     std::to_string(kMost) + "; have the bundle read them from a file");
-  }
-}
-
-/// Whether ACE has a service of that name, a suspended one included.
-bool IsKnownToAce(const std::string& name) {
-  return ACE_Service_Repository::instance()->find(name.c_str(), nullptr, false) == 0;
+/// Whether ACE has a service of that name; with `onlyActive`, one that is not suspended.
+bool IsKnownToAce(const std::string& name, bool onlyActive = false) {
+  return ACE_Service_Repository::instance()->find(name.c_str(), nullptr, onlyActive) == 0;
 }
 
 /// Destroys the service objects that are not in `before`, left by a failed load. Their code must be mapped.
@@ -90,22 +59,16 @@ std::string WithReason(const std::string& problem, const std::string& reason) {
   return reason.empty() ? problem : problem + " (" + reason + ")";
 }
 
-/// A name of the registry that was looked up, with what was registered under it before and is now.
-struct LookedUp {
-  std::string name;
-  std::vector<ServiceInterface*> before;
-  std::vector<ServiceInterface*> now;
-};
-
-/// The names that were looked up since `before`.
-std::vector<LookedUp> LookedUpSince(const std::vector<InterfaceName>& before) {
-  std::vector<LookedUp> names;
+/// The names of the registry that were looked up since `before`: the entry then, empty for a new name, and the
+/// present one.
+std::vector<std::pair<InterfaceName, InterfaceName>> LookedUpSince(const std::vector<InterfaceName>& before) {
+  std::vector<std::pair<InterfaceName, InterfaceName>> names;
   for (const InterfaceName& name : ListInterfaces()) {
     const auto found = std::find_if(before.begin(), before.end(),
                                     [&](const InterfaceName& entry) { return entry.name == name.name; });
     const InterfaceName old = found == before.end() ? InterfaceName() : *found;
     if (name.lookups > old.lookups) {
-      names.push_back({name.name, old.interfaces, name.interfaces});
+      names.emplace_back(old, name);
     }
   }
   return names;
@@ -113,9 +76,9 @@ std::vector<LookedUp> LookedUpSince(const std::vector<InterfaceName>& before) {
 
 /// See `LoadedBundle::wraps`; `own` is the bundle's interface, or null.
 const ServiceInterface* WrappedSince(const std::vector<InterfaceName>& before, const ServiceInterface* own) {
-  for (const LookedUp& name : LookedUpSince(before)) {
-    if (!name.before.empty() && !name.now.empty() && name.now.front() == own) {
-      return name.before.front();
+  for (const auto& [old, now] : LookedUpSince(before)) {
+    if (!old.interfaces.empty() && !now.interfaces.empty() && now.interfaces.front() == own) {
+      return old.interfaces.front();
     }
   }
   return nullptr;
@@ -128,9 +91,9 @@ ServiceInterface* InterfaceOf(ServiceObjectBase* service) {
 /// Suggests why an `init` failed.
 std::string HintAtCause(const std::vector<InterfaceName>& before) {
   std::string hint;
-  for (const LookedUp& name : LookedUpSince(before)) {
-    if (name.now.empty()) {
-      hint += (hint.empty() ? "; looked up and not registered: " : ", ") + name.name;
+  for (const auto& [old, now] : LookedUpSince(before)) {
+    if (now.interfaces.empty()) {
+      hint += (hint.empty() ? "; looked up and not registered: " : ", ") + now.name;
     }
   }
   if (NS_BUNDLEMGR1::GetCfgDirPath().empty()) {
@@ -391,12 +354,8 @@ UnloadReport Loader::Unload(const std::string& name, bool force) {
   }
   Forget(name);
   const std::vector<MappedLibrary> libraries = MappedLibraries();
-  const auto other = std::find_if(bundles_.begin(), bundles_.end(), [&](const LoadedBundle& loaded) {
-    return loaded.library == bundle.library;
-  });
-  if (other != bundles_.end()) {
-    report.whyMapped = "bundle " + other->name + " was loaded from it";
-  } else if (FindMapped(libraries, bundle.library) != nullptr) {
+  report.whyMapped = SharedWith(bundle);
+  if (report.whyMapped.empty() && FindMapped(libraries, bundle.library) != nullptr) {
     report.whyMapped = WhyMapped(libraries, bundle.library);
     stillMapped_.insert(bundle.library);
   }
@@ -404,13 +363,26 @@ UnloadReport Loader::Unload(const std::string& name, bool force) {
   return report;
 }
 
+std::string Loader::SharedWith(const LoadedBundle& bundle) const {
+  const auto other = std::find_if(bundles_.begin(), bundles_.end(), [&](const LoadedBundle& loaded) {
+    return loaded.library == bundle.library && loaded.name != bundle.name;
+  });
+  return other == bundles_.end() ? "" : "bundle " + other->name + " was loaded from it";
+}
+
 const LoadedBundle& Loader::Reload(const std::string& name) {
   const LoadedBundle old = Find(name);
   RefuseWhileNeeded(old);
+  const std::string user = old.ChangedOnDisk() ? SharedWith(old) : "";
+  if (const std::string holder = user.empty() ? KnownHolder(MappedLibraries(), old.library) : user;
+      !holder.empty()) {
+    throw Failure(name + " cannot be reloaded, as " + old.library + " would stay mapped: " + holder);
+  }
   FindLibrary(old.library, false);
+  const bool isActive = IsKnownToAce(name, true);
   const UnloadReport report = Unload(name);
   try {
-    Start({old.library, name, old.library, old.factory, old.arguments});
+    Start({old.library, name, old.library, old.factory, old.arguments, isActive});
   } catch (const Failure& failure) {
     throw Failure(name + " was unloaded, but not loaded again: " + failure.what());
   }

@@ -97,12 +97,14 @@ class Loader {
   UnloadReport Unload(const std::string& name, bool force = false);
 
   /// Unloads the bundle, loads its current file and calls `init` with the arguments of the last successful
-  /// `init`. The bundle then counts as the last one loaded. Returns the bundle.
+  /// `init`. A suspended bundle is loaded inactive. The bundle then counts as the last one loaded. Returns the
+  /// bundle.
   ///
   /// Throws before the unload when other loaded bundles use this one, as for `Unload` (the message names all
-  /// of them), or when the new file cannot be loaded. Throws after the unload, and the message says so, when
-  /// the old library stays mapped, the new file has no factory of the old name, or its factory or `init`
-  /// fails. Throws after the reload when the unload reported a problem.
+  /// of them), when the old library would stay mapped as far as that is known, or when the new file cannot be
+  /// loaded. Throws after the unload, and the message says so, when the old library stays mapped nevertheless,
+  /// the new file has no factory of the old name, or its factory or `init` fails. Throws after the reload when
+  /// the unload reported a problem.
   const LoadedBundle& Reload(const std::string& name);
 
   /// The loaded bundles, in load order.
@@ -122,6 +124,7 @@ class Loader {
   static void PassToAce(const Directive& parts, const std::string& directive);
   void RefuseWhileNeeded(const LoadedBundle& bundle) const;
   void RefuseOldCode(const std::string& library) const;
+  [[nodiscard]] std::string SharedWith(const LoadedBundle& bundle) const;
   void NoteMapped();
   void Forget(const std::string& name);
 

@@ -53,14 +53,6 @@ MappedLibrary Describe(const dl_phdr_info& info) {
   return library;
 }
 
-std::string Join(const std::vector<std::string>& names) {
-  std::string all;
-  for (const std::string& name : names) {
-    all += (all.empty() ? "" : ", ") + name;
-  }
-  return all;
-}
-
 }  // namespace
 
 FileIdentity IdentityOf(const std::string& path) {
@@ -117,26 +109,30 @@ const MappedLibrary* FindMapped(const std::vector<MappedLibrary>& libraries, con
   return found == libraries.end() ? nullptr : &*found;
 }
 
-std::string WhyMapped(const std::vector<MappedLibrary>& libraries, const std::string& path) {
+std::string KnownHolder(const std::vector<MappedLibrary>& libraries, const std::string& path) {
   const MappedLibrary* const library = FindMapped(libraries, path);
-  std::vector<std::string> users;
-  std::vector<std::string> later;
+  if (library == nullptr) {
+    return {};
+  }
+  std::string users;
   for (const MappedLibrary& other : libraries) {
     if (&other != library && other.Needs(*library)) {
-      users.push_back(BaseName(other.path));
-    }
-    if (&other > library) {
-      later.push_back(BaseName(other.path));
+      users += (users.empty() ? "needed by " : ", ") + BaseName(other.path);
     }
   }
-  if (!users.empty()) {
-    return "needed by " + Join(users);
+  return users.empty() && library->isNoDelete ? "it is linked with -z nodelete" : users;
+}
+
+std::string WhyMapped(const std::vector<MappedLibrary>& libraries, const std::string& path) {
+  if (std::string holder = KnownHolder(libraries, path); !holder.empty()) {
+    return holder;
   }
-  if (library->isNoDelete) {
-    return "it is linked with -z nodelete";
+  std::string later;
+  for (const MappedLibrary* other = FindMapped(libraries, path) + 1; other <= &libraries.back(); ++other) {
+    later += (later.empty() ? "loaded after it: " : ", ") + BaseName(other->path);
   }
   return "no loaded library needs it, so a symbol binding or an explicit dlopen holds it; " +
-         (later.empty() ? "no library was loaded after it" : "loaded after it: " + Join(later));
+         (later.empty() ? "no library was loaded after it" : later);
 }
 
 std::string LibraryAt(const void* address) {

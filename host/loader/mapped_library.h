@@ -12,8 +12,20 @@
 namespace host {
 
 /// Identifies a file and its version: two values differ when the path leads to another file or the file was
-/// written. Device, inode, size, and the seconds and nanoseconds of the last change of its contents.
-using FileIdentity = std::tuple<std::uint64_t, std::uint64_t, std::int64_t, std::int64_t, std::int64_t>;
+/// written.
+struct FileIdentity {
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;
+  std::int64_t size = 0;
+  std::int64_t seconds = 0;  ///< of the last change of its contents
+  std::int64_t nanoseconds = 0;
+
+  bool operator==(const FileIdentity& other) const {
+    return std::tie(device, inode, size, seconds, nanoseconds) ==
+           std::tie(other.device, other.inode, other.size, other.seconds, other.nanoseconds);
+  }
+  bool operator!=(const FileIdentity& other) const { return !(*this == other); }
+};
 
 /// The identity of the file at `path`; all zero when there is none.
 FileIdentity IdentityOf(const std::string& path);
@@ -65,8 +77,12 @@ std::vector<MappedLibrary> MappedLibraries();
 /// The library with that path, borrowed from `libraries`; null when there is none.
 const MappedLibrary* FindMapped(const std::vector<MappedLibrary>& libraries, const std::string& path);
 
-/// Explains in one line why the library at `path` is still mapped after its release, as far as the dynamic
-/// linker shows it. `libraries` are all mapped libraries, this one included.
+/// What keeps the library at `path` mapped when it is released, as far as the dynamic linker shows it: the
+/// libraries that need it, or the flag -z nodelete. Empty when it shows nothing, or the library is not in
+/// `libraries`, which are all mapped libraries.
+std::string KnownHolder(const std::vector<MappedLibrary>& libraries, const std::string& path);
+
+/// Explains in one line why the library at `path`, one of `libraries`, is still mapped after its release.
 std::string WhyMapped(const std::vector<MappedLibrary>& libraries, const std::string& path);
 
 /// The path of the library that holds `address`, links not resolved; empty when none does.

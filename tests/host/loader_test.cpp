@@ -41,6 +41,8 @@ std::string ProblemOf(const std::function<void()>& action) {
   return "";
 }
 
+bool IsActive(const char* name) { return ACE_Service_Repository::instance()->find(name, nullptr, true) == 0; }
+
 class LoaderTest : public testing::Test {
  protected:
   LoaderTest() { host::SetTrialProgram(BUNDLE_HOST); }
@@ -184,6 +186,30 @@ TEST_F(LoaderTest, ASecondBundleOfAChangedFileIsRefusedWhileTheFirstIsLoaded) {
   EXPECT_EQ(loader_.Bundles().size(), 2U);
 }
 
+TEST_F(LoaderTest, AReloadOfALibraryThatWouldStayMappedUnloadsNothing) {
+  loader_.Load(Fixture("broken_pinned"), {});
+  EXPECT_EQ(ProblemOf([&] { loader_.Reload("broken_pinned"); }),
+            "broken_pinned cannot be reloaded, as " + Fixture("broken_pinned") +
+                " would stay mapped: it is linked with -z nodelete");
+  EXPECT_EQ(loader_.Bundles().size(), 1U);
+  loader_.Load(Fixture("broken_pair_base"), {});
+  const auto user = host::LibraryHandle::Load(Fixture("broken_pair_user"));
+  EXPECT_THAT(ProblemOf([&] { loader_.Reload("broken_pair_base"); }),
+              EndsWith(" would stay mapped: needed by libbroken_pair_user.so"));
+  EXPECT_EQ(loader_.Bundles().size(), 2U);
+}
+
+TEST_F(LoaderTest, AReloadOfAChangedFileThatTwoBundlesWereLoadedFromUnloadsNothing) {
+  Install("versioned_1", library_);
+  loader_.Process("dynamic one Service_Object * " + library_ + ":_make_versioned()");
+  loader_.Process("dynamic two Service_Object * " + library_ + ":_make_versioned()");
+  EXPECT_EQ(ProblemOf([&] { loader_.Reload("one"); }), "");
+  Install("versioned_2", library_);
+  EXPECT_EQ(ProblemOf([&] { loader_.Reload("one"); }),
+            "one cannot be reloaded, as " + library_ + " would stay mapped: bundle two was loaded from it");
+  EXPECT_EQ(loader_.Bundles().size(), 2U);
+}
+
 TEST_F(LoaderTest, ANoDeleteLibrarySaysSo) {
   loader_.Load(Fixture("broken_pinned"), {});
   EXPECT_EQ(loader_.Unload("broken_pinned").whyMapped, "it is linked with -z nodelete");
@@ -268,16 +294,23 @@ TEST_F(LoaderTest, ABundleThatOnlyRegistersTheSameInterfaceDoesNotUseTheOther) {
 TEST_F(LoaderTest, AnInactiveBundleIsSuspended) {
   const std::string directive =
       "dynamic NAME Service_Object * " + Fixture("broken_talks") + ":_make_broken_talks()";
-  const auto isActive = [](const char* name) {
-    return ACE_Service_Repository::instance()->find(name, nullptr, true) == 0;
-  };
   for (const auto& [name, state, expected] :
        {std::tuple{"plain", "", true}, std::tuple{"on", " active", true},
         std::tuple{"off", " inactive", false}}) {
     std::string text = directive + state;
     loader_.Process(text.replace(text.find("NAME"), 4, name));
-    EXPECT_EQ(isActive(name), expected) << state;
+    EXPECT_EQ(IsActive(name), expected) << state;
   }
+}
+
+TEST_F(LoaderTest, AReloadedBundleIsAsActiveAsBefore) {
+  loader_.Process("dynamic talks Service_Object * " + Fixture("broken_talks") +
+                  ":_make_broken_talks() inactive");
+  loader_.Reload("talks");
+  EXPECT_FALSE(IsActive("talks"));
+  loader_.Process("resume talks");
+  loader_.Reload("talks");
+  EXPECT_TRUE(IsActive("talks"));
 }
 
 TEST_F(LoaderTest, ADirectiveWhoseServiceThrowsFails) {
