@@ -101,7 +101,9 @@ class Script {
   /// Returns "M of N commands failed"; empty when none did.
   std::string Run() {
     for (std::string line; !session_.quitRequested && Next(line);) {
-      ThrowIfInterrupted();  // A signal may have cut the line short.
+      if (StopSignal() != 0) {  // It may have cut the line short.
+        throw Interrupted(lines_.Place(StartOf(line)));
+      }
       if (session_.echo) {
         Echo(session_, line);
       }

@@ -118,7 +118,7 @@ class Signals(HostTest):
         process.stdin.flush()
         self.assertEqual(process.stdout.readline(), "log level: 2\n")
         process.send_signal(signal.SIGTERM)
-        self.assertEqual(self.end(process), (143, "", "bundle_host: interrupted by SIGTERM\n"))
+        self.assertEqual(self.end(process), (143, "", "bundle_host: stdin:5:1: interrupted by SIGTERM\n"))
 
     def test_a_command_that_fails_by_the_signal_ends_with_the_signals_exit_code(self):
         process = self.start("-b", broken("constructor_hangs"), "bundles", start_new_session=True)
