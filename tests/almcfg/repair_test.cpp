@@ -197,6 +197,22 @@ TEST(UnsafeRepair, SplitsALineIntoAtMost10000) {
   EXPECT_EQ(Unsafe(more), more);
 }
 
+TEST(UnsafeRepair, CountsLinesThatAreSplitForTheirLengthToo) {
+  const auto column = [](int alternatives, std::size_t length) {
+    std::string text;
+    for (int i = 0; i < alternatives; ++i) {
+      text += std::string(length, 'x') + std::to_string(i) + '/';
+    }
+    return text;
+  };
+  const std::string rest = '\t' + column(100, 400) + "\tC\t7\t1\n";
+  const std::string split =
+      Unsafe(column(100, 500) + rest);  // Two alternatives of a column are too long together.
+  EXPECT_EQ(std::count(split.begin(), split.end(), '\n'), 10'000);
+  const std::string more = column(101, 500) + rest;
+  EXPECT_TRUE(Unsafe(more) == more);
+}
+
 TEST(Repair, IsLimitedToTheSelectedCodes) {
   RepairRules rules{{}, true};
   rules.codes[static_cast<std::size_t>(Code::kTrailingSlash)] = true;

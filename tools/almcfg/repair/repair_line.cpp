@@ -23,15 +23,15 @@ using Texts = std::vector<std::string>;
 
 bool IsAccepted(std::string_view line) { return NS_ASCII::ParseLine(line).outcome == LineOutcome::kAccepted; }
 
-/// Appends lines for all combinations of the alternatives, each short enough; `columns` gives columns 3 to 5.
-/// False when a single combination is too long.
+/// Appends lines for all combinations of the alternatives, each short enough; `columns` holds columns 3 to 5.
+/// False when a single combination is too long, or there would be more than `kMostLines` lines.
 bool AppendShortLines(const Texts& key1s, const Texts& key2s, Texts& columns, Texts& lines) {
   columns[0] = Join(key1s, '/');
   columns[1] = Join(key2s, '/');
   std::string line = Join(columns, '\t');
   if (line.size() <= kLongestLine) {
     lines.push_back(std::move(line));
-    return true;
+    return lines.size() <= kMostLines;
   }
   const bool splitsFirst = key1s.size() > 1;
   const Texts& whole = splitsFirst ? key1s : key2s;
@@ -56,7 +56,8 @@ std::vector<Texts> GroupsOf(const Texts& texts) {
 }
 
 /// The lines for all combinations of the alternatives, each short enough and with at most five of them;
-/// `columns` gives columns 3 to 5. None when a single combination is too long, or there would be too many lines.
+/// `columns` holds columns 3 to 5. None when a single combination is too long, or there would be more than
+/// `kMostLines` lines.
 std::optional<Texts> SplitAlternatives(const Texts& key1s, const Texts& key2s, Texts columns) {
   const std::vector<Texts> groups1 = GroupsOf(key1s);
   const std::vector<Texts> groups2 = GroupsOf(key2s);
