@@ -180,7 +180,7 @@ const std::vector<CommandSpec>& Commands() {
        "0 a line serves the key with an integer, 1 it does not, 2 could not run"},
       {Command::kDiff,
        "diff",
-       "Say what a reload changes in a running process, and what a restart",
+       "Say what a reload and a restart change in a running process",
        {{"RUNNING", "What the process has loaded; - is standard input"},
         {"NEW", "What it will load; - is standard input"}},
        {StdinNameOption(), FormatOption("json|text", "How to report (default: text)"), ColorOption()},
@@ -243,9 +243,8 @@ void WriteHelp(const CommandSpec& spec) {
       WriteHelpLine(rule.name, rule.summary);
     }
   }
-  std::cout
-      << "\nGive a file or key that starts with \"-\" after \"--\", unless it is a number.\nExit status: "
-      << spec.exitHelp << ".\n";
+  std::cout << "\nGive a file or key that starts with \"-\" after \"--\", unless it is a number.\nExit code: "
+            << spec.exitHelp << ".\n";
 }
 
 /// "-" is standard input, "--" ends the options, and "-" before a digit starts a number.

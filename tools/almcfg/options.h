@@ -20,7 +20,7 @@ enum class Color { kAuto, kAlways, kNever };
 /// The parsed command line.
 struct Options {
   Command command = Command::kCheck;
-  Format format = Format::kText;  ///< a format that the command supports
+  Format format = Format::kText;  ///< kText: the command's default; else one that the command supports
   Color color = Color::kAuto;
   bool strict = false;         ///< check: warnings count; coverage: queries that no line serves count
   bool quiet = false;          ///< check, fix: no totals, no reports of repairs
@@ -62,7 +62,7 @@ struct Parsed {
   int exitCode = kClean;
 };
 
-/// Parses the arguments, the program's name left out.
+/// Parses the arguments, without the program's name.
 Parsed ParseArguments(const std::vector<std::string>& arguments);
 
 }  // namespace almcfg

@@ -13,7 +13,7 @@
 /// views refer to the argument. Pure functions; any thread may call them.
 namespace almcfg {
 
-/// The first byte of `part`, a part of `line`, counted from 0.
+/// The offset of `part`, which is a part of `line`, in it.
 inline std::size_t OffsetIn(std::string_view line, std::string_view part) {
   return static_cast<std::size_t>(part.data() - line.data());
 }

@@ -167,7 +167,7 @@ class Checker {
     std::string message =
         "the line has " + Counted(line_.length, "byte") + ", a load reads 1,022 of them and then NEVER ENDS";
     if (!table_.IsReached({&text_, number_})) {
-      message += " (nor does it get here)";
+      message += " (it does not reach this line: an earlier one is too long)";
     } else if (after != 0) {
       message += ": " + Counted(after, "line") + " after it " + (after == 1 ? "is" : "are") + " never read";
     }

@@ -10,7 +10,7 @@
 namespace almcfg {
 
 /// Reports everything wrong or odd about one file of the table to `sink`, in the order of lines and columns. The
-/// finding that the file holds no record is the last. Of comments, only the length is checked.
+/// finding that the file holds no record is the last. Of comments, only the length and the line end are checked.
 void CheckText(const LoadedTable& table, const SourceText& text, Progress& progress, FindingSink& sink);
 
 /// Whether, for each key of the line, the previous line that set the key is in the same file and has the same

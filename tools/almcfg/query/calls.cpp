@@ -102,7 +102,7 @@ void ReadTable(std::istream& file, LineProblems& problems, Calls& calls) {
     }
     const std::vector<Column> columns = ColumnsOf(text);
     int wanted = 0;
-    std::uint32_t count = 1;  // So small that no sum overflows.
+    std::uint32_t count = 1;  // 32 bits, so that no sum overflows.
     if (columns.size() != 4 && columns.size() != 5) {
       problems.Add(number, 1,
                    "neither a record nor KEY1, KEY2, KEY3, NUMBER and an optional count, separated by TABs");

@@ -35,7 +35,7 @@ struct Calls {
 /// How often the key was asked for.
 std::uint64_t CountOf(const Calls& calls, const NS_ASCII::AlarmKey& key);
 
-/// Reads `options.calls`: a recording, which starts with "{", or a list of queries, one a line: KEY1, KEY2,
+/// Reads `options.calls`: a recording, which starts with "{", or a list of queries, one per line: KEY1, KEY2,
 /// KEY3, NUMBER and optionally a count, separated by TABs; "#" starts a comment line. Bad lines are reported
 /// on the error stream and skipped. Returns false, after a message, when the file cannot be read or holds no
 /// query.

@@ -43,7 +43,7 @@ struct AnsweredQuery {
 /// A line with keys that no query asked for.
 struct UnaskedLine {
   Place place;
-  std::vector<std::string> alternatives;  ///< descriptions of those keys; empty for all keys of the line
+  std::vector<std::string> alternatives;  ///< descriptions of those keys; empty when it is all of them
 };
 
 struct Coverage {
@@ -165,7 +165,7 @@ void WriteText(std::ostream& out, const Calls& calls, const Coverage& coverage) 
     out << "load:        NEVER ENDS at " << Shown(coverage.endlessLine) << '\n';
   }
   if (calls.every != 1) {
-    out << "sample:      one call of " << Grouped(static_cast<std::uint64_t>(calls.every))
+    out << "sample:      one call in " << Grouped(static_cast<std::uint64_t>(calls.every))
         << " was recorded\n";
   }
   if (calls.dropped != 0) {

@@ -20,8 +20,8 @@ struct Neighbour {
 
 /// For each wanted key at most `count` keys in force, nearest first, equally near ones in the order of the
 /// files. Similar keys differ in case, quotation marks, edge blanks or the spelling of the number; in the
-/// order of columns 3 and 4; or in one column, which is entirely different. Those are returned only when there
-/// are no nearer ones. Visits the table once, and compares a few numbers for each pair of keys.
+/// order of columns 3 and 4; or in one column, which is entirely different. Keys of the last kind are returned
+/// only when there are no nearer ones. Visits the table once, and compares a few numbers for each pair of keys.
 std::vector<std::vector<Neighbour>> FindNearest(const LoadedTable& table,
                                                 const std::vector<NS_ASCII::AlarmKey>& wanted,
                                                 std::size_t count);

@@ -22,7 +22,7 @@ enum class Obstacle {
   kTooManyLines,  ///< more than can be counted
 };
 
-/// Why a file could not be read; `what()` is the reason in the system's words.
+/// Why a file could not be read; `what()` is the reason, the system's message where there is one.
 class ReadError : public std::runtime_error {
  public:
   ReadError(const std::string& what, Obstacle why) : std::runtime_error(what), obstacle(why) {}
@@ -30,7 +30,8 @@ class ReadError : public std::runtime_error {
 };
 
 /// Reads the file `path`, or standard input for "-", to its end and passes its bytes to `take` in pieces.
-/// Reads pipes too, but throws `ReadError` for a pipe without a writer, a device and everything unreadable.
+/// Reads pipes, terminals and /dev/null, too. Throws `ReadError` for a pipe without a writer, for any other
+/// device and for what cannot be read.
 void ReadBytes(const std::string& path,
                const std::function<void(const char* bytes, std::size_t count)>& take);
 

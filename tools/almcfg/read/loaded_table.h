@@ -139,7 +139,7 @@ class LoadedTable {
   LineId reached_ = 0;  // The last line that the load reads.
 };
 
-/// Orders and compares keys by their texts.
+/// The texts of a key, by which keys are ordered and compared.
 inline auto AsTuple(const NS_ASCII::AlarmKey& key) {
   return std::tie(key.key1, key.key2, key.key3, key.numKey);
 }

@@ -32,8 +32,8 @@ struct Line {
   [[nodiscard]] std::string_view Loaded() const { return text.substr(0, text.find('\0')); }
 };
 
-/// A file's text in memory, cut into lines. Only the start of an over-long line is kept, so that a file
-/// without line feeds needs about one kilobyte, for every size.
+/// A file's text in memory, cut into lines. Only the start of an over-long line is kept, so the memory for a file
+/// without line feeds does not grow with its size.
 ///
 /// Ownership: views into the lines stay valid until this object, or the object it is moved to, is destroyed.
 /// Threads: any number may read at the same time.

@@ -196,8 +196,8 @@ class HtmlWriter : public TableWriter {
     }
   }
 
-  /// Then a row is [file, line, rank, [[rank, code, message, hint]...], cells...]: five cells of an entry and,
-  /// with calls, their number, or one cell with the text of a line without an entry.
+  /// Each of the rows that follow is [file, line, rank, [[rank, code, message, hint]...], cells...]: five cells of
+  /// an entry and, with calls, their number, or one cell with the text of a line without an entry.
   void StartData() {
     Json files = Json::array();
     for (const std::string_view name : ShortNames(paths_)) {

@@ -56,14 +56,15 @@ inline void Append(std::string& shown, const Glyph& glyph) {
   }
 }
 
-/// The number of bytes of the UTF-8 character that `text` starts with; 0 when it starts with none.
+/// The number of bytes of the UTF-8 character that `text` starts with; 0 when it starts with none. `text` is not
+/// empty.
 std::size_t Utf8Length(std::string_view text);
 bool IsUtf8(std::string_view text);
 
 /// Characters of `text`, a byte that is not UTF-8 counting as one.
 std::size_t CharacterCount(std::string_view text);
 
-/// The text with every unprintable character escaped; blanks are unchanged.
+/// The text with TAB, CR and NUL shown as symbols and other unprintable characters escaped; blanks are unchanged.
 std::string Printable(std::string_view text);
 
 /// The text with unprintable and easily overlooked characters marked: TAB, CR, edge blanks and others.

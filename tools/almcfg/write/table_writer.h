@@ -29,7 +29,7 @@ class TableWriter {
   virtual void End(const LoadedTable& files) = 0;
 };
 
-/// One entry a line: columns 1 to 5 and FILE:LINE, separated by TABs, after a heading that starts with "#".
+/// One entry per line: columns 1 to 5 and FILE:LINE, separated by TABs, after a heading that starts with "#".
 /// Bytes are written unchanged, except to a terminal, which gets them printable.
 std::unique_ptr<TableWriter> MakeTsvWriter(std::ostream& out, bool isTerminal);
 

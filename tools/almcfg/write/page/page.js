@@ -67,12 +67,12 @@
   function range() {
     if (isPrinting) return { start: 0, end: Math.min(view.length, kMostPrinted), top: 0, bottom: 0 };
     const { visible, first, total } = measure();
-    const above = rows.scrollTop / rowHeight;   // As many rows fit above the view's top,
-    const below = (total - rows.scrollTop) / rowHeight;   // and below it.
+    const above = rows.scrollTop / rowHeight;             // How many rows fit above the top of the view,
+    const below = (total - rows.scrollTop) / rowHeight;   // and how many below it.
     const wanted = Math.floor((first - kMargin) / kMargin) * kMargin;
     const start = Math.max(0, wanted, Math.floor(first - above + 0.01));
     const end = Math.min(view.length, wanted + Math.ceil(visible) + 3 * kMargin, Math.ceil(first + below - 0.01));
-    const top = rows.scrollTop - (first - start) * rowHeight;   // Less than 0 when the first row begins above it all.
+    const top = rows.scrollTop - (first - start) * rowHeight;   // Negative when the first row starts above the scrolled area.
     return { start, end, top, bottom: Math.max(0, total - top - (end - start) * rowHeight) };
   }
 
