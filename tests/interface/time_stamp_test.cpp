@@ -34,6 +34,12 @@ TEST_F(GetTimeStamp, WritesTheTimeInUtcInEveryTimeZone) {
   tzset();
 }
 
+// -1 is also what `time` returns when it fails.
+TEST_F(GetTimeStamp, WritesTimesBefore1970) {
+  clockReads = -1;
+  EXPECT_EQ(impl.GetTimeStamp(), "1969-12-31T23:59:59");
+}
+
 TEST_F(GetTimeStamp, PadsMonthDayAndTimeWithZeros) {
   clockReads = 946684800;
   EXPECT_EQ(impl.GetTimeStamp(), "2000-01-01T00:00:00");

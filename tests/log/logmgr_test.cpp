@@ -36,7 +36,6 @@ namespace {
 
 std::atomic<const void*> watched{nullptr};  ///< the memory whose release the test observes
 std::atomic<int> watchedFreed{0};
-std::atomic<bool> aceLocksFail{false};
 int freedBeforeKey = 0;  ///< how often `watched` was freed when a thread key was freed
 /// The next allocation of a record closes this storage, as if the main thread did so at exit.
 std::atomic<NS_ASCII::PosStorage*> closedByNextAllocation{nullptr};
@@ -50,12 +49,7 @@ void NoteFreed(const void* piece) noexcept {
 
 }  // namespace
 
-// The linker redirects ACE's mutex locking to this function (--wrap), so that a test can make it fail.
-extern "C" int __real__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(pthread_mutex_t*);
-extern "C" int __wrap__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(pthread_mutex_t* mutex) {
-  return aceLocksFail ? -1 : __real__ZN6ACE_OS10mutex_lockEP15pthread_mutex_t(mutex);
-}
-
+// The linker redirects ACE's release of thread keys to this function (--wrap).
 extern "C" int __real__ZN6ACE_OS11thr_keyfreeEj(pthread_key_t);
 extern "C" int __wrap__ZN6ACE_OS11thr_keyfreeEj(pthread_key_t key) {
   freedBeforeKey = watchedFreed;
@@ -103,10 +97,7 @@ class LogMgrTest : public recording::FrameworkTest {
     framework.logger = [this] { return lastLogger = new recording::Logger; };
   }
   // The log manager owns its logger.
-  ~LogMgrTest() override {
-    aceLocksFail = false;
-    LogMgr::Release();
-  }
+  ~LogMgrTest() override { LogMgr::Release(); }
 
   recording::Logger* lastLogger = nullptr;
 };
@@ -203,14 +194,6 @@ TEST_F(LogMgrTest, IsOneForThreadsThatStartTogether) {
   EXPECT_THAT(framework.Messages(), SizeIs(4));
 }
 
-TEST_F(LogMgrTest, InstanceIsNullWhenTheStaticObjectLockCannotBeTaken) {
-  aceLocksFail = true;
-  EXPECT_EQ(LogMgr::Instance(), nullptr);
-  EXPECT_THAT(framework.Calls(), IsEmpty());
-  aceLocksFail = false;
-  EXPECT_NE(LogMgr::Instance(), nullptr);
-}
-
 TEST_F(LogMgrTest, ReleaseDestroysTheLoggerAndTheNextInstanceIsNew) {
   LogMgr::Instance()->LogPos("first");
   framework.ForgetCalls();
@@ -228,16 +211,6 @@ TEST_F(LogMgrTest, ReleaseDestroysTheLoggerAndTheNextInstanceIsNew) {
 TEST_F(LogMgrTest, ReleaseWithoutALogManagerDoesNothing) {
   LogMgr::Release();
   EXPECT_THAT(framework.Calls(), IsEmpty());
-}
-
-TEST_F(LogMgrTest, ReleaseDoesNothingWhenTheStaticObjectLockCannotBeTaken) {
-  LogMgr* const manager = LogMgr::Instance();
-  framework.ForgetCalls();
-  aceLocksFail = true;
-  LogMgr::Release();
-  aceLocksFail = false;
-  EXPECT_THAT(framework.Calls(), IsEmpty());
-  EXPECT_EQ(LogMgr::Instance(), manager);
 }
 
 TEST_F(LogMgrTest, ReleaseDestroysTheCallingThreadsRecord) {
@@ -328,39 +301,6 @@ TEST_F(PosStorageTest, CloseOfAnUnusedStorageEndsTheAccess) {
   PosStorage storage;
   storage.Close();
   EXPECT_EQ(storage.Record(), nullptr);
-}
-
-/// Allocates all thread keys that are left, and frees them when it is destroyed.
-class AllKeys {
- public:
-  AllKeys() {
-    pthread_key_t key;
-    while (pthread_key_create(&key, nullptr) == 0) {
-      keys_.push_back(key);
-    }
-  }
-  ~AllKeys() {
-    for (const pthread_key_t key : keys_) {
-      pthread_key_delete(key);
-    }
-  }
-  AllKeys(const AllKeys&) = delete;
-  AllKeys& operator=(const AllKeys&) = delete;
-
- private:
-  std::vector<pthread_key_t> keys_;
-};
-
-TEST_F(PosStorageTest, HasNoRecordWithoutAThreadKeyAndTriesAgain) {
-  LogMgr* const manager = LogMgr::Instance();
-  {
-    const AllKeys none;
-    EXPECT_EQ(StorageOf(manager).Record(), nullptr);
-    manager->LogPos("dropped");
-    EXPECT_THAT(framework.Messages(), IsEmpty());
-  }
-  manager->LogPos("sent");
-  EXPECT_THAT(framework.Messages(), SizeIs(1));
 }
 
 // --- The report of a failed thread slot

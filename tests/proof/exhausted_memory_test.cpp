@@ -86,8 +86,7 @@ TEST_F(ExhaustedMemory, Str2NumWritesItsValueWithoutMemory) {
 }
 
 TEST_F(ExhaustedMemory, GetTimeStamp) {
-  const faults::ClockAt clock(1794733904);
-  FailEachOf([&] { return util.GetTimeStamp(); }, "2026-11-15T09:11:44");
+  FailEachOf([&] { return util.GetTimeStamp().size(); }, std::size_t{19});
 }
 
 TEST_F(ExhaustedMemory, ToUpper) {

@@ -1,4 +1,4 @@
-// Makes allocations, locks, thread keys and clocks fail. It replaces operator new, and works in any
+// Makes allocations, locks and thread keys fail. It replaces operator new, and works in any
 // thread.
 
 #include "tests/proof/faults.h"
@@ -40,8 +40,6 @@ std::array<State, kFaults> states;
 
 State& StateOf(Fault fault) { return states[static_cast<std::size_t>(fault)]; }
 
-std::atomic<const std::time_t*> clockNow{nullptr};
-
 std::function<void()> beforeLock;
 std::atomic<bool> isBeforeLockDue{false};
 
@@ -77,9 +75,6 @@ void NoteLock() {
   }
 }
 
-ClockAt::ClockAt(std::time_t now) { clockNow = new std::time_t(now); }
-ClockAt::~ClockAt() { delete clockNow.exchange(nullptr); }
-
 /// Whether this call of the wrapped function must fail.
 bool IsFailing(Fault fault) {
   State& state = StateOf(fault);
@@ -88,11 +83,6 @@ bool IsFailing(Fault fault) {
     return true;
   }
   return false;
-}
-
-std::time_t Now(std::time_t real) {
-  const std::time_t* const set = clockNow;
-  return set == nullptr ? real : *set;
 }
 
 void* Allocate(std::size_t bytes) noexcept {
@@ -167,15 +157,5 @@ int __wrap__ZN6ACE_OS15thr_setspecificEjPv(ACE_thread_key_t key, void* value) {
   }
   return __real__ZN6ACE_OS15thr_setspecificEjPv(key, value);
 }
-
-std::tm* __real_gmtime_r(const std::time_t* time, std::tm* result);
-std::tm* __wrap_gmtime_r(const std::time_t* time, std::tm* result);
-std::tm* __wrap_gmtime_r(const std::time_t* time, std::tm* result) {
-  return faults::IsFailing(Fault::kTimeBreakDown) ? nullptr : __real_gmtime_r(time, result);
-}
-
-std::time_t __real_time(std::time_t* result);
-std::time_t __wrap_time(std::time_t* result);
-std::time_t __wrap_time(std::time_t* result) { return faults::Now(__real_time(result)); }
 
 }  // extern "C"

@@ -2,7 +2,6 @@
 #define TESTS_PROOF_FAULTS_H_
 
 #include <cstddef>
-#include <ctime>
 #include <functional>
 
 /// Everything outside the bundle that a test can make fail, by name. A fault ends with its object, so no test
@@ -35,9 +34,8 @@ enum class Fault {
   kStorageLock,       ///< taking any other lock: the one of the thread-specific storage
   kKeyCreation,       ///< creating a thread key
   kSlotStore,         ///< storing a thread's record; sets the error number to ENOMEM
-  kTimeBreakDown,     ///< `gmtime_r`
 };
-constexpr std::size_t kFaults = 6;
+constexpr std::size_t kFaults = 5;
 
 /// While it exists, every call of the bundle's objects to the named function fails, on every thread.
 class Failing {
@@ -65,15 +63,6 @@ class BeforeLock {
 
   /// Whether `action` has run.
   [[nodiscard]] bool happened() const;
-};
-
-/// While it exists, the bundle's objects read this clock.
-class ClockAt {
- public:
-  explicit ClockAt(std::time_t now);
-  ~ClockAt();
-  ClockAt(const ClockAt&) = delete;
-  ClockAt& operator=(const ClockAt&) = delete;
 };
 
 }  // namespace faults
