@@ -47,4 +47,12 @@ TEST(ByteBuffer, RejectsWhatExceedsItsLimit) {
   EXPECT_THROW(ByteBuffer(0).AppendText(std::string(1024, 'x')), std::length_error);
 }
 
+TEST(ByteBuffer, DoesNotGrowBeyondItsLimit) {
+  ByteBuffer bytes(1500);
+  bytes.AppendText(std::string(1096, 'x'));
+  EXPECT_THROW(bytes.AppendText(std::string(397, 'x')), std::length_error);
+  bytes.AppendText(std::string(396, 'x'));
+  EXPECT_EQ(bytes.View().size(), 1500U);
+}
+
 }  // namespace

@@ -87,7 +87,7 @@ class ByteBuffer {
     if (size_ > limit_ || count > limit_ - size_) {
       throw std::length_error("ByteBuffer");
     }
-    const std::size_t capacity = std::max(2 * capacity_, size_ + count);
+    const std::size_t capacity = std::max(std::min(2 * capacity_, limit_), size_ + count);
     std::unique_ptr<char[]> larger(new char[capacity]);
     std::memcpy(larger.get(), data_, size_);
     heap_ = std::move(larger);
