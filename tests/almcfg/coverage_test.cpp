@@ -208,7 +208,7 @@ TEST(Coverage, RefusesACountWithWhichASumCouldOverflow) {
 TEST(Coverage, UsesACutRecording) {
   const Outcome outcome = Coverage(Recorded("COM", "BTS", "LOS", 7) + R"({"op":"GetAlm)");
   EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_THAT(outcome.err, HasSubstr("almcfg: CALLS:2:14: the line is cut; the line is skipped\n"));
+  EXPECT_THAT(outcome.err, HasSubstr("almcfg: CALLS:2:14: the line is truncated; the line is skipped\n"));
   EXPECT_THAT(outcome.out, StartsWith("calls:       1 of"));
 }
 

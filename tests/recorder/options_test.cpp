@@ -64,9 +64,9 @@ TEST(RecorderOptions, WhatIsWrongIsNamed) {
 TEST(RecorderOptions, NumbersStartAtOne) {
   for (const char* const number : {"0", "-1", "", "1k", " 1", "18446744073709551616"}) {
     EXPECT_EQ(RefusalOf({"--every", number}),
-              std::string("--every \"") + number + "\" is not a number from 1 on");
+              std::string("--every \"") + number + "\" is not a positive integer");
     EXPECT_EQ(RefusalOf({"--limit", number}),
-              std::string("--limit \"") + number + "\" is not a number from 1 on");
+              std::string("--limit \"") + number + "\" is not a positive integer");
   }
 }
 

@@ -127,8 +127,8 @@ TEST(RecordingReader, MembersThatAreNotKnownAreIgnored) {
 }
 
 TEST(RecordingReader, ACutLineIsSaidToBeCut) {
-  EXPECT_EQ(ProblemOf(R"({"op":"IsVal)"), "13: the line is cut");
-  EXPECT_EQ(ProblemOf(""), "1: the line is cut");
+  EXPECT_EQ(ProblemOf(R"({"op":"IsVal)"), "13: the line is truncated");
+  EXPECT_EQ(ProblemOf(""), "1: the line is truncated");
 }
 
 TEST(RecordingReader, AForeignLineIsAProblem) {

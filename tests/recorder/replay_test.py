@@ -199,7 +199,7 @@ expect 'is unmapped'
         done = self.host("replay", self.calls)
         self.assertEqual(done.returncode, 0)
         self.assertIn(f"{self.calls}:4:1: not JSON; the line is skipped\n", done.stdout)
-        self.assertIn(f"{self.calls}:7:21: the line is cut; the line is skipped\n", done.stdout)
+        self.assertIn(f"{self.calls}:7:21: the line is truncated; the line is skipped\n", done.stdout)
         _, report, _ = self.replayed()
         self.assertEqual((report["calls"], report["skipped_lines"]), (4, 2))
 

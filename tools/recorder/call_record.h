@@ -37,8 +37,8 @@ class CallRecord {
   CallRecord(const CallRecord&) = delete;
   CallRecord& operator=(const CallRecord&) = delete;
 
-  /// Copies the arguments and starts the clock. Must be called before the operation, which may change its
-  /// arguments: one of them may be an element of an out value.
+  /// Copies the arguments and starts the clock. Must be called before the operation: an argument may refer to an
+  /// element of an out value, which the operation changes.
   template <class... In, class... Out>
   void Begin(recording_format::Operation operation, const std::tuple<const In&...>& in,
              const std::tuple<const Out&...>& out) noexcept {

@@ -17,7 +17,7 @@ std::uint64_t ParseNumber(std::string_view option, std::string_view text) {
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
   if (error != std::errc() || stop != end || number == 0) {
-    throw SetupError(std::string(option) + ' ' + Quoted(text) + " is not a number from 1 on");
+    throw SetupError(std::string(option) + ' ' + Quoted(text) + " is not a positive integer");
   }
   return number;
 }

@@ -9,12 +9,11 @@
 namespace recorder {
 namespace {
 
-/// The longest time between two calls of the writer for records. A killed process loses at most the records
-/// of about this time.
+/// The longest time for which `Take` waits. A killed process loses the records of about this time at most.
 constexpr std::chrono::milliseconds kInterval{100};
 
-/// Waking the writer for so many bytes costs a caller a few nanoseconds a call on average, and the part of the
-/// buffers that is used stays in the processor's cache.
+/// The writer is woken when this many bytes are queued. That costs a caller a few nanoseconds per call on average,
+/// and the part of the buffers that is used stays in the processor's cache.
 constexpr std::size_t kBatch = std::size_t{512} << 10;
 
 }  // namespace

@@ -13,8 +13,8 @@ namespace recorder {
 /// A bounded queue of records from the calling threads to the writer's thread.
 ///
 /// Records are copied into one buffer, which the writer exchanges for an empty one; so a caller holds the
-/// lock for a copy and never waits for the disk. A record that does not fit is dropped and counted. Threads:
-/// any may push; one takes. `Open` and `Release` are called while no thread takes.
+/// lock only while it copies and never waits for the disk. A record that does not fit is dropped and counted.
+/// Threads: any may push; one takes. `Open` and `Release` are called while no thread takes.
 class RecordQueue {
  public:
   /// Opens the empty queue with space for `capacity` bytes. Throws `std::bad_alloc`.
@@ -46,9 +46,9 @@ class RecordQueue {
   std::mutex lock_;
   std::condition_variable wake_;
   std::string records_;  ///< filled by `Push`
-  std::string taken_;    ///< what the last `Take` returned; the same capacity
+  std::string taken_;    ///< what the last `Take` returned; has the capacity of `records_`
   std::size_t capacity_ = 0;
-  std::size_t batch_ = 0;  ///< `Take` is woken by so many bytes
+  std::size_t batch_ = 0;  ///< `Take` is woken when this many bytes are queued
   std::uint64_t dropped_ = 0;
   bool isOpen_ = false;
 };

@@ -28,8 +28,9 @@ struct Totals {
 
 /// Records calls into a file. One recording runs at a time; another may follow.
 ///
-/// Threads: `Start` and `Stop` one at a time; the rest from any thread at any time, also while a recording is
-/// started or stopped. The object must outlive every call.
+/// Threads: `Start`, `Stop`, `IsRunning` and `IsAbandoned` one at a time; the functions for calls, from `Wants`
+/// on, from any thread at any time, also while a recording is started or stopped. The object must outlive every
+/// call.
 class Recording {
  public:
   using Clock = std::chrono::steady_clock;

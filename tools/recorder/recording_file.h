@@ -18,8 +18,8 @@ namespace recorder {
 /// disk, unless a single record, or the file that existed before, is larger. A character device is written to
 /// directly; anything else, such as a directory or a symbolic link, is refused.
 ///
-/// Failures throw `std::system_error` whose text names the file. After a failure only the destructor may be
-/// called; it closes the file. Threads: one at a time.
+/// Failures throw `std::system_error` whose text names the file. After a failure only `Written` and the destructor,
+/// which closes the file, may be called. Threads: one at a time.
 class RecordingFile {
  public:
   /// Creates the file and writes the head. `limit` is in bytes; 0: none. A line is never split, so a file

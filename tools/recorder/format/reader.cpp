@@ -186,8 +186,8 @@ Record RecordOf(const json& object) {
   return record;
 }
 
-/// Reads up to the next line end and drops it. Returns the number of bytes read; 0 at the end of the file.
-/// Keeps `most` bytes.
+/// Reads a line into `text`, at most `most` bytes of it and without the line end. Returns the number of bytes
+/// read, line end included; 0 at the end of the file.
 std::uint64_t ReadLine(std::streambuf& buffer, std::size_t most, std::string& text) {
   text.clear();
   constexpr int kEnd = std::char_traits<char>::eof();
@@ -223,8 +223,8 @@ Line ParseLine(const std::string& text) {
     }
     throw LineError("no member \"op\", \"recording\" or \"end\"");
   } catch (const json::parse_error& error) {
-    const bool isCut = error.byte > text.size();
-    return Problem{error.byte, isCut ? "the line is cut" : "not JSON"};
+    const bool isTruncated = error.byte > text.size();
+    return Problem{error.byte, isTruncated ? "the line is truncated" : "not JSON"};
   } catch (const json::out_of_range&) {  // Without a position, unlike a syntax error.
     return Problem{1, "a number is larger than a double can be"};
   } catch (const LineError& error) {

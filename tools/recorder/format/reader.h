@@ -13,7 +13,7 @@
 
 namespace recording_format {
 
-/// Why a line does not belong to a recording. The line is skipped.
+/// Why a line is not a head, a record or a tail. The line is skipped.
 struct Problem {
   std::size_t column = 1;  ///< byte in the line, from 1
   std::string text;        ///< one line, without the place
@@ -25,7 +25,7 @@ using Line = std::variant<Head, Record, Tail, Problem>;
 ///
 /// A record is returned only when its values have the number and the kinds of its operation's signature:
 /// `in`, `before` and `out` are complete, and `result` or `thrown` is present. Unknown members are
-/// ignored. A line that is truncated, too long or not a record is a `Problem`, and reading continues.
+/// ignored. A line that is malformed, truncated or too long is a `Problem`, and reading continues.
 /// Concatenated files are read like one, so a second head may follow a tail.
 ///
 /// Borrows the stream. Threads: one at a time.
@@ -52,7 +52,7 @@ class Reader {
   std::uint64_t bytes_ = 0;
 };
 
-/// One line without its line end.
+/// Parses one line, without its line end.
 Line ParseLine(const std::string& text);
 
 }  // namespace recording_format

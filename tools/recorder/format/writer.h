@@ -8,7 +8,7 @@
 
 #include "tools/recorder/format/values.h"
 
-/// Writes the lines of a recording: one JSON object a line, in ASCII.
+/// Writes the lines of a recording: one JSON object per line, in ASCII.
 ///
 /// Each byte of a text is written as the JSON character with its number: 0x20 to 0x7E unchanged, except '"'
 /// and '\', which follow a '\'; every other byte as \u00NN. So every byte string can be read back unchanged.
