@@ -1,12 +1,9 @@
 // Messages with the thread's debug position: one logger for the process, one record per thread, nothing
-// freed twice. Each test needs its own process.
+// freed twice. Each test releases the log manager at its end.
 
 #include "src/log/logmgr.h"
 
 #include <ace/Log_Category.h>
-#include <ace/Log_Msg.h>
-#include <ace/Log_Msg_Callback.h>
-#include <ace/Log_Record.h>
 #include <pthread.h>
 
 #include <atomic>
@@ -17,6 +14,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/ace_log.h"
 #include "tests/private_member.h"
 #include "tests/recording_fixture.h"
 
@@ -95,6 +93,8 @@ class LogMgrTest : public recording::FrameworkTest {
  protected:
   LogMgrTest() {
     framework.logger = [this] { return lastLogger = new recording::Logger; };
+    // ACE allocates its own thread keys here, so that it does not get a key that a test has freed.
+    ACE_Log_Category::ace_lib().per_thr_obj();
   }
   // The log manager owns its logger.
   ~LogMgrTest() override { LogMgr::Release(); }
@@ -304,44 +304,6 @@ TEST_F(PosStorageTest, CloseOfAnUnusedStorageEndsTheAccess) {
 }
 
 // --- The report of a failed thread slot
-
-/// Collects this thread's messages to ACE's error log while it exists.
-class AceLog : public ACE_Log_Msg_Callback {
- public:
-  struct Entry {
-    std::string file;
-    int line;
-    ACE_Log_Priority priority;
-    std::string text;
-    int status;
-  };
-
-  AceLog() : flags_(ACE_LOG_MSG->flags()) {
-    // ACE allocates its own thread keys here, so that it does not get a key that a test has freed.
-    ACE_Log_Category::ace_lib().per_thr_obj();
-    ACE_LOG_MSG->clr_flags(ACE_Log_Msg::STDERR);
-    ACE_LOG_MSG->set_flags(ACE_Log_Msg::MSG_CALLBACK);
-    ACE_LOG_MSG->msg_callback(this);
-  }
-  ~AceLog() override {
-    ACE_LOG_MSG->msg_callback(nullptr);
-    ACE_LOG_MSG->clr_flags(ACE_Log_Msg::MSG_CALLBACK);
-    ACE_LOG_MSG->set_flags(flags_);
-  }
-  AceLog(const AceLog&) = delete;
-  AceLog& operator=(const AceLog&) = delete;
-
-  void log(ACE_Log_Record& record) override {
-    entries.push_back({ACE_LOG_MSG->file(), ACE_LOG_MSG->linenum(),
-                       static_cast<ACE_Log_Priority>(record.type()), record.msg_data(),
-                       ACE_LOG_MSG->op_status()});
-  }
-
-  std::vector<Entry> entries;
-
- private:
-  u_long flags_;
-};
 
 void ExpectSlotReport(const std::vector<AceLog::Entry>& entries) {
   ASSERT_THAT(entries, SizeIs(1));

@@ -1,10 +1,6 @@
 // Locks, thread keys, thread slots, the formatter, the logger and the platform's text functions, each failing.
 // The result of each operation changes only as documented, and everything works again after the failure.
 
-#include <ace/Log_Msg.h>
-#include <ace/Log_Msg_Callback.h>
-#include <ace/Log_Record.h>
-
 #include <cerrno>
 #include <stdexcept>
 #include <string>
@@ -14,6 +10,7 @@
 #include "src/interface/asciiutilifimpl.h"
 #include "src/log/logmgr.h"
 #include "src/service/asciiutilsvc.h"
+#include "tests/ace_log.h"
 #include "tests/proof/faults.h"
 #include "tests/recording_fixture.h"
 
@@ -44,37 +41,6 @@ class FailingSurroundings : public recording::FrameworkTest {
   }
 
   NS_ASCII::AsciiUtilInterfaceImpl util;
-};
-
-/// Collects ACE's error log while it exists.
-class AceErrorLog : private ACE_Log_Msg_Callback {
- public:
-  struct Entry {
-    std::string text;
-    std::string file;
-    int line;
-    unsigned long priority;
-  };
-
-  AceErrorLog() {
-    ACE_LOG_MSG->msg_callback(this);
-    ACE_LOG_MSG->set_flags(ACE_Log_Msg::MSG_CALLBACK);
-    ACE_LOG_MSG->clr_flags(ACE_Log_Msg::STDERR);
-  }
-  ~AceErrorLog() override {
-    ACE_LOG_MSG->msg_callback(nullptr);
-    ACE_LOG_MSG->clr_flags(ACE_Log_Msg::MSG_CALLBACK);
-    ACE_LOG_MSG->set_flags(ACE_Log_Msg::STDERR);
-  }
-  AceErrorLog(const AceErrorLog&) = delete;
-  AceErrorLog& operator=(const AceErrorLog&) = delete;
-
-  std::vector<Entry> entries;
-
- private:
-  void log(ACE_Log_Record& record) override {
-    entries.push_back({record.msg_data(), ACE_LOG_MSG->file(), ACE_LOG_MSG->linenum(), record.type()});
-  }
 };
 
 // --- Locks
@@ -152,7 +118,7 @@ TEST_F(FailingSurroundings, AThreadKeyThatCannotBeCreatedDropsTheDebugMessage) {
 TEST_F(FailingSurroundings, AThreadSlotThatCannotBeStoredIsReportedThroughAce) {
   EXPECT_EQ(util.WriteDbgLog("key made"), 0);
   std::thread([&] {
-    AceErrorLog aceLog;
+    AceLog aceLog;
     std::size_t live = 0;
     {
       const Failing fault(Fault::kSlotStore);
@@ -164,7 +130,7 @@ TEST_F(FailingSurroundings, AThreadSlotThatCannotBeStoredIsReportedThroughAce) {
                   "Error: ACE_Thread::setspecific() failed!: Cannot allocate memory\n");
         EXPECT_EQ(aceLog.entries[0].file, "logmgr");
         EXPECT_EQ(aceLog.entries[0].line, 90);
-        EXPECT_EQ(aceLog.entries[0].priority, static_cast<unsigned long>(LM_ERROR));
+        EXPECT_EQ(aceLog.entries[0].priority, LM_ERROR);
         aceLog.entries = {};
         if (call == 2) {
           live = faults::LiveAllocations();  // ACE has made its objects for this thread.
@@ -193,7 +159,7 @@ TEST_F(FailingSurroundings, AThreadSlotThatCannotBeStoredGoesUnreportedWhenThere
   const Failing fault(Fault::kSlotStore);
   for (const std::size_t nth : {1U, 2U}) {  // The record, ACE's log.
     std::thread([&] {
-      const AceErrorLog aceLog;
+      const AceLog aceLog;
       const faults::AllocationFails noMemory(nth);
       EXPECT_EQ(util.WriteDbgLog("dropped"), 0);
       EXPECT_TRUE(noMemory.happened());
