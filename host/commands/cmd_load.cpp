@@ -8,11 +8,6 @@
 namespace host {
 namespace {
 
-/// The loaded bundle of that name; throws with word 1, the command's first argument, as the wrong one.
-const LoadedBundle& Find(const Session& session, const std::string& name) {
-  return AtWord(1, [&]() -> const LoadedBundle& { return session.loader.Find(name); });
-}
-
 Action ParseLoad(const Words& words) {
   return [library = words[1], arguments = Rest(words, 2)](Session& session) {
     const LoadedBundle& bundle = session.loader.Load(library, arguments);
@@ -22,7 +17,7 @@ Action ParseLoad(const Words& words) {
 
 Action ParseInit(const Words& words) {
   return [name = words[1], arguments = Rest(words, 2)](Session& session) {
-    Find(session, name);
+    FindBundle(session, name, 1);
     session.loader.Init(name, arguments);
     session.out << "initialised " << name << '\n';
   };
@@ -30,14 +25,14 @@ Action ParseInit(const Words& words) {
 
 Action ParseReload(const Words& words) {
   return [name = words[1]](Session& session) {
-    Find(session, name);
+    FindBundle(session, name, 1);
     const LoadedBundle& bundle = session.loader.Reload(name);
     session.out << "reloaded " << bundle.name << " from " << bundle.library << '\n';
   };
 }
 
 void Unload(Session& session, const std::string& name) {
-  const std::string library = Find(session, name).library;
+  const std::string library = FindBundle(session, name, 1).library;
   const UnloadReport report = session.loader.Unload(name);
   session.out << "unloaded " << name << "; " << library
               << (report.whyMapped.empty() ? " is unmapped\n"

@@ -73,6 +73,10 @@ const Command& FindCommand(const std::string& name) {
   throw UsageError("no command '" + name + "'" + DidYouMean(name, CommandNames(), "; 'help' lists them"));
 }
 
+const LoadedBundle& FindBundle(const Session& session, const std::string& name, std::size_t word) {
+  return AtWord(word, [&]() -> const LoadedBundle& { return session.loader.Find(name); });
+}
+
 Action ParseCommand(const Words& words) {
   const Command& command = FindCommand(words.at(0));
   if (words.size() == 2 && words[1] == "--help") {

@@ -61,6 +61,10 @@ std::string Usage(const Command& command);
 /// The row of that name; throws `UsageError` with a suggestion when there is none.
 const Command& FindCommand(const std::string& name);
 
+/// The loaded bundle of that name, which is the word of that index; throws `Failure` with a suggestion when
+/// there is none.
+const LoadedBundle& FindBundle(const Session& session, const std::string& name, std::size_t word);
+
 /// Parses a command line, the name first. Every command accepts `NAME --help`. Throws as `Command::parse`
 /// does. The action reports an exception from a bundle as `Failure`.
 Action ParseCommand(const Words& words);
