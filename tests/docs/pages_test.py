@@ -90,8 +90,18 @@ class BinaryContract(unittest.TestCase):
 
     def test_messages_are_those_of_the_source(self):
         header = (PROJECT / "src/log/messages.h").read_text()
-        declared = re.findall(r'^inline constexpr Message k\w+\{"(\w+)", (\d+), (\d), "([^"]*)"\};', header, re.MULTILINE)
-        self.assertEqual(len(declared), header.count("inline constexpr Message"))
+        names, declared = [], []
+        for name, rest in re.findall(r"\bconstexpr Message (\w+)(.*?);$", header, re.MULTILINE | re.DOTALL):
+            fields = re.fullmatch(r'\{\s*"(\w+)",\s*(\d+),\s*(\d),\s*((?:"(?:[^"\\]|\\.)*"\s*)+)\}', rest)
+            self.assertIsNotNone(fields, f'src/log/messages.h, {name}: write {{"TAG", NUMBER, LEVEL, "TEXT"}}')
+            text = "".join(re.findall(r'"((?:[^"\\]|\\.)*)"', fields[4]))
+            declared.append((*fields.groups()[:3], re.sub(r"\\(.)", r"\1", text)))
+            names.append(name)
+        self.assertGreater(len(declared), 9)
+        numbered = {}
+        for name, (tag, number, *_) in zip(names, declared):
+            other = numbered.setdefault((tag, number), name)
+            self.assertEqual(other, name, f"src/log/messages.h: {name}: give another number, {other} has {tag} {number}")
         written = [(code(tag)[0], number, level, code(text)[0]) for tag, number, level, text, _ in rows(self.page, "tag")]
         self.assertEqual(written, declared, "list the messages of src/log/messages.h in docs/binary-contract.md, in the same order")
         # No other source of the bundle contains a tag or a message text.
@@ -126,6 +136,23 @@ class Everywhere(unittest.TestCase):
         self.assertGreater(len(sources), 150)
         wrong = [path.relative_to(PROJECT).as_posix() for path in sources if not says(path.read_text(), path.suffix == ".h")]
         self.assertEqual(wrong, [], "write at the top what the file does, who owns what and which threads may call")
+
+    def test_every_source_is_in_the_list_of_its_folder(self):
+        sources = [path for top in ("src", "host", "tools", "examples", "tests", "fuzz", "bench")
+                   for pattern in ("*.cpp", "*_test.py") for path in (PROJECT / top).rglob(pattern)]
+        self.assertGreater(len(sources), 250)
+        wrong = []
+        for path in sorted(sources):
+            folder = next(folder for folder in path.parents if (folder / "CMakeLists.txt").exists())
+            lists = [*folder.rglob("CMakeLists.txt"), *folder.rglob("*.cmake")]
+            text = "\n".join(re.sub(r"#.*", "", each.read_text()) for each in lists)
+            name = path.relative_to(folder).as_posix()
+            names = {name, name.removesuffix(".cpp")}
+            if path.is_relative_to(PROJECT / "tests") or path.is_relative_to(PROJECT / "fuzz"):  # lists of units
+                names |= {path.stem, path.stem.removesuffix("_test")}
+            if not any(re.search(rf"(?<!\w){re.escape(each)}(?![\w.])", text) for each in names):
+                wrong.append(f"{(folder / 'CMakeLists.txt').relative_to(PROJECT)}: add {name}")
+        self.assertFalse(wrong, "write these; a source that is in no list is never built or run:\n" + "\n".join(wrong))
 
     def test_scripts_that_pages_name_are_there_and_say_what_they_do(self):
         named = {name for page in PAGES for name in re.findall(r"\bscripts/\w+\.sh\b", page.read_text())}
