@@ -53,7 +53,7 @@ explain "The host loads the bundle, which reads the same configuration: one log 
 host --svc-conf examples/svc.conf --echo run examples/every_operation.txt
 
 heading "3. An agent that uses the bundle: examples/alarm_agent"
-explain "The agent reads one alarm a line, asks the configuration for the severity, and prints a message for each line of" \
+explain "The agent reads one alarm per line, asks the configuration for the severity, and prints a message for each line of" \
   "examples/alarm_agent/feed.txt, in order. The first line of the feed, and the line that configures it:"
 sed -n 's/^/    /; 1p' examples/alarm_agent/feed.txt
 grep -P 'BTS.*\tLOS\t7\t' "$config" | sed 's/^/    /'

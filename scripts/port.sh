@@ -1,18 +1,19 @@
 #!/usr/bin/env bash
-# Builds and tests the project on another Debian or another architecture, in a root of its own.
+# Builds and tests the project on another Debian or another architecture, in a chroot.
 #
 #   scripts/port.sh [--help] TARGET [STEP...]
 #
-# TARGET  debian12, debian13: a bare root of that release, in which the two commands of the README run unchanged; then the
+# TARGET  debian12, debian13: a bare chroot of that release, in which the two commands of the README run unchanged; then the
 #         packages are installed, used by a consumer and purged
-#         arm64, s390x: a cross build in a root of Debian 13, and the tests of the bundle's own code under emulation
+#         arm64, s390x: a cross build in a chroot of Debian 13, and the tests of the bundle's own code under emulation
 #
 # STEP    one of the steps to run (default: all): demo, test and packages; for another architecture setup, build,
 #         bundle-tests, commands and packages
 #
-# Needs root, a Debian mirror and about 4 GB in build/port/TARGET. Prints one line for each step and at the end the row for
-# the table in docs/testing.md, in which "commands" is in the column of the demo. A log of each step is kept in build/port/TARGET.
-# The root is used again by the next run; remove it to start with a bare one. Exit 1 when a step failed.
+# Must run as root; needs a Debian mirror and about 4 GB in build/port/TARGET. Prints one line for each step and at the end the
+# row for the table in docs/testing.md, in which "commands" is in the column of the demo. Keeps a log of each step in
+# build/port/TARGET.
+# The next run uses the chroot build/port/TARGET/root again; remove it to start with a bare one. Exit 1 when a step failed.
 set -euo pipefail
 . "$(dirname "$0")/common.bash"
 
@@ -22,11 +23,11 @@ case "$target" in
   debian13 | arm64 | s390x) release=trixie ;;
   *) refuse "unknown target '$target'; there are debian12, debian13, arm64 and s390x" ;;
 esac
-[ "$(id -u)" -eq 0 ] || fail "only root can make a root directory for another system"
+[ "$(id -u)" -eq 0 ] || fail "only root can make a chroot"
 # In a mount namespace of its own, so that the mounts below end with this script, however it ends.
 [ -n "${PORT_MOUNTS:-}" ] || PORT_MOUNTS=private exec unshare --mount scripts/port.sh "$@"
 
-# The one test that emulation cannot run: the root's C.UTF-8 is in the byte order of the machine that emulates.
+# The one test that emulation cannot run: the C.UTF-8 of the chroot is in the byte order of the machine that emulates.
 emulated_left_out='C\.UTF-8'
 
 steps=("${@:2}")
@@ -41,7 +42,7 @@ declare -A cells
 
 in_root() { chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 bash -euc "$1"; }
 
-# step NAME COMMAND: runs the command in the root's copy of the sources, prints a line and sets the step's cell.
+# step NAME COMMAND: runs the command in the chroot's copy of the sources, prints a line and sets the step's cell.
 step() {
   [ ${#steps[@]} -eq 0 ] || [[ " ${steps[*]} " == *" $1 "* ]] || return 0
   local begin=$SECONDS result=passed
@@ -77,7 +78,7 @@ case "$target" in
     [ -e "/proc/sys/fs/binfmt_misc/$emulator" ] || update-binfmts --enable "$emulator" ;;
 esac
 if [ ! -f "$root/etc/debian_version" ]; then
-  echo "Making a bare root of Debian $release in $root"
+  echo "Making a bare chroot of Debian $release in $root"
   debootstrap --variant=minbase --include=git,ca-certificates "$release" "$root" >"$work/debootstrap.log"
 fi
 mount -t proc proc "$root/proc"

@@ -59,7 +59,7 @@ std::string AgentRun::MessageFor(const FeedLine& line) const {
 }
 
 void AgentRun::Deliver(const std::string& message) {
-  // The first loss is reported; the total is reported at the end.
+  // Only the first loss is reported; `Finish` returns whether there was one.
   if (!writer_.Write(message) && writer_.Lost() == 1) {
     Report(writer_.Problem());
   }

@@ -12,7 +12,7 @@ namespace alarm_agent {
 /// One parsed alarm.
 ///
 /// The feed's text is comma-separated key=value pairs in any order; unknown keys are ignored:
-///   ID         the element's identifier of the alarm
+///   ID         the alarm's identifier, chosen by the element
 ///   KIND       COM, EQU, ENV, PRO or QOS
 ///   EQUIPMENT  type of the element, as in the alarm configuration
 ///   CAUSE      short name of the cause, as in the alarm configuration

@@ -6,7 +6,7 @@
 
 namespace alarm_agent {
 
-/// One line of the feed, a plain value. A well-formed feed has one alarm a line.
+/// One line of the feed, a plain value. A well-formed feed has one alarm per line.
 struct FeedLine {
   std::uint64_t number = 0;  ///< counted from 1
   std::string text;          ///< without its line feed

@@ -50,7 +50,7 @@ MessageComposer::MessageComposer(NS_ASCII::AsciiUtilInterface& util, std::string
     : util_(util), link_(std::move(link)) {}
 
 std::string MessageComposer::Compose(const FeedLine& line) const {
-  std::string problem = "longer than " + std::to_string(FeedReader::kMaxLine) + " characters";
+  std::string problem = "longer than " + std::to_string(FeedReader::kMaxLine) + " bytes";
   const std::optional<Alarm> alarm =
       line.isWhole ? ReadAlarm(util_, line.text, problem) : std::optional<Alarm>();
   return WithoutControls(alarm ? ComposeAlarm(*alarm) : ComposeMalformed(line, problem));

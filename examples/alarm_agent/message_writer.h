@@ -8,7 +8,7 @@
 
 namespace alarm_agent {
 
-/// Writes messages, one a line, to a file or to standard output, without buffering.
+/// Writes messages, one per line, to a file or to standard output, without buffering.
 ///
 /// Ownership: owns its descriptor, for standard output a duplicate.
 /// Threads: one at a time.

@@ -18,8 +18,8 @@ namespace alarm_agent {
 /// in the order of the lines: exactly one result for each line.
 ///
 /// Each line gets a number when it is taken. A finished result is stored under that number; the thread that
-/// stores the next one due passes it to the sink, with all that follow without a gap. A thread that is more
-/// than `kWindow` numbers ahead waits, which bounds the number of stored results.
+/// stores the next one due passes it to the sink, with all that follow without a gap. A thread that is `kWindow`
+/// numbers ahead or more waits, which bounds the number of stored results.
 ///
 /// Threads: one owner calls `Start` and `Join`. The three functions are called on the pool's threads:
 /// `source` and `sink` by one thread at a time each (but at the same time as each other), `work` by all of
@@ -31,7 +31,7 @@ class OrderedPool {
   using Work = std::function<std::string(const FeedLine& line)>;
   using Sink = std::function<void(const std::string& result)>;
 
-  /// How many numbers a thread may be ahead of the first unfinished line.
+  /// A thread must be fewer numbers ahead of the first unfinished line.
   static constexpr std::uint64_t kWindow = 256;
 
   OrderedPool(Source source, Work work, Sink sink);

@@ -5,8 +5,8 @@
 
 namespace alarm_agent {
 
-/// Thrown when the agent cannot start. The message is one line: what is wrong and what to do. The service
-/// object catches it, on the framework's thread.
+/// Thrown when the agent cannot start. The message says what is wrong and what to do. It repeats arguments
+/// unchanged, so it is one line if they are. The service object catches it, on the framework's thread.
 class SetupError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };

@@ -193,7 +193,7 @@ TEST_F(MessageComposerTest, ALineThatIsNotMadeOfPairsIsMalformed) {
 }
 
 TEST_F(MessageComposerTest, ALineThatWasTooLongIsMalformed) {
-  EXPECT_EQ(composer_.Compose({17, kAlarm, false}), Malformed("longer than 65536 characters"));
+  EXPECT_EQ(composer_.Compose({17, kAlarm, false}), Malformed("longer than 65536 bytes"));
 }
 
 TEST_F(MessageComposerTest, AMalformedLineIsAlsoReportedInTheDebugLog) {

@@ -10,7 +10,8 @@
 
 namespace recorder {
 
-/// The recorder cannot start. The message is one line: what is wrong, and what to write instead.
+/// The recorder cannot start. The message says what is wrong and what to write instead. It repeats arguments
+/// unchanged, so it is one line if they are.
 class SetupError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
