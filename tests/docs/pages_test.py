@@ -154,6 +154,14 @@ class Everywhere(unittest.TestCase):
                 wrong.append(f"{(folder / 'CMakeLists.txt').relative_to(PROJECT)}: add {name}")
         self.assertFalse(wrong, "write these; a source that is in no list is never built or run:\n" + "\n".join(wrong))
 
+    def test_sources_of_tests_start_with_what_must_hold(self):
+        heads = {".cpp": r"// .*\n", ".h": r"(?s).*^ */// ", ".py": r'(#!.*\n)?"""'}
+        sources = [path for top in ("tests", "fuzz", "bench") for path in (PROJECT / top).rglob("*") if path.suffix in heads]
+        self.assertGreater(len(sources), 200)
+        wrong = [path.relative_to(PROJECT).as_posix() for path in sources
+                 if not re.match(heads[path.suffix], path.read_text(), re.MULTILINE)]
+        self.assertEqual(wrong, [], "write at the top what the file tests and what must hold")
+
     def test_scripts_that_pages_name_are_there_and_say_what_they_do(self):
         named = {name for page in PAGES for name in re.findall(r"\bscripts/\w+\.sh\b", page.read_text())}
         there = {f"scripts/{path.name}" for path in (PROJECT / "scripts").glob("*.sh")}

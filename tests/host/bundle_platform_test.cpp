@@ -1,3 +1,6 @@
+// The host's platform as a service of any ACE program. A rejected `init` must leave one line in the
+// program's log.
+
 #include "host/platform/bundle_platform.h"
 
 #include <ace/Log_Msg.h>

@@ -1,3 +1,6 @@
+// Code-set conversion by iconv: each character that cannot be converted becomes one '?', and a text of any
+// length is whole.
+
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// The command table: a line is checked completely before anything runs.
+
 #include "host/commands/command.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// What the TAB key offers, for each kind of argument.
+
 #include "host/console/completion.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// The file of configuration items: what is read, what is reported with its place, and that a rejected file
+// changes nothing.
+
 #include "host/platform/config_items.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// The parts of an ACE directive. Only what the loader takes out of it is tested; ACE parses the rest.
+
 #include "host/loader/directive.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// The registry of interfaces. A buffer that was returned changes only when an interface is withdrawn,
+// because lookups read it without a lock.
+
 #include "host/platform/interface_registry.h"
 
 #include <gtest/gtest.h>

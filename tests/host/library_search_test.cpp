@@ -1,3 +1,5 @@
+// Which files a library's name can mean, and in which order they are tried.
+
 #include "host/loader/library_search.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// Loading, reloading and unloading of real libraries in this process: each failure must leave the bundle
+// that was loaded, or say that it is gone.
+
 #include "host/loader/loader.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,6 @@
+// Formats of messages with a variable number of values. A format that is broken must be logged verbatim,
+// never read beyond its values.
+
 #include "host/platform/log_format.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// The log's file and its lines, also those of several threads and of ACE itself. Each record must be one
+// whole line.
+
 #include "host/platform/log_service.h"
 
 #include <gmock/gmock.h>

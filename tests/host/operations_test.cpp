@@ -1,3 +1,6 @@
+// `call` for each operation: the arguments must reach the virtual function of that name unchanged, and its
+// results come back in the order of the signature.
+
 #include "host/commands/operations.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,6 @@
+// Trim, Num2Str and sprintf_s of the host's platform. Required: sprintf_s is negative when the text does
+// not fit.
+
 #include <gtest/gtest.h>
 
 #include <cstring>

@@ -1,3 +1,5 @@
+// The base class of service objects: listed from construction to destruction, and owner of its interface.
+
 #include "framework/service_object_base.h"
 
 #include <gtest/gtest.h>

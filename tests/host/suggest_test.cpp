@@ -1,3 +1,6 @@
+// Which known word is suggested for a misspelt one. A word that is too far from all known ones must get
+// none.
+
 #include "host/base/suggest.h"
 
 #include <gtest/gtest.h>

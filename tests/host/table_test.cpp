@@ -1,3 +1,5 @@
+// Tables as aligned text and as JSON. No byte of a cell may break the line.
+
 #include "host/base/table.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// Escapes in the host's output and input: every byte that is written comes back when it is read.
+
 #include "host/base/text_escape.h"
 
 #include <gtest/gtest.h>

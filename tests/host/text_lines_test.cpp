@@ -1,3 +1,6 @@
+// Lines of the host's files, and what is refused with its place: NUL bytes, byte order marks, lines of
+// more than 16 MiB.
+
 #include "host/base/text_lines.h"
 
 #include <gtest/gtest.h>

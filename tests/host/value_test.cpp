@@ -1,3 +1,5 @@
+// Arguments of `call` from text, and results as text.
+
 #include "host/commands/value.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// Calls of `init` and `fini` in ACE's place: no exception of a bundle may reach ACE, and crash signals get
+// their former handlers back.
+
 #include "host/loader/watched_service.h"
 
 #include <gtest/gtest.h>

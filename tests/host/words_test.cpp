@@ -1,3 +1,5 @@
+// Splitting a command line into words: blanks, quotes, comments. A word keeps its column for the messages.
+
 #include "host/base/words.h"
 
 #include <gtest/gtest.h>
