@@ -32,6 +32,12 @@ TEST(Printable, LeavesNothingThatMovesTheCursorOrHides) {
   EXPECT_EQ(Printable("\xE2\x80\xAE"), "\\xE2\\x80\\xAE");
   EXPECT_EQ(Printable("\xC2\x9B"), "\\xC2\\x9B");
   EXPECT_EQ(Printable("\xC3\x9C\xFF"), "\xC3\x9C\\xFF");
+  // A combining grapheme joiner, Hangul fillers, an em space, a variation selector and others.
+  for (const std::string invisible :
+       {"\xCD\x8F", "\xE1\x85\x9F", "\xE2\x80\x83", "\xE2\x81\x9F", "\xE2\xA0\x80", "\xE3\x80\x80",
+        "\xE3\x85\xA4", "\xEF\xB8\x8F", "\xF0\x9D\x85\xB3"}) {
+    EXPECT_EQ(Printable(invisible).size(), 4 * invisible.size()) << Printable("x" + invisible);
+  }
 }
 
 TEST(Marked, ShowsBlanksOnlyWhereTheyAreOverlooked) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace almcfg {
 namespace {
@@ -28,12 +29,19 @@ bool IsBetween(std::uint32_t code, std::uint32_t first, std::uint32_t last) {
   return first <= code && code <= last;
 }
 
-/// Control characters, zero-width characters, and characters that change the direction of writing.
+/// Control characters, spaces other than the blank, characters without a glyph (the Unicode property
+/// Default_Ignorable_Code_Point among them), and characters that change the direction of writing.
 bool IsUnprintable(std::uint32_t code) {
-  return code < 0x20 || IsBetween(code, 0x7F, 0xA0) || code == 0xAD || code == 0x061C || code == 0x180E ||
-         IsBetween(code, 0x200B, 0x200F) || IsBetween(code, 0x2028, 0x202F) ||
-         IsBetween(code, 0x2060, 0x206F) || code == 0xFEFF || IsBetween(code, 0xFFF0, 0xFFFB) ||
-         IsBetween(code, 0xE0000, 0xE0FFF);
+  using Range = std::pair<std::uint32_t, std::uint32_t>;
+  static constexpr std::array<Range, 22> kRanges{{
+      {0, 0x1F},          {0x7F, 0xA0},       {0xAD, 0xAD},     {0x34F, 0x34F},   {0x61C, 0x61C},
+      {0x115F, 0x1160},   {0x1680, 0x1680},   {0x17B4, 0x17B5}, {0x180B, 0x180F}, {0x2000, 0x200F},
+      {0x2028, 0x202F},   {0x205F, 0x206F},   {0x2800, 0x2800}, {0x3000, 0x3000}, {0x3164, 0x3164},
+      {0xFE00, 0xFE0F},   {0xFEFF, 0xFEFF},   {0xFFA0, 0xFFA0}, {0xFFF0, 0xFFFB}, {0x1BCA0, 0x1BCA3},
+      {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF},
+  }};
+  return std::any_of(kRanges.begin(), kRanges.end(),
+                     [code](const Range& range) { return IsBetween(code, range.first, range.second); });
 }
 
 /// Columns of a printable character on a terminal: combining marks take none, East Asian wide characters and
@@ -43,7 +51,7 @@ std::size_t WidthOf(std::uint32_t code) {
     return 1;
   }
   if (IsBetween(code, 0x300, 0x36F) || IsBetween(code, 0x1AB0, 0x1AFF) || IsBetween(code, 0x1DC0, 0x1DFF) ||
-      IsBetween(code, 0x20D0, 0x20FF) || IsBetween(code, 0xFE00, 0xFE0F) || IsBetween(code, 0xFE20, 0xFE2F)) {
+      IsBetween(code, 0x20D0, 0x20FF) || IsBetween(code, 0xFE20, 0xFE2F)) {
     return 0;
   }
   const bool isWide = IsBetween(code, 0x1100, 0x115F) || IsBetween(code, 0x2E80, 0xA4CF) ||
