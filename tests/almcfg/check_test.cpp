@@ -77,11 +77,11 @@ TEST(Check, GoesOverAllFilesAndTotalsThem) {
   const Outcome outcome = RunAlmcfg({"check", bad.path(), "/no/such/file", good.path()});
   EXPECT_THAT(outcome.out, HasSubstr(bad.path() + ":1:1: error: "));
   EXPECT_THAT(outcome.out, HasSubstr("/no/such/file:1:1: error: No such file or directory"));
-  EXPECT_THAT(outcome.out, testing::EndsWith("3 files, 1 record, 2 errors\n"));
+  EXPECT_THAT(outcome.out, testing::EndsWith("3 files, 1 key, 2 errors\n"));
 }
 
 TEST(Check, SaysThatACleanFileIsClean) {
-  EXPECT_EQ(RunAlmcfg({"check", "-"}, kGood).out, "1 file, 1 record, no findings\n");
+  EXPECT_EQ(RunAlmcfg({"check", "-"}, kGood).out, "1 file, 1 key, no findings\n");
 }
 
 TEST(Check, ColorsOnlyOnRequest) {
@@ -94,13 +94,13 @@ TEST(Check, SelectsIgnoresAndLimitsFindings) {
   EXPECT_EQ(Exit({"check", "--ignore", "too-few-columns", "-"}, content), 0);
   EXPECT_EQ(Exit({"check", "--strict", "--ignore", "too-few-columns", "-"}, content), 1);
   EXPECT_EQ(RunAlmcfg({"check", "--select", "edge-blank", "-"}, content).out,
-            "1 file, 1 record, no findings\n");
+            "1 file, 1 key, no findings\n");
   const Outcome limited = RunAlmcfg({"check", "--max-findings", "1", "-"}, content);
   EXPECT_EQ(limited.exitCode, 1);
   EXPECT_THAT(limited.out, Not(HasSubstr(" [too-few-columns]")));
   EXPECT_THAT(limited.out, testing::EndsWith("2 more findings\n  too-few-columns: 2\n"
                                              "  number-never-matches: 1\n"
-                                             "1 file, 1 record, 2 errors, 1 warning\n"));
+                                             "1 file, 1 key, 2 errors, 1 warning\n"));
   EXPECT_EQ(RunAlmcfg({"check", "--quiet", "-"}, kGood).out, "");
   EXPECT_THAT(RunAlmcfg({"check", "--stdin-name", "x\x1b.csv", "-"}, kError).out,
               testing::StartsWith("x\\x1B.csv:1:1: error: "));

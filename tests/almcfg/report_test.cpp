@@ -62,7 +62,7 @@ b.csv:2:1: error: the line has 1 column, five are needed: it is dropped without 
   number-never-matches: 1
   not-ascii: 1
   cr-line-ends: 1
-3 files, 3 records, 2 errors, 3 warnings, 1 note
+3 files, 3 keys, 2 errors, 3 warnings, 1 note
 )");
 }
 
@@ -187,7 +187,7 @@ TEST_F(Report, WithoutFindingsIsWholeInEveryFormat) {
   const auto run = [this](const std::string& format) {
     return almcfg_test::RunIn(folder_.path(), {"check", "--format", format, "good.csv"}).out;
   };
-  EXPECT_EQ(run("text"), "1 file, 1 record, no findings\n");
+  EXPECT_EQ(run("text"), "1 file, 1 key, no findings\n");
   const json report = json::parse(run("json"));
   EXPECT_EQ(report["findings"], json::array());
   EXPECT_EQ(report["totals"]["byCode"], json::object());

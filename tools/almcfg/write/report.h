@@ -23,7 +23,7 @@ struct TextStyle {
 /// The totals of one run.
 struct Totals {
   std::size_t files = 0;
-  std::size_t records = 0;  ///< the sum of each file's keys in force; shown as "records"
+  std::size_t records = 0;  ///< the sum of each file's keys in force
   Tally findings;
   std::size_t omitted = 0;  ///< findings that were counted, but not reported
 };

@@ -95,7 +95,7 @@ class TextReport : public Report {
         out_ << "  " << rule.name << ": " << Grouped(count) << '\n';
       }
     }
-    out_ << Counted(totals.files, "file") << ", " << Counted(totals.records, "record") << ", "
+    out_ << Counted(totals.files, "file") << ", " << Counted(totals.records, "key") << ", "
          << Summary(totals.findings) << '\n';
   }
 
