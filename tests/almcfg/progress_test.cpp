@@ -133,7 +133,7 @@ class SlowCheck {
     EXPECT_EQ(pipe(input), 0);
     child_ = fork();
     if (child_ == 0) {
-      alarm(30);
+      alarm(500);  // Seconds, as in run_program.cpp.
       const bool isReady = dup2(input[0], STDIN_FILENO) >= 0 && dup2(terminal, STDERR_FILENO) >= 0 &&
                            dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO) >= 0;
       close(input[1]);

@@ -54,7 +54,7 @@ std::string ShownBy(const std::string& folder, std::vector<std::string> argument
   argv.push_back(nullptr);
   const pid_t child = forkpty(&screen, nullptr, &raw, &size);
   if (child == 0) {
-    alarm(30);
+    alarm(500);  // Seconds, as in run_program.cpp.
     Set("TERM", setting.term);
     Set("NO_COLOR", setting.noColor);
     if (chdir(folder.c_str()) == 0) {

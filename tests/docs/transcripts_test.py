@@ -90,7 +90,7 @@ class Transcripts(unittest.TestCase):
                     for offset, command, expected in shown:
                         def printed(errors):
                             done = subprocess.run(["bash", "-c", command], cwd=folder, env=environment, text=True, check=False,
-                                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors, timeout=60)
+                                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors, timeout=300)
                             return done.stdout
                         if not matches(expected, printed(subprocess.DEVNULL)) and not matches(expected, printed(subprocess.STDOUT)):
                             self.fail(f"{page.relative_to(PROJECT)}:{start + offset}: write what `{command}` prints now:\n"

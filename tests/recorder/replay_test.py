@@ -231,7 +231,7 @@ expect 'is unmapped'
         while not (self.calls.exists() and self.calls.read_text().count('"ABC"') > 100):
             self.assertIsNone(process.poll())
         # Each call of this replay adds a record to the file that it reads.
-        out, err = process.communicate(f"replay {self.calls}\n", timeout=100)
+        out, err = process.communicate(f"replay {self.calls}\n", timeout=500)
         self.assertEqual((process.returncode, err), (0, ""))
         self.assertEqual(out.count("\nToUpper "), 2)
 
