@@ -226,6 +226,12 @@ std::string Diff(const std::vector<std::string>& original,
   return out.str();
 }
 
+TEST(UnifiedDiff, EndsANameWithBlanksByATab) {
+  std::ostringstream out;
+  WriteUnifiedDiff(out, "a b.csv", {"a\n"}, {{"b\n"}}, false);
+  EXPECT_EQ(out.str(), "--- a b.csv\t\n+++ a b.csv\t\n@@ -1,1 +1,1 @@\n-a\n+b\n");
+}
+
 TEST(UnifiedDiff, IsEmptyWhenNothingChanges) { EXPECT_EQ(Diff({"a\n"}, {{"a\n"}}), ""); }
 
 TEST(UnifiedDiff, ShowsThreeLinesAroundAChange) {

@@ -22,7 +22,9 @@ class DiffWriter {
   void Write(const std::string& name) {
     for (std::size_t line = FindChange(0); line < original_.size();) {
       if (newLines_ == 0 && next_ == 0) {
-        out_ << "--- " << Printable(name) << "\n+++ " << Printable(name) << '\n';
+        // A TAB ends a name with blanks, which patch(1) would otherwise cut at the first of them.
+        const char* const nameEnd = name.find(' ') == std::string::npos ? "\n" : "\t\n";
+        out_ << "--- " << Printable(name) << nameEnd << "+++ " << Printable(name) << nameEnd;
       }
       std::size_t end = line + 1;
       std::size_t change = FindChange(end);

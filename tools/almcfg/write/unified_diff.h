@@ -8,9 +8,9 @@
 /// The output of `almcfg fix --diff`. The stream is borrowed. Threads: one at a time for each stream.
 namespace almcfg {
 
-/// Writes a unified diff that patch(1) applies, with three lines of context; writes nothing when nothing
-/// changes. `replacements[i]` are the lines in place of `original[i]`; lines have their LF. With `isTerminal`
-/// the lines are made printable, for people.
+/// Writes a unified diff with three lines of context; writes nothing when nothing changes. patch(1) applies it if
+/// `name` needs no escapes and the lines were not made printable. `replacements[i]` are the lines in place of
+/// `original[i]`; lines have their LF. With `isTerminal` the lines are made printable, for people.
 void WriteUnifiedDiff(std::ostream& out, const std::string& name, const std::vector<std::string>& original,
                       const std::vector<std::vector<std::string>>& replacements, bool isTerminal);
 
