@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Checks the subjects of commits: `area: imperative what`, lower case after the colon, at most 72 characters.
+# Checks the subjects of commits: `area: imperative what`, lower case after the colon, at most 72 characters. An area is a
+# folder or a file of the commit or of its parent; several are separated by ", ".
 #
 #   scripts/commits.sh [--help] [RANGE]
 #
-# RANGE is what git log takes (default: every commit after the one that introduced the rule). Exit 1 with one line for each
+# RANGE is what git log takes (default: every commit after the last one that breaks the rule). Exit 1 with one line for each
 # subject that breaks the rule. A clone that lacks the range's commits passes, and says so.
 set -euo pipefail
 . "$(dirname "$0")/common.bash"
@@ -11,12 +12,20 @@ set -euo pipefail
 case "${1:-}" in
   -*) refuse "unknown option '$1'" ;;
 esac
-range=${1:-e090c52..HEAD}
+range=${1:-3c910fa..HEAD}
 
 if ! git rev-parse --quiet --verify "${range%%..*}^{commit}" >/dev/null 2>&1; then
   echo "commits.sh: ${range%%..*} is not in this clone, so no subject is checked"
   exit 0
 fi
+# has_areas COMMIT SUBJECT: whether each area of the subject exists.
+has_areas() {
+  local area areas
+  IFS=', ' read -ra areas <<<"${2%%:*}"
+  for area in "${areas[@]}"; do
+    git cat-file -e "$1:$area" 2>/dev/null || git cat-file -e "$1^:$area" 2>/dev/null || return 1
+  done
+}
 checked=0 bad=0
 while IFS= read -r line; do
   subject=${line#* }
@@ -25,6 +34,8 @@ while IFS= read -r line; do
     echo "commits.sh: ${line%% *}: ${#subject} characters, at most 72 are allowed: $subject" >&2
   elif ! [[ $subject =~ ^[a-z.][a-z0-9_./-]*(,\ [a-z.][a-z0-9_./-]*)*:\ [^A-Z\ ] ]]; then
     echo "commits.sh: ${line%% *}: expected 'area: imperative what' in lower case: $subject" >&2
+  elif ! has_areas "${line%% *}" "$subject"; then
+    echo "commits.sh: ${line%% *}: name an existing folder or file before the colon: $subject" >&2
   else
     continue
   fi
