@@ -14,7 +14,8 @@ import unittest
 import built
 
 PROGRAM, PAGE = sys.argv[1:3]
-DICTIONARY = pathlib.Path(__file__).parents[2] / "fuzz/host/host_command_line.dict"
+PROJECT = pathlib.Path(__file__).parents[2]
+DICTIONARY = PROJECT / "fuzz/host/host_command_line.dict"
 
 
 def plain(text):
@@ -76,6 +77,16 @@ class ManualPage(unittest.TestCase):
             name, *arguments = head.split()
             line = f'"{name} "' if arguments else f'"{name}"'
             self.assertIn(line, lines, f"{DICTIONARY}: write the line {line}")
+
+    def test_comments_list_every_command(self):
+        header = PROJECT / "host/commands/command.h"
+        listed = re.findall(r"[\w-]+", " ".join(re.findall(r"Commands\(\);.*?// (.*)", header.read_text())))
+        sources = {path: path.read_text() for path in (PROJECT / "host").rglob("*.cpp")}
+        for name in (head.split()[0] for head in helped()["COMMANDS"]):
+            self.assertIn(name, listed, f"{header}, comments of the groups: write {name}")
+            path, text = next((path, text) for path, text in sources.items() if f'{{"{name}", "' in text)
+            words = re.findall(r"[\w-]+", text.split("\n\n")[0])
+            self.assertIn(name, words, f"{path}, first comment: write {name}")
 
     def test_environment_variable_is_the_one_in_help(self):
         text = subprocess.run([PROGRAM, "--help"], text=True, stdout=subprocess.PIPE, check=True).stdout
