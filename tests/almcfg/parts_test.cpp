@@ -40,6 +40,11 @@ TEST(Printable, LeavesNothingThatMovesTheCursorOrHides) {
   }
 }
 
+TEST(Printable, EscapesABackslashThatLooksLikeAnEscape) {
+  EXPECT_EQ(Printable("C\x08 C\\x08"), "C\\x08 C\\x5Cx08");
+  EXPECT_EQ(Printable("\\xfF\\xg0\\x0\\\\X00\\"), "\\x5CxfF\\xg0\\x0\\\\X00\\");
+}
+
 TEST(Marked, ShowsBlanksOnlyWhereTheyAreOverlooked) {
   EXPECT_EQ(Marked(" a b  c \td/ e\r"), "·a b··c·→d/·e␍");
 }

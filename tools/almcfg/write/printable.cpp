@@ -96,6 +96,13 @@ bool IsPlain(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return almcfg::IsPlain(c); });
 }
 
+/// Whether `text` starts with what looks like an escape of this file.
+bool StartsWithEscape(std::string_view text) {
+  constexpr std::string_view kHex = "0123456789ABCDEFabcdef";
+  return text.size() >= 4 && text.substr(0, 2) == "\\x" && kHex.find(text[2]) != std::string_view::npos &&
+         kHex.find(text[3]) != std::string_view::npos;
+}
+
 std::string Cut(std::string_view text, std::size_t widest) {
   std::string shown;
   std::size_t width = 0;
@@ -122,7 +129,8 @@ Glyph SpecialGlyph(std::string_view text, std::size_t at, Blanks blanks) {
   const std::size_t length = Utf8Length(rest);
   const std::string_view bytes = rest.substr(0, std::max<std::size_t>(length, 1));
   if (length != 0) {
-    if (const std::uint32_t code = CodePoint(bytes, length); !IsUnprintable(code)) {
+    if (const std::uint32_t code = CodePoint(bytes, length);
+        !IsUnprintable(code) && !StartsWithEscape(rest)) {
       return {at, WidthOf(code), bytes, {}, false};
     }
   }

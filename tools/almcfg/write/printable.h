@@ -23,14 +23,15 @@ struct Glyph {
 enum class Blanks { kAtEdges, kAll };
 
 /// Whether the character is shown unchanged in every text.
-inline bool IsPlain(char c) { return c > ' ' && c < 0x7F; }
+inline bool IsPlain(char c) { return c > ' ' && c < 0x7F && c != '\\'; }
 
 /// The glyph of the character at `at`, which must not be plain.
 Glyph SpecialGlyph(std::string_view text, std::size_t at, Blanks blanks);
 
 /// Calls `visit` with each character of the text until it returns false. A TAB is shown as an arrow, CR and NUL as
 /// their symbols. Blanks are shown as dots at the edges of line, columns and alternatives and in runs of two or
-/// more; with kAll, everywhere. Other control characters, invisible ones and bytes that are not UTF-8 are escaped.
+/// more; with kAll, everywhere. Other control characters, invisible ones and bytes that are not UTF-8 are escaped
+/// as \xNN, and so is a backslash before xNN.
 template <class Visit>
 void ForEachGlyph(std::string_view text, Blanks blanks, const Visit& visit) {
   for (std::size_t at = 0; at < text.size();) {
