@@ -58,7 +58,7 @@ std::string Correction(const std::string& place, const Words& has, const Words& 
 
 /// What to add to `place`, whose text shall contain `wanted`; empty when it does.
 std::string Addition(const std::string& place, const std::string& text, const std::string& wanted) {
-  return text.find(wanted) != std::string::npos ? "" : place + ": write " + testing::PrintToString(wanted);
+  return text.find(wanted) != std::string::npos ? "" : place + ": write\n" + wanted;
 }
 
 constexpr const char* kManPage = "docs/man/almcfg.1";
@@ -180,10 +180,16 @@ TEST(Completion, OffersTheFormatsOfTheHelp) {
   EXPECT_EQ(Complete("almcfg show --color a"), (Words{"always", "auto"}));
 }
 
-TEST(Page, DescribesEveryRuleUnderItsName) {
+TEST(Page, DescribesEveryRuleInThePartForItsSeverity) {
   const std::string page = ReadFile(ProjectFolder() + kPage);
   for (const almcfg::Rule& rule : almcfg::Rules()) {
-    EXPECT_EQ(Addition(kPage, page, "\n#### `" + std::string(rule.name) + "`\n"), "");
+    std::string part = std::string("### ") + NameOf(rule.severity) + "s";
+    part[4] = static_cast<char>(part[4] - 'a' + 'A');
+    const std::size_t begin = page.find("\n" + part + "\n");
+    ASSERT_NE(begin, std::string::npos) << kPage << ": write the heading " << part;
+    const std::string text = page.substr(begin, page.find("\n### ", begin + 1) - begin);
+    EXPECT_NE(text.find("\n#### `" + std::string(rule.name) + "`\n"), std::string::npos)
+        << kPage << ", " << part << ": write the section #### `" << rule.name << '`';
   }
 }
 

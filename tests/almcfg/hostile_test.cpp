@@ -57,7 +57,7 @@ struct Case {
 
 void PrintTo(const Case& each, std::ostream* out) { *out << each.code; }
 
-/// For each code a file with hostile text wherever the message, the hint or the line shown has a text of the file.
+/// One file for each code. Every text of it that almcfg prints is hostile.
 std::vector<Case> Cases() {
   const std::string& h = kHostile;
   const std::string rest = "\t" + h + "\t" + h + "\t7\t1\n";
