@@ -31,7 +31,7 @@ class OrderedPool {
   using Work = std::function<std::string(const FeedLine& line)>;
   using Sink = std::function<void(const std::string& result)>;
 
-  /// A thread must be fewer numbers ahead of the first unfinished line.
+  /// The limit of the distance between a thread's line and the first unfinished one.
   static constexpr std::uint64_t kWindow = 256;
 
   OrderedPool(Source source, Work work, Sink sink);

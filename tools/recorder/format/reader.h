@@ -34,8 +34,8 @@ class Reader {
   /// A line of more than `maxLine` bytes is a problem.
   explicit Reader(std::istream& file, std::size_t maxLine = kMaxLine) : file_(file), maxLine_(maxLine) {}
 
-  /// The next line; empty at the end of the file. A failed read also ends the file and sets the stream's
-  /// `badbit`.
+  /// The next line; empty at the end of the file. A read that fails with `std::ios_base::failure` also ends the
+  /// file and sets the stream's `badbit`; other exceptions of the stream's buffer are passed on.
   std::optional<Line> Next();
 
   /// The number of the line that `Next` returned, from 1.

@@ -21,7 +21,7 @@ using Value = std::variant<bool, std::int64_t, std::string, TextList, TextMap>;
 
 /// The first line of a file: what was recorded.
 struct Head {
-  std::string time;                     ///< when the recording began, in UTC; calls count from here
+  std::string time;                     ///< when the recording began, in UTC
   std::vector<std::string> operations;  ///< which operations are recorded
   std::int64_t every = 1;               ///< each Nth call of an operation is recorded
   std::string library;                  ///< path of the library that implements the interface
