@@ -103,6 +103,8 @@ class BinaryContract(unittest.TestCase):
             other = numbered.setdefault((tag, number), name)
             self.assertEqual(other, name, f"src/log/messages.h: {name}: give another number, {other} has {tag} {number}")
         written = [(code(tag)[0], number, level, code(text)[0]) for tag, number, level, text, _ in rows(self.page, "tag")]
+        for row in (row for row in declared if row not in written):
+            self.fail("docs/binary-contract.md, Messages: write | `{}` | {} | {} | `{}` | WHEN |".format(*row))
         self.assertEqual(written, declared, "list the messages of src/log/messages.h in docs/binary-contract.md, in the same order")
         # No other source of the bundle contains a tag or a message text.
         for path in (PROJECT / "src").rglob("*.cpp"):
