@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <string>
@@ -104,6 +105,26 @@ TEST(Fix, RefusesToReplaceThroughLinks) {
   EXPECT_THAT(hard.err, HasSubstr("it has another hard link"));
   EXPECT_EQ(ReadFile(file.path()), kSlash);
   unlink(other.c_str());
+}
+
+TEST(Fix, RefusesToReplaceAFileWithAnAccessControlList) {
+  const TempFile file(kSlash);
+  // Version 2, then user::rw-, user:1:rw-, group::---, mask::rw- and other::---: the group has no rights.
+  const std::string acl(
+      "\2\0\0\0"
+      "\1\0\6\0\xFF\xFF\xFF\xFF"
+      "\2\0\6\0\1\0\0\0"
+      "\4\0\0\0\xFF\xFF\xFF\xFF"
+      "\x10\0\6\0\xFF\xFF\xFF\xFF"
+      "\x20\0\0\0\xFF\xFF\xFF\xFF",
+      44);
+  if (setxattr(file.path().c_str(), "system.posix_acl_access", acl.data(), acl.size(), 0) != 0) {
+    GTEST_SKIP() << "the file system has no access control lists";
+  }
+  const Outcome outcome = RunAlmcfg({"fix", "--in-place", file.path()});
+  EXPECT_EQ(outcome.exitCode, 2);
+  EXPECT_THAT(outcome.err, HasSubstr("it has an access control list, which would be lost"));
+  EXPECT_EQ(ReadFile(file.path()), kSlash);
 }
 
 TEST(Fix, DoesNotTouchAFileWithoutRepairs) {

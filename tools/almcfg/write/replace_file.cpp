@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -85,6 +86,10 @@ struct stat StatusOfReplaceable(const std::string& path) {
   }
   if (status.st_nlink > 1) {
     throw std::runtime_error("it has another hard link, which would keep the old content; remove the link");
+  }
+  // The mode of such a file has the ACL's mask in place of the group's permissions, and would give them to the group.
+  if (getxattr(path.c_str(), "system.posix_acl_access", nullptr, 0) > 0) {
+    throw std::runtime_error("it has an access control list, which would be lost; write to standard output");
   }
   return status;
 }
