@@ -3,10 +3,10 @@
 #
 #   scripts/valgrind.sh [--help] [PROGRAM...]
 #
-# PROGRAM is a test program such as logmsg_test (default: those of every folder of src). The comparisons with the literal
-# rules are left out: they test whole input spaces, which takes hours here and seconds in every other build. The single-step
-# tests are left out too: valgrind does not emulate that mode of the processor. Exit 1 when valgrind or a test finds an
-# error.
+# PROGRAM is a test program such as logmsg_test (default: those of framework/ and of every folder of src/). The comparisons with
+# the literal rules are left out: they test whole input spaces, which takes hours here and seconds in every other build. The
+# single-step tests are left out too: valgrind does not emulate that mode of the processor. Exit 1 when valgrind or a test finds
+# an error.
 set -euo pipefail
 . "$(dirname "$0")/common.bash"
 
