@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
 """Tests call and time with every operation and with wrong arguments."""
+import time
+
 import host_case
 from host_case import BUNDLE, HostTest
 
@@ -65,6 +67,14 @@ class Call(HostTest):
     def test_a_call_is_timed(self):
         done = self.loaded("time", "1000", "call", "IsTransQueltEnabled")
         self.assertRegex(done.stdout, r"^calls: 1000\nmedian: \d+ ns\nrate: \d+ per second\nlog records: 1000\n$")
+
+    def test_median_and_rate_of_a_timed_call_are_per_call(self):
+        start = time.monotonic()
+        done = self.loaded("time", "200000", "call", "GetTimeStamp")
+        elapsed = (time.monotonic() - start) * 1e9
+        median, rate = (int(line.split()[1]) for line in done.stdout.splitlines()[1:3])
+        self.assertLess(200000 / 2 * (median - 1), elapsed, "half of the calls take the median or longer")
+        self.assertTrue((median - 1) * (rate - 1) < 1e9 < (median + 1) * (rate + 1), done.stdout)
 
     def test_a_piped_console_shows_answer_out_values_and_records_under_headings(self):
         done = self.loaded("console", stdin="call Str2Num 7 10\ncall WriteDbgLog hello\n")

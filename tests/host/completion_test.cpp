@@ -47,6 +47,9 @@ TEST_F(Completion, ItemsAreTheOnesThatAreSet) {
   EXPECT_EQ(Complete("set CompletionItem "), Names{});
   EXPECT_EQ(Complete("set a CompletionI"), Names{}) << "only the first argument is an item";
   host::UnsetItem("CompletionItem");
+  host::SetItem("#a", 1);
+  EXPECT_EQ(Complete("unset #"), Names{}) << "'#' would begin a comment";
+  host::UnsetItem("#a");
   EXPECT_EQ(Complete("unset CompletionI"), Names{});
 }
 

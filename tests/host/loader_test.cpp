@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/time.h>
 
 #include <ace/Service_Repository.h>
 
@@ -353,6 +355,20 @@ TEST_F(LoaderTest, AConstructorThatDoesNotReturnIsStoppedInTheChild) {
               host::TryLibrary(Fixture("broken_constructor_hangs"), std::chrono::milliseconds(1000));
             }),
             "cannot be loaded: a constructor was still running after 1 s");
+}
+
+TEST_F(LoaderTest, ASignalDoesNotEndATrialEarly) {
+  struct sigaction before {};
+  struct sigaction action {};
+  action.sa_handler = [](int) {};
+  sigaction(SIGALRM, &action, &before);
+  const itimerval soon{{0, 0}, {0, 100'000}};
+  setitimer(ITIMER_REAL, &soon, nullptr);
+  EXPECT_EQ(ProblemOf([] {
+              host::TryLibrary(Fixture("broken_constructor_hangs"), std::chrono::milliseconds(1000));
+            }),
+            "cannot be loaded: a constructor was still running after 1 s");
+  sigaction(SIGALRM, &before, nullptr);
 }
 
 TEST_F(LoaderTest, ATrialMapsNothingHere) {

@@ -15,7 +15,7 @@ class Loading(HostTest):
     def test_a_missing_library_is_reported(self):
         self.assert_fails(self.host("-b", "/none.so", "bundles"), 1, "/none.so: no such library")
         self.assert_fails(self.host("-b", "none", "bundles"), 1, "none: no such library; looked in the working directory and where the "
-                          f"dynamic linker looks (LD_LIBRARY_PATH and the system's directories), in {os.path.dirname(os.path.realpath(HOST))}")
+                          f"dynamic linker looks (LD_LIBRARY_PATH and the system's directories), in {os.path.dirname(os.path.realpath(HOST))}\n")
 
     def test_a_file_that_is_not_a_library_is_reported(self):
         path = self.write("libtext.so", "text")
@@ -256,7 +256,7 @@ class Loading(HostTest):
                 self.assertIn(f"{self.dir}/libbroken_talks.so", done.stdout)
 
     def test_a_svc_conf_loads_bundles(self):
-        conf = self.write("svc.conf", f"# one\n\ndynamic util Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n")
+        conf = self.write("svc.conf", f"# one\n\r\n \t\r\ndynamic util Service_Object * {BUNDLE}:_make_ii_ascii_util() \"\"\n")
         done = self.host("-c", self.config, "--log-level", "off", "--svc-conf", conf, "bundles", "--json")
         self.assertEqual([row["name"] for row in json.loads(done.stdout)], ["util"])
 

@@ -23,6 +23,7 @@ TEST(LogFormat, FillsInTheUsualConversions) {
   EXPECT_EQ(Format("%ld %lld %lu %llx", -1L, -2LL, 3UL, 255ULL), "-1 -2 3 ff");
   EXPECT_EQ(Format("%.2f %5.1f", 1.239, 2.0), "1.24   2.0");
   EXPECT_EQ(Format("%.3s", "abcdef"), "abc");
+  EXPECT_EQ(Format("%100d%.100d", 1, 1), std::string(99, ' ') + "1" + std::string(99, '0') + "1");
   EXPECT_EQ(Format("100%%"), "100%");
 }
 

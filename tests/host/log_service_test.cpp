@@ -103,6 +103,9 @@ TEST_F(LogToFile, ContainsAcesOwnMessagesToo) {
   const host::LogOutput output(file_);
   ACE_ERROR((LM_ERROR, ACE_TEXT("ace says %d\n"), 7));
   EXPECT_THAT(Written(), testing::HasSubstr(" [-] ACE:0 -: ace says 7\n"));
+  logger_->Log("unit", "f", 1, 1, "a record");
+  ACE_ERROR((LM_ERROR, ACE_TEXT("after a record\n")));
+  EXPECT_THAT(Written(), testing::EndsWith(" [-] ACE:0 -: after a record\n"));
 }
 
 TEST_F(LogToFile, ComplaintsOfAceAreCollectedWhenWanted) {

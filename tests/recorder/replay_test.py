@@ -257,6 +257,7 @@ expect 'is unmapped'
         for arguments, reason in ((["f", "--max-differences", "x"], "'x' is not an integer of 0 or more"),
                                   (["f", "--max-differences"], "--max-differences needs a value"),
                                   (["f", "--operations", "Toupper"], "no recorded operation 'Toupper'; did you mean"),
+                                  (["f", "--operations", "ToUpper,"], "no recorded operation ''"),
                                   (["f", "g"], "'g' is not an argument of it"),
                                   (["--json"], "a FILE is missing")):
             done = self.host("replay", *arguments)
