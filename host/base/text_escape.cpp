@@ -13,7 +13,8 @@ void AppendEscape(std::string& out, char c) {
   out += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
 }
 
-std::string EscapeUnless(bool (*isPlain)(char), std::string_view text) {
+template <class IsPlain>
+std::string EscapeUnless(IsPlain isPlain, std::string_view text) {
   std::string out;
   out.reserve(text.size());
   for (const char c : text) {
@@ -46,6 +47,10 @@ std::string EscapeValue(std::string_view text) {
 
 std::string EscapeControls(std::string_view text) {
   return EscapeUnless([](char c) { return static_cast<unsigned char>(c) >= ' ' && c != '\x7f'; }, text);
+}
+
+std::string EscapeEach(std::string_view special, std::string_view text) {
+  return EscapeUnless([special](char c) { return special.find(c) == std::string_view::npos; }, text);
 }
 
 std::string UnescapeBytes(std::string_view text) {

@@ -19,6 +19,9 @@ PLATFORM_API std::string EscapeValue(std::string_view text);
 /// messages of one line.
 PLATFORM_API std::string EscapeControls(std::string_view text);
 
+/// Replaces every byte of `special` by \xNN; all other bytes are unchanged.
+PLATFORM_API std::string EscapeEach(std::string_view special, std::string_view text);
+
 /// Replaces every \xNN (two hexadecimal digits, either case) by its byte. Any other backslash is unchanged.
 PLATFORM_API std::string UnescapeBytes(std::string_view text);
 

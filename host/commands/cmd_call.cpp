@@ -91,7 +91,7 @@ void PrintJson(std::ostream& out, const Answer& answer) {
 
 void RunCall(Session& session, const Call& call, bool asJson) {
   const Target target = TargetOf(call.operation, session.loader);
-  if (session.verboseCalls && !asJson) {
+  if (session.hasConsole && !asJson) {
     const LogCapture capture;
     const Answer answer = call.operation.invoke(target, call.values);
     PrintSections(session.out, answer, capture.Records());

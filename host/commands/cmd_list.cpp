@@ -2,13 +2,12 @@
 // objects are borrowed. Main thread only.
 
 #include <algorithm>
-#include <chrono>
-#include <ctime>
 
 #include "host/base/problem.h"
 #include "host/commands/command.h"
 #include "host/platform/bundle_mgr.h"
 #include "host/platform/interface_registry.h"
+#include "host/platform/log_sink.h"
 
 namespace host {
 namespace {
@@ -30,23 +29,15 @@ const ServiceEntry* EntryOf(const std::vector<ServiceEntry>& services, const Loa
   return found == services.end() ? nullptr : &*found;
 }
 
-std::string UtcTime(std::chrono::system_clock::time_point time) {
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
-  std::tm parts{};
-  gmtime_r(&seconds, &parts);
-  char text[32];
-  return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts)};
-}
-
 Table BundleTable(const Session& session) {
   Table table{{"NAME", "BUNDLE", "SERVICE", "LIBRARY", "LOADED", "FILE", "BUILD"}, {}};
   const std::vector<ServiceEntry> services = ListServices();
   for (const LoadedBundle& bundle : session.loader.Bundles()) {
     const ServiceEntry* const entry = EntryOf(services, bundle);
-    table.rows.push_back({bundle.name, entry == nullptr ? "-" : entry->bundle,
-                          entry == nullptr ? "-" : entry->service, bundle.library, UtcTime(bundle.loadTime),
-                          bundle.ChangedOnDisk() ? "changed" : "unchanged",
-                          bundle.buildId.empty() ? "-" : bundle.buildId});
+    table.rows.push_back(
+        {bundle.name, entry == nullptr ? "-" : entry->bundle, entry == nullptr ? "-" : entry->service,
+         bundle.library, TimeText(bundle.loadTime).substr(0, 19) + "Z",
+         bundle.ChangedOnDisk() ? "changed" : "unchanged", bundle.buildId.empty() ? "-" : bundle.buildId});
   }
   return table;
 }

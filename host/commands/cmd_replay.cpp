@@ -20,11 +20,7 @@ namespace {
 
 /// Parses operation names separated by commas. Rejects text functions: recordings hold operations only.
 std::vector<std::string> ParseNames(const std::string& text) {
-  std::vector<std::string> known;
-  known.reserve(recording_format::kSignatures.size());
-  for (const recording_format::Signature& signature : recording_format::kSignatures) {
-    known.emplace_back(signature.name);
-  }
+  const std::vector<std::string> known = NamesOf(recording_format::kSignatures);
   std::vector<std::string> names;
   for (std::size_t start = 0; start <= text.size();) {
     const std::size_t end = std::min(text.find(',', start), text.size());

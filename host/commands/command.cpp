@@ -52,25 +52,16 @@ const std::vector<Command>& Commands() {
   return table;
 }
 
-std::vector<std::string> CommandNames() {
-  std::vector<std::string> names;
-  for (const Command& command : Commands()) {
-    names.push_back(command.name);
-  }
-  return names;
-}
-
 std::string Usage(const Command& command) {
   return command.arguments.empty() ? command.name : command.name + " " + command.arguments;
 }
 
 const Command& FindCommand(const std::string& name) {
-  for (const Command& command : Commands()) {
-    if (command.name == name) {
-      return command;
-    }
+  if (const Command* const command = FindNamed(Commands(), name)) {
+    return *command;
   }
-  throw UsageError("no command '" + name + "'" + DidYouMean(name, CommandNames(), "; 'help' lists them"));
+  throw UsageError("no command '" + name + "'" +
+                   DidYouMean(name, NamesOf(Commands()), "; 'help' lists them"));
 }
 
 const LoadedBundle& FindBundle(const Session& session, const std::string& name, std::size_t word) {

@@ -53,7 +53,6 @@ std::vector<Command> HelpCommands();     // help, quit
 
 /// All rows, in the order that help prints.
 const std::vector<Command>& Commands();
-std::vector<std::string> CommandNames();
 
 /// "NAME ARGUMENTS".
 std::string Usage(const Command& command);

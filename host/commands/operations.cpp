@@ -209,21 +209,11 @@ const std::vector<Operation>& Operations() {
 }
 
 const Operation& FindOperation(const std::string& name) {
-  for (const Operation& operation : Operations()) {
-    if (operation.name == name) {
-      return operation;
-    }
+  if (const Operation* const operation = FindNamed(Operations(), name)) {
+    return *operation;
   }
   throw UsageError("no operation '" + name + "'" +
-                   DidYouMean(name, OperationNames(), "; 'help call' lists them"));
-}
-
-std::vector<std::string> OperationNames() {
-  std::vector<std::string> names;
-  for (const Operation& operation : Operations()) {
-    names.push_back(operation.name);
-  }
-  return names;
+                   DidYouMean(name, NamesOf(Operations()), "; 'help call' lists them"));
 }
 
 std::string Synopsis(const Operation& operation) {

@@ -49,9 +49,6 @@ const std::vector<Operation>& Operations();
 /// The row of that name; throws `UsageError` with a suggestion when there is none.
 const Operation& FindOperation(const std::string& name);
 
-/// The names of all rows.
-std::vector<std::string> OperationNames();
-
 /// "NAME IN:KIND... -> KIND, OUT:KIND...": the kind after the arrow is that of the result.
 std::string Synopsis(const Operation& operation);
 

@@ -69,26 +69,15 @@ Thrown CurrentException() {
   return thrown;
 }
 
-/// Replaces each of the characters `special` by \xNN.
-std::string EscapeAlso(std::string_view special, const std::string& text) {
-  std::string escaped;
-  for (const char c : text) {
-    constexpr const char* kDigits = "0123456789abcdef";
-    const bool isSpecial = special.find(c) != std::string_view::npos;
-    escaped += isSpecial ? std::string{'\\', 'x', kDigits[c >> 4], kDigits[c & 15]} : std::string(1, c);
-  }
-  return escaped;
-}
-
 /// Turns an escaped text into one argument of `call`: in quotes where it needs them.
 std::string AsArgument(const std::string& text) {
   const bool needsQuotes = text.empty() || text.find_first_of(" \"#") != std::string::npos;
-  const std::string argument = EscapeAlso("'", text);
+  const std::string argument = EscapeEach("'", text);
   return needsQuotes ? '\'' + argument + '\'' : argument;
 }
 
 /// A part of a map, with its separators escaped.
-std::string MapPart(const std::string& text) { return EscapeAlso(",|=", EscapeBytes(text)); }
+std::string MapPart(const std::string& text) { return EscapeEach(",|=", EscapeBytes(text)); }
 
 std::string MapText(const NS_ASCII::ListMap& map) {
   std::string text;

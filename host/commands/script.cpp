@@ -198,11 +198,7 @@ void RunScript(Session& session, const std::string& file, const Words& prefix) {
   if (session.runDepth == kMaxDepth) {
     throw Failure(name + " would be nested deeper than 16 files; does it run itself?");
   }
-  struct Depth {
-    explicit Depth(int& depth) : value(++depth) {}
-    ~Depth() { --value; }
-    int& value;
-  } const depth(session.runDepth);
+  const std::unique_ptr<int, void (*)(int*)> depth(&++session.runDepth, [](int* value) { --*value; });
   const auto lines =
       file == "-" ? std::make_unique<TextLines>(StandardInput(), name) : std::make_unique<TextLines>(file);
   if (const std::string failed = Script(session, *lines, prefix).Run(); !failed.empty()) {

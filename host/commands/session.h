@@ -40,11 +40,10 @@ struct Session {
   CopyingBuffer printed;       ///< its copy holds what the last command wrote to `out`
   std::ostream out;            ///< the commands' output
   std::string problem;         ///< the last command's problem; empty when it succeeded
-  bool verboseCalls = false;   ///< `call` prints its answer in sections, with the log records of the call
   bool quitRequested = false;  ///< set by `quit`
   bool echo = false;           ///< print each line of a command file before running it
   bool keepGoing = false;      ///< report and count failing commands of a file, and run the next
-  bool hasConsole = false;     ///< a console is running
+  bool hasConsole = false;     ///< a console is running; `call` also prints the log records of the call
   int runDepth = 0;            ///< nesting depth of command files
 };
 

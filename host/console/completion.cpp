@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "host/base/suggest.h"
 #include "host/commands/command.h"
 #include "host/commands/operations.h"
 #include "host/platform/config_items.h"
@@ -22,14 +23,6 @@ bool StartsWith(const std::string& text, const std::string& start) {
 bool IsPlainWord(const std::string& name) {
   const auto isPlain = [](char c) { return c > ' ' && c <= '~' && c != '\'' && c != '"'; };
   return !name.empty() && name.front() != '#' && std::all_of(name.begin(), name.end(), isPlain);
-}
-
-std::vector<std::string> BundleNames(const Session& session) {
-  std::vector<std::string> names;
-  for (const LoadedBundle& bundle : session.loader.Bundles()) {
-    names.push_back(bundle.name);
-  }
-  return names;
 }
 
 /// The files in the directory part of `word`, each prefixed with that directory; directories end in '/'.
@@ -52,17 +45,15 @@ std::vector<std::string> NamesForCall(const Words& before) {
     return {"call"};
   }
   const std::size_t first = isTime ? 3 : before.size() > 1 && before[1] == "--json" ? 2 : 1;
-  return before.size() == first ? OperationNames() : std::vector<std::string>();
+  return before.size() == first ? NamesOf(Operations()) : std::vector<std::string>();
 }
 
 std::vector<std::string> NamesFor(const Session& session, const Words& before, const std::string& word) {
   if (before.empty()) {
-    return CommandNames();
+    return NamesOf(Commands());
   }
-  const auto& all = Commands();
-  const auto command =
-      std::find_if(all.begin(), all.end(), [&](const Command& row) { return row.name == before[0]; });
-  if (command == all.end()) {
+  const Command* const command = FindNamed(Commands(), before[0]);
+  if (command == nullptr) {
     return {};
   }
   const Completes kind = command->completes;
@@ -71,11 +62,11 @@ std::vector<std::string> NamesFor(const Session& session, const Words& before, c
   }
   switch (kind) {
     case Completes::kCommands:
-      return CommandNames();
+      return NamesOf(Commands());
     case Completes::kOperations:
       return NamesForCall(before);
     case Completes::kBundles:
-      return BundleNames(session);
+      return NamesOf(session.loader.Bundles());
     case Completes::kItems:
       return ItemNames();
     case Completes::kFiles:

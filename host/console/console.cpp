@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <memory>
 #include <system_error>
 
 #include "host/base/text_escape.h"
@@ -62,13 +63,13 @@ void RunConsole(Session& session) {
   if (session.hasConsole) {
     throw Failure("console: a console is running already");
   }
-  session.hasConsole = session.verboseCalls = true;
+  session.hasConsole = true;
+  const std::unique_ptr<bool, void (*)(bool*)> reset(&session.hasConsole, [](bool* flag) { *flag = false; });
   if (isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) {
     RunInteractively(session);
   } else {
     RunScript(session, "-");
   }
-  session.hasConsole = false;
 }
 
 Action ParseConsole(const Words& /*words*/) { return RunConsole; }

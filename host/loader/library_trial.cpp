@@ -8,7 +8,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -146,8 +145,6 @@ std::optional<int> RunLibraryTrial(int argc, const char* const* argv) {
     SetTrialProgram(std::filesystem::exists(program, none) ? program : "/proc/self/exe");
     return std::nullopt;
   }
-  const rlimit noCore{0, 0};
-  setrlimit(RLIMIT_CORE, &noCore);
   // A crash must end the child by its signal, also with a sanitizer, which installs handlers of its own.
   for (const int crash : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV}) {
     static_cast<void>(signal(crash, SIG_DFL));

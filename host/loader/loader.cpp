@@ -64,9 +64,8 @@ std::string WithReason(const std::string& problem, const std::string& reason) {
 std::vector<std::pair<InterfaceName, InterfaceName>> LookedUpSince(const std::vector<InterfaceName>& before) {
   std::vector<std::pair<InterfaceName, InterfaceName>> names;
   for (const InterfaceName& name : ListInterfaces()) {
-    const auto found = std::find_if(before.begin(), before.end(),
-                                    [&](const InterfaceName& entry) { return entry.name == name.name; });
-    const InterfaceName old = found == before.end() ? InterfaceName() : *found;
+    const InterfaceName* const found = FindNamed(before, name.name);
+    const InterfaceName old = found == nullptr ? InterfaceName() : *found;
     if (name.lookups > old.lookups) {
       names.emplace_back(old, name);
     }
@@ -393,14 +392,11 @@ const LoadedBundle& Loader::Reload(const std::string& name) {
 }
 
 const LoadedBundle& Loader::Find(const std::string& name) const {
-  std::vector<std::string> names;
-  for (const LoadedBundle& bundle : bundles_) {
-    if (bundle.name == name) {
-      return bundle;
-    }
-    names.push_back(bundle.name);
+  if (const LoadedBundle* const bundle = FindNamed(bundles_, name)) {
+    return *bundle;
   }
-  throw Failure("no bundle '" + name + "' is loaded" + DidYouMean(name, names, "; 'bundles' lists them"));
+  throw Failure("no bundle '" + name + "' is loaded" +
+                DidYouMean(name, NamesOf(bundles_), "; 'bundles' lists them"));
 }
 
 void* Loader::FindSymbol(const std::string& symbol) const {

@@ -6,46 +6,37 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "framework/platform_util.h"
 
 namespace {
 
-/// Owns an iconv descriptor; not open when a code set is unknown.
-class Descriptor {
- public:
-  Descriptor() = default;
-  Descriptor(const std::string& from, const std::string& to) : value_(iconv_open(to.c_str(), from.c_str())) {}
-  Descriptor(Descriptor&& other) noexcept : value_(std::exchange(other.value_, None())) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(value_, other.value_);
-    return *this;
-  }
-  ~Descriptor() {
-    if (IsOpen()) {
-      iconv_close(value_);
-    }
-  }
-
-  [[nodiscard]] bool IsOpen() const { return value_ != None(); }
-
-  void Reset() const { iconv(value_, nullptr, nullptr, nullptr, nullptr); }
-
-  /// Converts what fits into `space` bytes at `out` and advances all four. Returns 0, or the errno value that
-  /// stopped it. A null `in` writes the final shift sequence of a stateful target and resets the descriptor.
-  int Step(char*& in, std::size_t& left, char*& out, std::size_t& space) const {
-    const std::size_t result = iconv(value_, in == nullptr ? nullptr : &in, &left, &out, &space);
-    return result == static_cast<std::size_t>(-1) ? errno : 0;
-  }
-
- private:
-  static iconv_t None() { return reinterpret_cast<iconv_t>(-1); }  // NOLINT(performance-no-int-to-ptr)
-
-  iconv_t value_ = None();
+struct Close {
+  void operator()(iconv_t descriptor) const { iconv_close(descriptor); }
 };
+
+/// Owns an iconv descriptor; null when a code set is unknown.
+using Descriptor = std::unique_ptr<std::remove_pointer_t<iconv_t>, Close>;
+
+Descriptor Open(const std::string& from, const std::string& to) {
+  void* const opened = iconv_open(to.c_str(), from.c_str());
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
+  return Descriptor(opened == reinterpret_cast<iconv_t>(-1) ? nullptr : opened);
+}
+
+void Reset(const Descriptor& convert) { iconv(convert.get(), nullptr, nullptr, nullptr, nullptr); }
+
+/// Converts what fits into `space` bytes at `out` and advances all four. Returns 0, or the errno value that
+/// stopped it. A null `in` writes the final shift sequence of a stateful target and resets the descriptor.
+int Step(const Descriptor& convert, char*& in, std::size_t& left, char*& out, std::size_t& space) {
+  const std::size_t result = iconv(convert.get(), in == nullptr ? nullptr : &in, &left, &out, &space);
+  return result == static_cast<std::size_t>(-1) ? errno : 0;
+}
 
 /// Appends to `out` what `convert` writes. Returns 0, or the errno value that stopped it, other than E2BIG.
 int Append(const Descriptor& convert, char*& in, std::size_t& left, std::string& out) {
@@ -53,7 +44,7 @@ int Append(const Descriptor& convert, char*& in, std::size_t& left, std::string&
     std::array<char, 4096> buffer;
     char* end = buffer.data();
     std::size_t space = buffer.size();
-    const int problem = convert.Step(in, left, end, space);
+    const int problem = Step(convert, in, left, end, space);
     out.append(buffer.data(), end);
     if (problem != E2BIG) {
       return problem;
@@ -72,14 +63,14 @@ bool IsUsual(std::string_view codeSet) { return codeSet == "UTF-8" || codeSet ==
 class Converter {
  public:
   bool Open(const std::string& from, const std::string& to) {
-    if (!convert_.IsOpen() || from != from_ || to != to_) {
-      convert_ = Descriptor(from, to);
-      measure_ = Descriptor(from, "UTF-32LE");
+    if (convert_ == nullptr || from != from_ || to != to_) {
+      convert_ = ::Open(from, to);
+      measure_ = ::Open(from, "UTF-32LE");
       from_ = from;
       to_ = to;
       usual_ = IsUsual(from) && IsUsual(to);
     }
-    return convert_.IsOpen() && measure_.IsOpen();
+    return convert_ != nullptr && measure_ != nullptr;
   }
 
   /// Returns false when a '?' was written for a character that could not be converted.
@@ -88,7 +79,7 @@ class Converter {
     char* in = const_cast<char*>(input.data());  // iconv does not write to its input.
     std::size_t left = input.size();
     if (!usual_) {
-      convert_.Reset();  // The previous conversion may have thrown std::bad_alloc in a shift state.
+      Reset(convert_);  // The previous conversion may have thrown std::bad_alloc in a shift state.
     }
     std::string converted;
     converted.reserve(input.size());
@@ -123,8 +114,8 @@ class Converter {
     char* out = character;
     std::size_t space = sizeof character;
     const std::size_t before = left;
-    measure_.Reset();
-    measure_.Step(in, left, out, space);
+    Reset(measure_);
+    Step(measure_, in, left, out, space);
     return std::max<std::size_t>(before - left, 1);
   }
 

@@ -25,10 +25,10 @@ using NS_BUNDLEMGR1::ServiceInterface;
 using Buffer = std::vector<ServiceInterface*>;
 
 struct Name {
-  std::deque<Buffer> buffers;  // A deque keeps the addresses of the buffers, which callers hold.
+  /// Never shrinks. A deque keeps the addresses of the buffers, which callers hold.
+  std::deque<Buffer> buffers;
   Buffer* current = nullptr;
   std::uint64_t lookups = 0;
-  bool everRegistered = false;
 };
 
 struct Registry {
@@ -62,7 +62,7 @@ std::vector<InterfaceName> ListInterfaces() {
   list.reserve(registry.names.size());
   for (const auto& [text, name] : registry.names) {
     list.push_back(
-        {text, name.current == nullptr ? Buffer{} : *name.current, name.lookups, name.everRegistered});
+        {text, name.current == nullptr ? Buffer{} : *name.current, name.lookups, !name.buffers.empty()});
   }
   return list;
 }
@@ -97,7 +97,6 @@ int SetIFBuf(const std::string& name, ServiceInterface* interface) {
   host::Buffer& buffer = host::UnusedBuffer(entry);  // May be the current one, when that is empty.
   buffer = std::move(newestFirst);
   entry.current = &buffer;
-  entry.everRegistered = true;
   return 0;
 }
 

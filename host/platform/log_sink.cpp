@@ -39,20 +39,6 @@ Captures& TheCaptures() {
   return captures;
 }
 
-std::string TimeText(std::chrono::system_clock::time_point time) {
-  using std::chrono::milliseconds;
-  const auto sinceEpoch = std::chrono::duration_cast<milliseconds>(time.time_since_epoch());
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
-  std::tm parts{};
-  gmtime_r(&seconds, &parts);
-  char date[40];
-  const std::size_t length = std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &parts);
-  char fraction[24];
-  static_cast<void>(
-      std::snprintf(fraction, sizeof fraction, ".%03dZ", static_cast<int>(sinceEpoch.count() % 1000)));
-  return std::string(date, length) + fraction;
-}
-
 std::string OrDash(const std::string& text) { return text.empty() ? "-" : EscapeBytes(text); }
 
 /// A message of ACE's service configurator without its prefix "ACE (17|17) [error 0] on line 1: ". The line
@@ -64,13 +50,6 @@ std::string WithoutAcePlace(const std::string& text) {
   const std::size_t end = line == std::string::npos ? line : text.find(": ", line);
   return text.compare(0, kStart.size(), kStart) == 0 && end != std::string::npos ? text.substr(end + 2)
                                                                                  : text;
-}
-
-std::string WithoutLineEnd(std::string text) {
-  while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
-    text.pop_back();
-  }
-  return text;
 }
 
 /// Receives every record of the process; ACE calls `log` under its own lock.
@@ -85,7 +64,8 @@ class Backend : public ACE_Log_Msg_Backend {
       Write(record.msg_data());
       return 0;
     }
-    const std::string text = WithoutLineEnd(record.msg_data());
+    std::string text = record.msg_data();
+    text.erase(text.find_last_not_of("\n ") + 1);
     if (complaints != nullptr) {
       complaints->Add(WithoutAcePlace(text));
     } else {
@@ -147,18 +127,25 @@ Backend& TheBackend() {
   return backend;
 }
 
-ACE_Log_Priority PriorityOf(int level) {
-  if (level <= 0) {
-    return LM_DEBUG;
-  }
-  return level == 1 ? LM_INFO : LM_NOTICE;
-}
-
 }  // namespace
 
 void SetLogLevel(int level) { lowestLevel = level; }
 
 int LogLevel() { return lowestLevel; }
+
+std::string TimeText(std::chrono::system_clock::time_point time) {
+  using std::chrono::milliseconds;
+  const auto sinceEpoch = std::chrono::duration_cast<milliseconds>(time.time_since_epoch());
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+  std::tm parts{};
+  gmtime_r(&seconds, &parts);
+  char date[40];
+  const std::size_t length = std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &parts);
+  char fraction[24];
+  static_cast<void>(
+      std::snprintf(fraction, sizeof fraction, ".%03dZ", static_cast<int>(sinceEpoch.count() % 1000)));
+  return std::string(date, length) + fraction;
+}
 
 int ParseLogLevel(const std::string& text) {
   if (text == "off") {
@@ -188,7 +175,7 @@ void WriteLog(const LogRecord& record) {
   if (record.level < LogLevel() || (captured && !TheBackend().WritesToFile())) {
     return;
   }
-  ACE_Log_Record line(PriorityOf(record.level), ACE_OS::gettimeofday(), ACE_OS::getpid());
+  ACE_Log_Record line(LM_INFO, ACE_OS::gettimeofday(), ACE_OS::getpid());
   line.msg_data(LogLine(record).c_str());
   writingOwnLine = true;
   ACE_Log_Msg::instance()->log(line);

@@ -46,6 +46,9 @@ PLATFORM_API int LogLevel();
 /// Parses "0", "1", "2" or "off"; throws `UsageError` for any other text.
 PLATFORM_API int ParseLogLevel(const std::string& text);
 
+/// UTC to the millisecond, as in "2026-11-21T08:15:02.417Z".
+PLATFORM_API std::string TimeText(std::chrono::system_clock::time_point time);
+
 /// The line for a record, without its line end.
 PLATFORM_API std::string LogLine(const LogRecord& record);
 
