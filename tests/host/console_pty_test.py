@@ -222,13 +222,16 @@ class ConsoleAtATerminal(unittest.TestCase):
 
     def test_standard_input_is_read_again_after_its_end(self):
         terminal = self.start()
-        for _ in range(2):
-            terminal.type("run -\r")
-            terminal.wait_for_lines()
-            terminal.type("log\n")
-            terminal.wait_for("log level: 0")
-            terminal.type("\x04")
-            terminal.wait_for(PROMPT)
+        terminal.type("run -\r")
+        terminal.wait_for_lines()
+        terminal.type("log\n")
+        terminal.wait_for("log level: 0")
+        terminal.type("\x04")
+        terminal.wait_for(PROMPT)
+        terminal.type("run -\r")
+        terminal.wait_for_lines()
+        terminal.type("nonsense\nlog\n")
+        terminal.wait_for("stdin:1:1: no command 'nonsense'")
 
     def test_sigterm_during_a_command_ends_the_console(self):
         terminal = self.start()

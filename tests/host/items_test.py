@@ -28,6 +28,10 @@ class Items(HostTest):
         self.assertEqual(done.stderr, f"bundle_host: {self.config}/config_items.ini:2:1: Big: '2147483648{reason}"
                                       f"bundle_host: {self.config}/config_items.ini:3:1: IsTransQuelt: '0 ; off{reason}")
 
+    def test_an_item_that_is_not_an_integer_is_listed_as_unreadable(self):
+        self.write("config/config_items.ini", "[items]\nOther=x\n")
+        self.assertEqual(self.loaded("items").stdout, "ITEM   VALUE  READABLE\nOther  x      no, not an integer\n")
+
     def test_items_can_be_set_and_unset_while_the_bundle_runs(self):
         done = self.loaded("run", "-", stdin="call IsTransQueltEnabled\nset IsTransQuelt 1\ncall IsTransQueltEnabled\n"
                                              "set IsTransQuelt 2\ncall IsTransQueltEnabled\n"

@@ -215,6 +215,9 @@ class Loading(HostTest):
                 if "Sanitizer" not in done.stderr:  # A sanitizer's handler ends the process with its own exit code.
                     self.assertEqual(done.returncode, -getattr(signal, line.rpartition(" ")[2]))
 
+    def test_a_crash_at_exit_loses_no_output_of_the_command(self):
+        self.assertIn("broken_fini_crashes", self.host("-b", broken("fini_crashes"), "bundles").stdout)
+
     def test_a_crash_signal_from_another_process_ends_the_host_too(self):
         with subprocess.Popen([HOST, "load", broken("init_hangs")], stdin=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
                               stdout=subprocess.PIPE) as process:

@@ -68,6 +68,14 @@ class Expect(HostTest):
         self.assertEqual([line.split(" ")[0] for line in done.stdout.splitlines()],
                          ["loaded", "unloaded", "bundle_host:", "bundle_host:"])
 
+    def test_an_error_is_that_of_the_last_command_only(self):
+        done = self.script("unset A\nexpect-error 'no item'\nlog\nexpect-error 'no item'\n")
+        self.assert_fails(done, 1, "stdin:4:1: expected the error 'no item', but the last command succeeded")
+
+    def test_an_unknown_bundle_is_reported_with_its_column(self):
+        for command in ("init", "reload", "unload"):
+            self.assert_fails(self.script(f"{command} absent\n"), 1, f"stdin:1:{len(command) + 2}: no bundle 'absent' is loaded")
+
     def test_keep_going_succeeds_when_nothing_failed(self):
         done = self.script("log\n", "--keep-going")
         self.assertEqual((done.returncode, done.stderr), (0, ""))

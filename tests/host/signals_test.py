@@ -84,6 +84,16 @@ class Signals(HostTest):
                 process.send_signal(second)
                 self.assertEqual(process.wait(timeout=200), -second)
 
+    def test_a_command_that_ends_after_the_signal_is_the_interrupted_one(self):
+        script = self.write("script", f"load {broken('init_hangs')}\nlog\n")
+        process = self.start("run", script)
+        self.assertEqual(process.stdout.readline(), "init begins\n")
+        process.send_signal(signal.SIGINT)
+        while self.is_pending(process, signal.SIGINT):
+            pass
+        code, _, err = self.end(process)  # Ends the bundle's standard input.
+        self.assertEqual((code, err.splitlines()[-1]), (130, f"bundle_host: {script}:1:1: interrupted by SIGINT"))
+
     def test_sigterm_after_an_interrupt_is_a_first_one(self):
         process = self.start("load", broken("init_hangs"))
         self.assertEqual(process.stdout.readline(), "init begins\n")

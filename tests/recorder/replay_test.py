@@ -78,6 +78,8 @@ class Replay(unittest.TestCase):
         self.assertEqual(len(table), 14)
         self.assertEqual((report["calls"], report["different"], report["skipped_lines"]), (19, 0, 0))
         self.assertTrue(report["configuration"]["same"])
+        self.assertRegex(report["configuration"]["recorded"], r"^\d+ \d+$")
+        self.assertEqual(report["configuration"]["recorded"], report["configuration"]["now"])
         for name, row in table.items():
             uncompared = row["calls"] if name in ("GetTimeStamp", "WriteDbgLog") else 0
             self.assertEqual((row["same"], row["not_compared"]), (row["calls"] - uncompared, uncompared), name)
