@@ -49,8 +49,8 @@ struct UnloadReport {
 /// Loads bundles through ACE's service configurator and unloads them.
 ///
 /// Ownership: ACE holds a reference to the library from the load to the removal. The loader holds a second
-/// one only during its own calls, so that it can destroy a service object that the exterminator did not
-/// destroy while its code is still mapped. Loggers belong to the log service and are kept. Other bundles must
+/// one only during its own calls: it keeps the code mapped until the loader has destroyed a service object
+/// that the exterminator left. Loggers belong to the log service and are kept. Other bundles must
 /// drop the interfaces that they fetched before the unload.
 ///
 /// Every library is tried in a child process first (see library_trial.h). Factories, `init` and `fini` run

@@ -44,9 +44,9 @@ namespace NS_ASCII {
 
 /// Decodes '+' to a blank and percent escapes to bytes; converts no code set.
 ///
-/// Up to two characters after a '%', those before the next '%' and the end of the text, are consumed and read
-/// as C++ streams read a hexadecimal integer: a sign, white space and "0x" are accepted, one digit is enough,
-/// no digit gives NUL ("%zz"). An escape that is empty or white space repeats the byte of the previous
+/// The two characters after a '%', or fewer if another '%' or the end of the text comes first, are consumed
+/// and read as C++ streams read a hexadecimal integer: a sign, white space and "0x" are accepted, one digit is
+/// enough, no digit gives NUL ("%zz"). An escape that is empty or white space repeats the byte of the previous
 /// escape, or gives NUL if there is none; a '%' at the very end is dropped.
 /// So this is not the inverse of `GetURLEncoding`: "a%ab" is 'a' and the byte 0xAB.
 [[nodiscard]] PLATFORM_API std::string GetURLDecoding(std::string text);

@@ -73,7 +73,7 @@ class Alarm_Config_Param {  // NOLINT(cppcoreguidelines-virtual-class-destructor
   void ExpandField(const FieldList& alternatives, AlarmConfigRecord& record,
                    std::vector<AlarmConfigRecord>& records, unsigned mode);
 
-  /// Inserts every combination of the five columns in `fields`: appends one record for each alternative of
+  /// Inserts the records of a line whose columns are `fields`: appends one record for each alternative of
   /// column 1 to `byKey1` and one for each combination to `all`, two different vectors, then inserts all
   /// elements of `all` in order. Inserts nothing when there are not five columns, or when column 1 or 2 has
   /// an empty or a sixth alternative. `fields` is overwritten; `line` is for the message.

@@ -61,8 +61,8 @@ class LogMgr : private ACE_Copy_Disabled {
   static void Release();
 
   /// Logs `message` at level 0 with the calling thread's position. The message is dropped when there is no
-  /// logger, which is fetched only once, when the log manager is created, or when the thread's record cannot
-  /// be created.
+  /// logger or the thread's record cannot be created. The logger is fetched only once, when the log manager
+  /// is created.
   void LogPos(const std::string& message);
 
  private:
