@@ -1,6 +1,7 @@
-# Rules of `cmake --install`, in three components: `runtime` (the bundle and what it is linked to), `development`
-# (headers, CMake package, pkg-config files, pages) and `tools` (programs and their manual pages). Also gives a project that
-# adds this one as a subdirectory the same target names that the installed CMake package has.
+# Rules of `cmake --install`, in three components: `runtime` (the bundle, the recorder, the host's library, a sample svc.conf
+# and the bill of materials), `development` (headers, CMake package, pkg-config files, pages) and `tools` (programs, their
+# manual pages and completions). Also gives a project that adds this one as a subdirectory the same target names that the
+# installed CMake package has.
 
 include(CMakePackageConfigHelpers)
 

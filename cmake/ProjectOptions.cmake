@@ -33,7 +33,7 @@ if(ASCII_UTIL_SANITIZE)
   target_compile_options(ascii_util_options INTERFACE
     -fsanitize=${ASCII_UTIL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
   target_link_options(ascii_util_options INTERFACE -fsanitize=${ASCII_UTIL_SANITIZE})
-  # With its sanitizers, GCC warns of uninitialised variables in the standard library that are initialised.
+  # With its sanitizers, GCC reports variables of the standard library as uninitialised that are initialised.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(ascii_util_options INTERFACE -Wno-maybe-uninitialized)
   endif()
