@@ -54,7 +54,7 @@ constexpr std::array<Rule, kRuleCount> kRules{{
     {Code::kByteOrderMark, "byte-order-mark", S::kWarning, R::kSafe,
      "A byte order mark belongs to the first line's text."},
     {Code::kNotAscii, "not-ascii", S::kWarning, R::kNever,
-     "Bytes that are not ASCII are compared one by one, in every encoding."},
+     "Text outside ASCII is compared byte by byte: callers must use the file's encoding."},
     {Code::kManyRecords, "many-records", S::kWarning, R::kNever,
      "The alternatives combine to 16 records or more."},
     {Code::kNoRecord, "no-record", S::kWarning, R::kNever,
