@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t kMaxReported = 10;
 
-/// Reports bad lines: the first ones one by one, then their number.
+/// Reports bad lines: the first `kMaxReported` one by one, then the number of the others.
 class LineProblems {
  public:
   LineProblems(const std::string& name, const Outputs& outputs) : name_(name), outputs_(outputs) {}

@@ -43,7 +43,7 @@ struct AnsweredQuery {
 /// A line with keys that no query asked for.
 struct UnaskedLine {
   Place place;
-  std::vector<std::string> alternatives;  ///< descriptions of those keys; empty when it is all of them
+  std::vector<std::string> alternatives;  ///< columns 1 and 2 of each such key; empty: no key was asked for
 };
 
 struct Coverage {

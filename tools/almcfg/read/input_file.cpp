@@ -85,7 +85,8 @@ std::size_t ReadSome(const InputFile& file, char* buffer, std::size_t size) {
   }
 }
 
-/// Whether this is a pipe that was opened by its name, has no bytes and has had no writer since.
+/// Whether this is a pipe that was opened by its name and has no bytes. It either has a writer that has not written
+/// yet, or has had none since it was opened.
 bool IsSilentPipe(const InputFile& file) {
   struct stat status;
   pollfd waiting{file.Descriptor(), POLLIN, 0};

@@ -53,7 +53,7 @@ struct Entry {
 struct Repeat {
   Place place;
   std::size_t record = 0;
-  Place earlier;  ///< the line that set the key last before; may be the same line
+  Place earlier;  ///< the previous line that set the key; may be the same line
   std::size_t earlierRecord = 0;
 };
 

@@ -122,7 +122,7 @@ class HtmlWriter : public TableWriter {
     for (std::size_t i = 0; i < files.FileCount(); ++i) {
       paths_.emplace_back(files.Text(i).Name());
     }
-    // The checker reports what concerns a whole file after the file's last line.
+    // The checker reports a file without a record at line 1, but after the findings of all lines.
     std::stable_sort(findings_.begin(), findings_.end(),
                      [this](const PlacedFinding& a, const PlacedFinding& b) {
                        return PositionOf(a.place) < PositionOf(b.place);
