@@ -30,7 +30,7 @@ class RecorderService : public NS_BUNDLEMGR1::ServiceObjectBase {
   void RemoveInterface() override;
 
   /// Returns -1, with one line in ACE's log and in the log service, when the recording stopped early because
-  /// the file could not be written; otherwise 0, also without a recording.
+  /// the file could not be written or memory ran out; otherwise 0, also without a recording.
   int fini() override;
 
   /// Takes the arguments of `ParseOptions`. Returns 0, or -1 with one line in ACE's log and in the log

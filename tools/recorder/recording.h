@@ -37,8 +37,9 @@ class Recording {
 
   /// Creates the file and starts the writer's thread. `head` names the implementation; `Start` fills in the
   /// rest of it. `onProblem` is called at most once, on the writer's thread, with one line of text, when the
-  /// file cannot be written any more; recording has then stopped. `capacity` is that of the queue in bytes; a
-  /// larger record is dropped. Throws `std::system_error` or `std::bad_alloc`; nothing is started then.
+  /// file cannot be written any more or memory runs out there; recording has then stopped. `capacity` is that of
+  /// the queue in bytes; a larger record is dropped. Throws `std::system_error` or `std::bad_alloc`; nothing is
+  /// started then.
   void Start(const Options& options, recording_format::Head head, void (*onProblem)(const std::string&),
              std::uint32_t capacity);
 
