@@ -24,7 +24,8 @@ std::vector<Command> LogCommands() {
   return {
       {"log", "[LEVEL]", "show or set the lowest level that is written to the log",
        "0 writes everything; 1 leaves out the details for debugging; 2 writes only starts of services and\n"
-       "their failures; off writes nothing. The console shows the records of a call at every level.\n",
+       "their failures; off writes no record. ACE's own messages are written at every level, and the\n"
+       "console shows the records of a call at every level.\n",
        0, 1, Completes::kNothing, ParseLog},
   };
 }
