@@ -71,7 +71,8 @@ bool WaitForInput(int descriptor) {
     if (poll(waits.data(), waits.size(), -1) > 0 && waits[0].revents != 0) {
       break;
     }
-    char bytes[16];  // Bytes of a signal that was cleared, or of a child process.
+    // The bytes of signals that were cleared or that a forked child received, which shares the pipe.
+    char bytes[16];
     while (read(wakeUp[0], bytes, sizeof bytes) > 0) {
     }
   }

@@ -241,8 +241,8 @@ Replay ReplayCalls(const ReplayOptions& options, NS_ASCII::AsciiUtilInterface& i
   if (std::error_code none; std::filesystem::is_directory(options.file, none)) {
     throw Failure(options.file + ": is a directory; give the file that the recorder wrote");
   }
-  // A recording that is still written grows, perhaps by the calls of this replay. A pipe has no size, which
-  // gives the largest number; files in /proc have the size 0.
+  // A recording that is still written grows, perhaps by the calls of this replay. For a pipe
+  // `file_size` fails and returns its largest value; files in /proc have the size 0.
   std::error_code ignored;
   const std::uintmax_t end = std::filesystem::file_size(options.file, ignored);
   Player player(options, interface);
