@@ -43,8 +43,8 @@ host() { "$build/host/bundle_host" --config-dir examples/config "$@" 2>&1 | inde
 config=examples/config/ii_asciiagent_bundle/AlarmConfig.csv
 
 heading "1. Before a configuration is used: almcfg check"
-explain "The example configuration has mistakes on purpose. The agent would drop these lines, mostly without a message;" \
-  "the checker names each one, with the reason and the remedy. Its exit code is 1."
+explain "The example configuration has mistakes on purpose. The agent would write no message about most of them; the checker" \
+  "names each one, with the reason and the remedy. Its exit code is 1."
 "$build/tools/almcfg/almcfg" check "$config" || [ $? -eq 1 ]
 
 heading "2. Every operation of the bundle: bundle_host run examples/every_operation.txt"
