@@ -17,7 +17,8 @@ namespace alarm_agent {
 /// The severity is the configured value for kind, equipment, cause and number. 0, and so every alarm that is
 /// not configured, reads INDETERMINATE. An alarm whose text holds "CEASED" reads CLEARED. With the
 /// operator-specific translation switched on, the severity is written as the operator's priority, P0 to P5. A
-/// line that is not an alarm yields a message with its number and the reason.
+/// value N outside 0 to 5 is written as "SEVERITY=N", one that is not a number as "SEVERITY?". A line that is not
+/// an alarm yields a message with its number and the reason.
 ///
 /// Ownership: borrows the interface, which must outlive it.
 /// Threads: any thread at any time; no state is kept between calls.
