@@ -1,8 +1,8 @@
 #ifndef TESTS_PRIVATE_MEMBER_H_
 #define TESTS_PRIVATE_MEMBER_H_
 
-/// Access to a private member whose effect no public operation shows in a test's time or memory. An explicit
-/// instantiation may name private members, so the class stays unchanged and access control stays on:
+/// Access to a private member, for states that public operations reach only with more time or memory than a test
+/// has. An explicit instantiation may name private members, so the class stays unchanged and access control stays on:
 ///
 ///   namespace private_member {
 ///   struct NextUnit {

@@ -1,8 +1,8 @@
 // Splitting at a separator.
 //
-// Holds for every text and every separator that is not empty (required: with an empty one the operation never
-// ends): the pieces are those of the literal rules; they are appended; none is longer than the
-// text. Input: separator, 0xFF, text.
+// Holds for every text and every separator that is not empty (required: an empty one exhausts memory): the
+// pieces are those of the literal rules; they are appended; none is longer than the text.
+// Input: separator, 0xFF, text.
 
 #include <vector>
 

@@ -127,7 +127,7 @@ TEST_F(AlarmAgentTest, TheExampleFeedGivesAMessageForEachLine) {
                   "INDETERMINATE", "MALFORMED", "MALFORMED", "MALFORMED", "CRITICAL", "CLEARED", "MAJOR"));
 }
 
-TEST_F(AlarmAgentTest, FourWorkersLoseDoubleAndSwapNothingWhileTheConfigurationIsReloaded) {
+TEST_F(AlarmAgentTest, FourWorkersKeepEachMessageOnceAndInOrderWhileTheConfigurationIsReloaded) {
   std::string feed;
   for (std::size_t id = 1; id <= FEED_LINES; ++id) {
     feed += id % 1000 == 0 ? "junk\n" : Alarm(id);

@@ -1,5 +1,5 @@
-// Splitting at a separator: pieces, aliasing arguments, the number of allocations. Required: an empty
-// separator never ends, which a child process shows.
+// Splitting at a separator: pieces, aliasing arguments, the number of allocations. Required: a call
+// with an empty separator appends pieces until memory runs out, which a child process shows.
 
 #include <algorithm>
 #include <memory>
