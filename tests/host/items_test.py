@@ -38,9 +38,6 @@ class Items(HostTest):
                                              "unset IsTransQuelt\ncall IsTransQueltEnabled\n")
         self.assertEqual(done.stdout, "result: false\nresult: true\nresult: false\nresult: true\n")
 
-    def test_an_item_without_a_name_is_refused(self):
-        self.assert_fails(self.loaded("set", "", "1"), 2, "set: '' is not an item; give its name")
-
     def test_unsetting_a_missing_item_fails(self):
         self.assert_fails(self.loaded("unset", "IsTransQuel"), 1, "there is no item 'IsTransQuel'; did you mean IsTransQuelt?")
         self.assert_fails(self.loaded("unset", "x"), 1, "there is no item 'x'; 'items' lists them")
