@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Checks the subjects of commits: `area: imperative what`, lower case after the colon, at most 72 characters. An area is a
-# folder or a file of the commit or of its parent; several are separated by ", ".
+# folder or a file of the commit or of its parent, without capital letters in its path; several are separated by ", ".
 #
 #   scripts/commits.sh [--help] [RANGE]
 #

@@ -106,6 +106,9 @@ TEST_F(LogToFile, ContainsAcesOwnMessagesToo) {
   logger_->Log("unit", "f", 1, 1, "a record");
   ACE_ERROR((LM_ERROR, ACE_TEXT("after a record\n")));
   EXPECT_THAT(Written(), testing::EndsWith(" [-] ACE:0 -: after a record\n"));
+  host::SetLogLevel(host::kLogOff);
+  ACE_ERROR((LM_ERROR, ACE_TEXT("at every level\n")));
+  EXPECT_THAT(Written(), testing::EndsWith(" [-] ACE:0 -: at every level\n"));
 }
 
 TEST_F(LogToFile, ComplaintsOfAceAreCollectedWhenWanted) {

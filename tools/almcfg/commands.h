@@ -15,7 +15,7 @@ class Progress;
 /// Where a command writes. Streams and progress are borrowed.
 struct Outputs {
   std::ostream& out;  ///< the answer
-  std::ostream& err;  ///< what went wrong
+  std::ostream& err;  ///< problems, counts of findings, and what was repaired
   Progress& progress;
   TextStyle style;          ///< of `out`
   bool isTerminal = false;  ///< `out` is a terminal: escape control characters
