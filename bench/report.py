@@ -120,7 +120,7 @@ ratio is the time of the bundle, loaded with `dlopen` and called through its vir
 other's: below 1 the bundle is faster. Each run uses many different inputs, and a contestant is timed only after it has
 given the expected answer to all of them. Loads are checked after they are timed, by 100 lookups; lookups during loads are not
 checked. Contestants take turns in one process; a time is the lower quartile of the processor time over all repetitions, because
-other load on the machine only adds to it.
+other load on the machine only adds to it. The table "Memory" compares bytes of resident memory per record instead of times.
 
 - `literal`: the plain version of the rules that the tests compare with; it is not counted as a rival.
 - `by hand`, `memchr`, `memmem`: the few lines over views that a caller would write, inlined (`bench/by_hand.h`).
