@@ -107,7 +107,7 @@ std::string AsciiUtilInterfaceImpl::GetKeyValue(const std::string& key, const st
 
 std::int64_t AsciiUtilInterfaceImpl::ParseListMap(ListMap& map, const std::string& text) {
   ListMap previous;
-  map.swap(previous);  // Keeps the old content until it is split: `text` may be one of its strings.
+  map.swap(previous);  // The old content is destroyed after the split: `text` may be one of its strings.
   std::vector<std::string> entries;
   SplitStr(text, ",", entries);
   previous.clear();

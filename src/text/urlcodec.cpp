@@ -118,8 +118,8 @@ constexpr std::array<unsigned char, 256> kEscapeClasses = MakeEscapeClasses();
 unsigned ClassOf(char c) { return kEscapeClasses[static_cast<unsigned char>(c)]; }
 
 /// The value of an escape whose two characters are of these classes, not both digits, as stream extraction of
-/// a hexadecimal `int` reads them; `previous` when there is nothing but white space, which extraction does not
-/// read.
+/// a hexadecimal `int` reads them; `previous` when there is nothing but white space: extraction then leaves
+/// its variable unchanged.
 unsigned UnusualEscapeValue(unsigned first, unsigned second, unsigned previous) {
   if (first <= kLastDigit) {
     return first;
