@@ -71,9 +71,7 @@ int Report(const std::exception& problem, int exitCode) {
 
 int main(int argc, char* argv[]) {
   HoldStandardStreams();
-  if (const auto trialResult = host::RunLibraryTrial(argc, argv)) {
-    return *trialResult;
-  }
+  host::RunLibraryTrial(argc, argv);
   try {
     const auto parsed = host::ParseOptions(argc, argv);
     int exitCode = 0;

@@ -137,13 +137,13 @@ std::string WhyEnded(int status) {
 
 }  // namespace
 
-std::optional<int> RunLibraryTrial(int argc, const char* const* argv) {
+void RunLibraryTrial(int argc, const char* const* argv) {
   if (argc != 3 || std::strcmp(argv[1], kTrialOption) != 0) {
     // The path, not the link: executing /proc/self/exe under valgrind would start valgrind.
     std::error_code none;
     const std::string program = std::filesystem::read_symlink("/proc/self/exe", none).string();
     SetTrialProgram(std::filesystem::exists(program, none) ? program : "/proc/self/exe");
-    return std::nullopt;
+    return;
   }
   // A crash must end the child by its signal, also with a sanitizer, which installs handlers of its own.
   for (const int crash : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV}) {

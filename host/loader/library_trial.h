@@ -2,7 +2,6 @@
 #define HOST_LOADER_LIBRARY_TRIAL_H_
 
 #include <chrono>
-#include <optional>
 #include <string>
 
 /// Loads a library in a child process before this process loads it. A truncated file and a constructor that
@@ -10,9 +9,9 @@
 /// Threads: one at a time.
 namespace host {
 
-/// When the program was started as the child, runs the trial and ends the process. Otherwise returns nothing and
-/// makes this program the one that `TryLibrary` starts. To be called first in `main`.
-std::optional<int> RunLibraryTrial(int argc, const char* const* argv);
+/// When the program was started as the child, runs the trial and ends the process. Otherwise makes this program
+/// the one that `TryLibrary` starts. To be called first in `main`.
+void RunLibraryTrial(int argc, const char* const* argv);
 
 /// Sets the program that is started for trials; its `main` must call `RunLibraryTrial`. While it is empty, as
 /// at first, libraries are tried in this process.
