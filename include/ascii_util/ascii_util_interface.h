@@ -29,11 +29,12 @@ using ListMap = std::map<std::string, std::vector<std::string>>;
 /// Threads: the interface has no state. Every operation may be called from any thread at any time, also while
 /// the configuration is being loaded; the caller synchronizes access to the maps and lists it passes.
 /// Errors: bad input does not throw, except for an empty separator of `SplitStr`, which exhausts memory.
-/// Exhausted memory throws `std::bad_alloc`. Exceptions of the platform's functions and of a logger's `Log`
-/// and `LogF` reach the caller; an exception of `GetLogger` only drops the message. Any other exception while
-/// the log service is looked up, `std::bad_alloc` included, ends the process through the unexpected-exception
-/// handler. After an exception, the map of `ParseListMap` and the list of `SplitStr` keep what was added;
-/// every other out value is unchanged.
+/// Exhausted memory throws `std::bad_alloc`. Exceptions of the platform's functions, of the registry and of a
+/// logger's `Log` and `LogF` reach the caller; an exception of `GetLogger` only drops the message. When the log
+/// service is not in the registry, the service objects of all bundles are searched; any exception of that
+/// search, `std::bad_alloc` included, ends the process through the unexpected-exception handler. After an
+/// exception, the map of `ParseListMap` and the list of `SplitStr` keep what was added; every other out value is
+/// unchanged.
 class PLATFORM_API AsciiUtilInterface : public NS_BUNDLEMGR1::ServiceInterface {
  public:
   /// Slot 5. Reads `text`, up to its first NUL, as an integer with `strtol` in `base` (0 or 2 to 36). `value`
