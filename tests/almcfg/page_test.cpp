@@ -118,7 +118,7 @@ TEST(Page, HasTheTablesOrderAndThenTheLinesWithoutAKeyWithSort) {
   EXPECT_EQ(lines[2][4], "lost");
 }
 
-TEST(Page, SortsFindingsOfTheWholeFileInByTheirLine) {
+TEST(Page, PlacesFindingsOfTheWholeFileAtTheirLine) {
   const json lines = LinesOf(PageOfInput("A\tB\tC\t7\t1\n# one\r\nlost\nB\tB\tC\t7\t2"));
   ASSERT_EQ(lines.size(), 4U);
   EXPECT_EQ(lines[1][3][0][1], "cr-line-ends");

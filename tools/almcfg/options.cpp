@@ -135,7 +135,7 @@ std::vector<OptionSpec> CheckOptions() {
 }
 
 std::vector<OptionSpec> FixOptions() {
-  return {Flag("--unsafe", "Also repairs that may change keys or answers", &Options::unsafe),
+  return {Flag("--unsafe", "Also repairs that may change answers or choose a line", &Options::unsafe),
           Flag("--in-place", "Replace each file atomically", &Options::inPlace),
           Flag("--backup", "With --in-place: keep the old file as FILE.bak", &Options::backup),
           Flag("--diff", "Write a unified diff instead of the repaired file", &Options::unifiedDiff),
@@ -192,8 +192,7 @@ const std::vector<CommandSpec>& Commands() {
        {CallsOption("Recorded calls, or lines of KEY1, KEY2, KEY3, NUMBER, COUNT; - is standard input"),
         Flag("--strict", "Queries that no line serves give exit code 1", &Options::strict), StdinNameOption(),
         FormatOption("json|text", "How to report (default: text)"), ColorOption()},
-       "0 reported, 1 with --strict and a query that no line serves, or the load never ends, 2 could not "
-       "run"}};
+       "0 reported, 1 the load never ends or, with --strict, no line serves a query, 2 could not run"}};
   return kCommands;
 }
 

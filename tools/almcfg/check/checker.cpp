@@ -212,7 +212,8 @@ class Checker {
     }
     Add(Code::kIndentedComment, 1, at,
         std::string("not a comment: \"#\" must be the first character (the line ") +
-            (parsed_.outcome == LineOutcome::kAccepted ? "is LOADED)" : "is not loaded, for another reason)"),
+            (parsed_.outcome == LineOutcome::kAccepted ? "is LOADED)"
+                                                       : "is not a record, so it is not loaded)"),
         "remove the blank before the \"#\"");
     return true;
   }

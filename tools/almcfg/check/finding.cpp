@@ -36,7 +36,7 @@ constexpr std::array<Rule, kRuleCount> kRules{{
     {Code::kDuplicateKey, "duplicate-key", S::kWarning, R::kUnsafe,
      "An earlier line has the same key and the same value, or the line names an alternative twice."},
     {Code::kHeaderLine, "header-line", S::kWarning, R::kSafe,
-     "Columns 4 and 5 hold words instead of numbers: a heading that is loaded as a record."},
+     "Columns 4 and 5 hold words instead of numbers: a heading, loaded as a record if TABs separate it."},
     {Code::kQuotedCell, "quoted-cell", S::kWarning, R::kSafe,
      "Quotation marks around a column belong to its text."},
     {Code::kNumberNeverMatches, "number-never-matches", S::kWarning, R::kUnsafe,

@@ -169,7 +169,8 @@ void WriteText(std::ostream& out, const Calls& calls, const Coverage& coverage) 
         << " was recorded\n";
   }
   if (calls.dropped != 0) {
-    out << "dropped:     " << Grouped(calls.dropped) << " calls of all operations are not in the recording\n";
+    out << "dropped:     " << Grouped(calls.dropped)
+        << " calls are not in the recording, those of other operations included\n";
   }
   const auto heading = [&out](bool isNeeded, const char* text) {
     if (isNeeded) {

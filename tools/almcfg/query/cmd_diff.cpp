@@ -1,5 +1,5 @@
-// almcfg diff: loads both files into tables of their own, which it owns, and reports the keys whose answers
-// differ. One thread.
+// almcfg diff: loads both files into tables of their own, which it owns, and reports the keys that are new,
+// missing, or have another text as value. One thread.
 
 #include <optional>
 #include <ostream>

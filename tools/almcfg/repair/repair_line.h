@@ -17,7 +17,7 @@ namespace almcfg {
 /// Which findings may be repaired.
 struct RepairRules {
   CodeSet codes;
-  bool unsafe = false;  ///< also repairs that may change keys or answers, or choose between two lines
+  bool unsafe = false;  ///< also repairs that may change answers, or choose between two lines
 
   [[nodiscard]] bool Allows(Code code) const {
     const Repair repair = RuleOf(code).repair;
@@ -27,9 +27,9 @@ struct RepairRules {
 };
 
 /// Returns whether every key for which queries got an integer keeps it when the line is loaded in place of
-/// the original one. Called for repairs that add or change keys, unless `RepairRules::unsafe`; it may then be
-/// empty. The other safe repairs change neither keys nor values of a loaded line, except that a heading
-/// becomes a comment.
+/// the original one. Called for repairs that add or change keys. With `RepairRules::unsafe` it is not called,
+/// and may be empty. The other safe repairs change neither keys nor values of a loaded line, except that the
+/// first key loses a byte order mark and that a heading becomes a comment.
 using KeepsAnswers = std::function<bool(std::string_view line)>;
 
 /// Repairs one line (without its LF) on its own. Returns the lines that replace it, usually one, and appends

@@ -67,7 +67,8 @@ class Answers {
     });
   }
 
-  /// Takes what the repaired line adds for the lines before it.
+  /// Remembers the keys that the repaired line adds. They replace those of earlier lines, which are repaired
+  /// after it.
   void TakeRepaired(std::string_view line, LineNumber number) {
     for (const Record& record : RecordsOf(line)) {
       const std::optional<Entry> entry = before_.Find(record);

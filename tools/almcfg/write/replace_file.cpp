@@ -87,7 +87,8 @@ struct stat StatusOfReplaceable(const std::string& path) {
   if (status.st_nlink > 1) {
     throw std::runtime_error("it has another hard link, which would keep the old content; remove the link");
   }
-  // The mode of such a file has the ACL's mask in place of the group's permissions, and would give them to the group.
+  // In the mode of such a file the group's bits are the ACL's mask. Copying the mode would give the group all
+  // permissions of the mask.
   if (getxattr(path.c_str(), "system.posix_acl_access", nullptr, 0) > 0) {
     throw std::runtime_error("it has an access control list, which would be lost; write to standard output");
   }
