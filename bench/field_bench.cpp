@@ -57,7 +57,7 @@ void CompareIsContain(const std::string& input, const std::vector<KeyAndText>& i
       .Rival("string::find", [](const KeyAndText& in) { return in.text.find(in.key) != std::string::npos; });
 }
 
-/// Texts of "a" alone with a key that nearly occurs everywhere.
+/// One text of "a" alone, with a key that nearly occurs everywhere.
 std::vector<KeyAndText> Repetitive(std::size_t bytes) {
   return {{std::string(bytes / 2, 'a') + 'b', std::string(bytes, 'a')}};
 }

@@ -6,7 +6,7 @@
 #include <vector>
 
 /// The inputs of the comparisons, modelled on an alarm agent's. They are the same on every run and machine,
-/// and there are many, so that a processor cannot predict their branches from the previous round.
+/// and mostly there are many, so that a processor cannot predict their branches from the previous round.
 namespace bench {
 
 /// The inputs of a comparison of short texts.

@@ -117,7 +117,7 @@ def main():
 
 The time of each operation, compared with what a caller could use instead. `scripts/bench.sh --report` writes this page. Every
 ratio is the time of the bundle, loaded with `dlopen` and called through its virtual table or exported functions, divided by the
-other's: below 1 the bundle is faster. Each run uses many different inputs, and a contestant is timed only after it has
+other's: below 1 the bundle is faster. Most runs use many different inputs, and a contestant is timed only after it has
 given the expected answer to all of them. Loads are checked after they are timed, by 100 lookups; lookups during loads are not
 checked. Contestants take turns in one process; a time is the lower quartile of the processor time over all repetitions, because
 other load on the machine only adds to it. The table "Memory" compares bytes of resident memory per record instead of times.

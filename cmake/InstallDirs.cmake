@@ -7,5 +7,6 @@ if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_INSTALL_LIBDIR AND CMAKE_LIBRARY_A
 endif()
 include(GNUInstallDirs)
 set(ASCII_UTIL_INSTALL_HEADERDIR ${CMAKE_INSTALL_INCLUDEDIR}/ii_ascii_util)
-# Files that differ between architectures, so that several can be installed beside each other.
+# The directory of files that differ between architectures. It is in the library directory, so that the packages of
+# several architectures can be installed together.
 set(ASCII_UTIL_INSTALL_ARCHDIR ${CMAKE_INSTALL_LIBDIR}/ii_ascii_util)

@@ -55,7 +55,8 @@ for file in json.load(open(sys.argv[1], encoding="utf-8"))["files"]:
     code = [line for line in file["lines"] if not line.get("gcovr/noncode", False)]
     lines = [line["count"] for line in code]
     for line in code:
-        # Checked here, because gcovr misses the lines of a header that a program includes and does not run.
+        # Branches that only an exception takes are removed here and not by gcovr, which overlooks those in a header that a
+        # program includes and does not run.
         line["branches"] = [branch for branch in line["branches"] if not branch.get("throw", False)]
     branches = [branch["count"] for line in code for branch in line["branches"]]
     print(f"{file['file']:34}{share(lines):>14}{share(branches):>16}")

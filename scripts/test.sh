@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs every test.
+# Installs what is missing, builds, and runs every test (those in a browser only where Chromium is installed).
 #
 #   scripts/test.sh [--help] [PRESET] [CTEST-OPTION...]
 #

@@ -11,8 +11,7 @@ namespace alarm_agent {
 
 /// Makes the text message for a line of the feed:
 ///
-///   2026-11-15T09:11:44 CRITICAL COM BTS LOS/7 at NORTH/BSC07/BTS0217: ABIS LINK DOWN, 3 times [TRX1, TRX2]
-///   LINK
+///   2026-11-15T09:11:44 CRITICAL COM BTS LOS/7 at North/BTS0217: ABIS LINK DOWN, 3 times [TRX1, TRX2] LINK
 ///
 /// The severity is the configured value for kind, equipment, cause and number. 0, and so every alarm that is
 /// not configured, reads INDETERMINATE. An alarm whose text holds "CEASED" reads CLEARED. With the

@@ -15,8 +15,8 @@
 // Required: the result is as if three replacements were made in the encoded text, in this order: "%d%a" by
 // "%0d%0a", "%a%" by "%0d%0a%", a final "%a" by "%0d%0a". For single bytes that means:
 //
-//   CR, when the escape of the next byte starts with "%a" (LF, or 0xA0 to 0xAF): the two escapes become
-//   "%0d%0a", followed by the third character of the second one if it has one; otherwise "%d".
+//   CR: "%d", unless the escape of the next byte starts with "%a" (LF, or 0xA0 to 0xAF). Then the two escapes
+//   together become "%0d%0a" and, for 0xA0 to 0xAF, the third character of the second escape.
 //   LF that does not follow such a CR: "%0d%0a" when it is the last byte or an escape follows, otherwise
 //   "%a".
 //

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Builds three projects against the installed tree, the way their build system would, and runs them.
+"""Builds two projects against the installed tree and one with the sources in its own tree, and runs them; configures a
+fourth, for which the package is optional.
 
 Inputs, from the environment: STAGE (the installed tree), WORK (a directory to work in), PROJECT (our sources), CALLER (the
 caller of docs/interface.md), CXX, PROVIDER (another provider of the platform), HAS_TOOLS (1 when programs are installed).

@@ -120,7 +120,7 @@ TEST_F(LogToFile, ComplaintsOfAceAreCollectedWhenWanted) {
   EXPECT_EQ(Written(), "");
 }
 
-TEST_F(LogToFile, AnInnerCollectorOfComplaintsGivesWayToTheOuterOne) {
+TEST_F(LogToFile, AnOuterCollectorOfComplaintsContinuesAfterTheInnerOne) {
   const host::LogOutput output(file_);
   const host::AceComplaints outer;
   {

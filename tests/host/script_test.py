@@ -136,7 +136,7 @@ class CallsFromAPipe(HostTest):
         self.assert_fails(self.loaded("call", "--json", "-", stdin="Str2Num 1  x\n"), 1, "stdin:1:12: Str2Num: argument 2, base")
         self.assertEqual(done.stdout, "result: 1\n")
 
-    def test_expect_error_does_not_let_the_call_before_it_fail(self):
+    def test_expect_error_does_not_excuse_the_call_before_it(self):
         done = self.loaded("call", "-", stdin="Nonsense\nexpect-error Nonsense\n")
         self.assert_fails(done, 1, "stdin:1:1: no operation 'Nonsense'")
 

@@ -348,7 +348,7 @@ TEST_F(RecordingTest, ADiskThatFillsUpIsReportedOnceAndEndsTheRecording) {
   EXPECT_EQ(front_.ToUpper("abc"), "<abc>");
 }
 
-TEST_F(RecordingTest, ALimitThatTheHeadExceedsStartsNothing) {
+TEST_F(RecordingTest, AHeadThatCannotBeWrittenStartsNothing) {
   {
     const FileSizeLimit limit(10);
     EXPECT_THROW(Start(), std::system_error);

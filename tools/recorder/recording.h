@@ -54,7 +54,7 @@ class Recording {
   void AbandonAfterFork() noexcept;
   [[nodiscard]] bool IsAbandoned() const { return isAbandoned_; }
 
-  /// Whether this call of the operation is to be recorded. Counts the calls when only some are.
+  /// Whether this call of the operation is to be recorded. Counts the calls when only each Nth is recorded.
   bool Wants(recording_format::Operation operation) noexcept {
     const auto at = static_cast<unsigned>(operation);
     if ((selected_.load(std::memory_order_acquire) >> at & 1U) == 0) {
