@@ -93,8 +93,7 @@ TEST(Check, SelectsIgnoresAndLimitsFindings) {
   const std::string content = kWarning + kError + kError;
   EXPECT_EQ(Exit({"check", "--ignore", "too-few-columns", "-"}, content), 0);
   EXPECT_EQ(Exit({"check", "--strict", "--ignore", "too-few-columns", "-"}, content), 1);
-  EXPECT_EQ(RunAlmcfg({"check", "--select", "edge-blank", "-"}, content).out,
-            "1 file, 1 key, no findings\n");
+  EXPECT_EQ(RunAlmcfg({"check", "--select", "edge-blank", "-"}, content).out, "1 file, 1 key, no findings\n");
   const Outcome limited = RunAlmcfg({"check", "--max-findings", "1", "-"}, content);
   EXPECT_EQ(limited.exitCode, 1);
   EXPECT_THAT(limited.out, Not(HasSubstr(" [too-few-columns]")));
