@@ -198,7 +198,7 @@ void RunScript(Session& session, const std::string& file, const Words& prefix) {
   if (session.runDepth == kMaxDepth) {
     throw Failure(name + " would be nested deeper than 16 files; does it run itself?");
   }
-  const std::unique_ptr<int, void (*)(int*)> depth(&++session.runDepth, [](int* value) { --*value; });
+  const Temporarily depth(session.runDepth, session.runDepth + 1);
   const auto lines =
       file == "-" ? std::make_unique<TextLines>(StandardInput(), name) : std::make_unique<TextLines>(file);
   if (const std::string failed = Script(session, *lines, prefix).Run(); !failed.empty()) {

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <streambuf>
 #include <string>
+#include <utility>
 
 #include "host/loader/loader.h"
 
@@ -45,6 +46,20 @@ struct Session {
   bool keepGoing = false;      ///< report and count failing commands of a file, and run the next
   bool hasConsole = false;     ///< a console is running; `call` also prints the log records of the call
   int runDepth = 0;            ///< nesting depth of command files
+};
+
+/// Gives a variable another value until the end of a scope, also when an exception ends it.
+template <class T>
+class Temporarily {
+ public:
+  Temporarily(T& variable, T value) : variable_(variable), before_(std::exchange(variable, value)) {}
+  ~Temporarily() { variable_ = before_; }
+  Temporarily(const Temporarily&) = delete;
+  Temporarily& operator=(const Temporarily&) = delete;
+
+ private:
+  T& variable_;
+  const T before_;
 };
 
 }  // namespace host

@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
-#include <memory>
 #include <system_error>
 
 #include "host/base/text_escape.h"
@@ -63,8 +62,7 @@ void RunConsole(Session& session) {
   if (session.hasConsole) {
     throw Failure("console: a console is running already");
   }
-  session.hasConsole = true;
-  const std::unique_ptr<bool, void (*)(bool*)> reset(&session.hasConsole, [](bool* flag) { *flag = false; });
+  const Temporarily running(session.hasConsole, true);
   if (isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) {
     RunInteractively(session);
   } else {

@@ -72,6 +72,13 @@ class Expect(HostTest):
         done = self.script("unset A\nexpect-error 'no item'\nlog\nexpect-error 'no item'\n")
         self.assert_fails(done, 1, "stdin:4:1: expected the error 'no item', but the last command succeeded")
 
+    def test_a_console_can_follow_one_whose_commands_failed(self):
+        file = self.write("consoles", "console\nconsole\nlog\n")
+        done = self.host("--keep-going", "run", file, stdin="nonsense\n")
+        self.assertIn("stdin:1:1: no command 'nonsense'", done.stderr)
+        self.assertNotIn("is running already", done.stderr)
+        self.assertEqual(done.stdout, "log level: 0\n")
+
     def test_an_unknown_bundle_is_reported_with_its_column(self):
         for command in ("init", "reload", "unload"):
             self.assert_fails(self.script(f"{command} absent\n"), 1, f"stdin:1:{len(command) + 2}: no bundle 'absent' is loaded")
