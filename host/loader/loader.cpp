@@ -372,9 +372,11 @@ std::string Loader::SharedWith(const LoadedBundle& bundle) const {
 const LoadedBundle& Loader::Reload(const std::string& name) {
   const LoadedBundle old = Find(name);
   RefuseWhileNeeded(old);
-  const std::string user = old.ChangedOnDisk() ? SharedWith(old) : "";
-  if (const std::string holder = user.empty() ? KnownHolder(MappedLibraries(), old.library) : user;
-      !holder.empty()) {
+  std::string holder = old.ChangedOnDisk() ? SharedWith(old) : "";
+  if (holder.empty()) {
+    holder = KnownHolder(MappedLibraries(), old.library);
+  }
+  if (!holder.empty()) {
     throw Failure(name + " cannot be reloaded, as " + old.library + " would stay mapped: " + holder);
   }
   FindLibrary(old.library, false);

@@ -30,8 +30,8 @@ struct PlatformOptions {
 class PLATFORM_API Platform {
  public:
   /// Throws `Failure` with a one-line message when the log file or the directory cannot be opened or
-  /// config_items.ini is invalid; the log output is then restored. A configuration
-  /// directory need not be named, as for bundle_host, and config_items.ini may be missing.
+  /// config_items.ini is invalid; the log output is then restored. A configuration directory need not be named,
+  /// as for bundle_host, and config_items.ini may be missing.
   explicit Platform(const PlatformOptions& options);
 
   /// The warnings about config_items.ini, one line each.

@@ -23,7 +23,7 @@ struct Close {
 /// Owns an iconv descriptor; null when a code set is unknown.
 using Descriptor = std::unique_ptr<std::remove_pointer_t<iconv_t>, Close>;
 
-Descriptor Open(const std::string& from, const std::string& to) {
+Descriptor OpenDescriptor(const std::string& from, const std::string& to) {
   void* const opened = iconv_open(to.c_str(), from.c_str());
   // NOLINTNEXTLINE(performance-no-int-to-ptr)
   return Descriptor(opened == reinterpret_cast<iconv_t>(-1) ? nullptr : opened);
@@ -64,8 +64,8 @@ class Converter {
  public:
   bool Open(const std::string& from, const std::string& to) {
     if (convert_ == nullptr || from != from_ || to != to_) {
-      convert_ = ::Open(from, to);
-      measure_ = ::Open(from, "UTF-32LE");
+      convert_ = OpenDescriptor(from, to);
+      measure_ = OpenDescriptor(from, "UTF-32LE");
       from_ = from;
       to_ = to;
       usual_ = IsUsual(from) && IsUsual(to);
