@@ -3,8 +3,8 @@
 #
 #   scripts/lint.sh [--help] [--format-only] [FILE...]
 #
-# Checks the given files, or all files of the working tree, new ones included. Uses clang-format-14
-# and clang-tidy-14, because other versions format differently. clang-tidy reads the compile commands of the release preset, so
+# Checks the given files, or all files of the working tree, new ones included. Uses clang-format-14 and
+# clang-tidy-14, because other versions format differently. clang-tidy reads the compile commands of the release preset, so
 # build that preset first (scripts/test.sh does).
 set -euo pipefail
 . "$(dirname "$0")/common.bash"
